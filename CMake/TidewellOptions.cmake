@@ -1,0 +1,21 @@
+# One interface target carries the language level, the warnings and the sanitizer of the whole house.
+add_library(TidewellOptions INTERFACE)
+target_compile_features(TidewellOptions INTERFACE cxx_std_20)
+target_compile_options(TidewellOptions INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+                                                 -Woverloaded-virtual -fno-omit-frame-pointer)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Coroutine frames make GCC 12 report members of moved-from temporaries that nothing reads.
+  target_compile_options(TidewellOptions INTERFACE -fcoroutines -Wno-maybe-uninitialized -Wno-mismatched-new-delete)
+endif()
+target_compile_definitions(TidewellOptions INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
+                                                     QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+if(TIDEWELL_WARNINGS_ARE_ERRORS)
+  target_compile_options(TidewellOptions INTERFACE -Werror)
+endif()
+if(TIDEWELL_SANITIZER STREQUAL "address")
+  target_compile_options(TidewellOptions INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all)
+  target_link_options(TidewellOptions INTERFACE -fsanitize=address,undefined)
+elseif(TIDEWELL_SANITIZER STREQUAL "thread")
+  target_compile_options(TidewellOptions INTERFACE -fsanitize=thread)
+  target_link_options(TidewellOptions INTERFACE -fsanitize=thread)
+endif()

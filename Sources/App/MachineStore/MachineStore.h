@@ -1,0 +1,74 @@
+#pragma once
+
+// The list of Linux machines and what the user does to them on the Machines screen. All on the main thread.
+//
+//   idle ──create, start, stop, remove (checks passed)──▶ busy ──tool ended, log written──▶ idle ──▶ refresh
+//
+// `busy` is the only guard: a request that arrives while it is true is ignored. A refresh is never blocked, touches
+// neither `busy` nor `log`, and of two at once the later to finish decides. No operation fails to its caller: listing
+// reports through `error`, the operations through `log`.
+
+#include "MachineStore/Distro.h"
+#include "MachineStore/Machine.h"
+#include "OrbCLI/CLIResult.h"
+
+#include <QCoroTask>
+#include <QList>
+#include <QObject>
+#include <QProperty>
+
+#include <optional>
+
+/// Seconds; tests shorten them.
+struct MachineTimeLimits {
+    double list = 10;
+    double simple = 120;
+    double deletion = 120;
+    double creation = 900;
+};
+
+class MachineStore : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit MachineStore(MachineTimeLimits limits = {}, QObject *parent = nullptr);
+
+    /// The list last read, in the order `orb` printed it. Emptied only when `orb` is missing.
+    const QList<Machine> &machines() const { return m_machines; }
+    /// Why the last refresh failed; none after a good one.
+    std::optional<QString> error() const { return m_error; }
+    bool busy() const { return m_busy; }
+    /// The record of the last operation; a failed one explains itself here.
+    QString log() const { return m_log; }
+
+    /// Reads the list anew, as JSON and failing that as a table; changes `machines` and `error`.
+    QCoro::Task<> refresh();
+
+    /// Creates a machine; a name that is malformed or taken is refused in `log`.
+    void create(Distro distro, const QString &name);
+
+    /// Runs `orb VERB NAME`, `verb` being "start" or "stop"; `log` is emptied or tells the failure.
+    void simple(const QStringList &arguments);
+
+    /// Deletes a machine for good; `log` tells the outcome. (`delete` is a word of the language.)
+    void remove(const QString &name);
+
+Q_SIGNALS:
+    void machinesChanged();
+    void errorChanged();
+    void busyChanged();
+    void logChanged();
+
+private:
+    QCoro::Task<> performCreate(QString orb, QString distro, QString name);
+    QCoro::Task<> performSimple(QString orb, QStringList arguments);
+    QCoro::Task<> performRemove(QString orb, QString name);
+    void setMachines(const QList<Machine> &machines);
+
+    const MachineTimeLimits m_limits;
+    QList<Machine> m_machines;
+    Q_OBJECT_BINDABLE_PROPERTY(MachineStore, std::optional<QString>, m_error, &MachineStore::errorChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(MachineStore, bool, m_busy, false, &MachineStore::busyChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(MachineStore, QString, m_log, &MachineStore::logChanged)
+};

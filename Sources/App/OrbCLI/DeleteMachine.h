@@ -1,0 +1,16 @@
+#pragma once
+
+#include "OrbCLI/CLIResult.h"
+
+#include <QCoroTask>
+#include <QString>
+
+namespace OrbCLI
+{
+
+/// Deletes the machine `name`: first forced, and when that fails once more without force, answering the tool's
+/// question with "y". Returns the result of the last attempt. `timeLimit` is in seconds and holds for each attempt.
+/// Main thread.
+QCoro::Task<CLIResult> deleteMachine(QString orb, QString name, double timeLimit = 120);
+
+} // namespace OrbCLI

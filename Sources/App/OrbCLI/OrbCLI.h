@@ -1,0 +1,54 @@
+#pragma once
+
+// Runs an outside tool as a child process: an argument list, never a shell; the environment of ToolLocation.h; optional
+// standard input; an optional time limit that asks the child once, politely, to terminate and never kills it.
+//
+// Three entrances to one engine: stream (callbacks), streamAsync (awaitable, output streamed) and run (awaitable,
+// output collected). Output arrives on the main thread as chunks of UTF-8 text, decoded chunk by chunk: whatever is
+// malformed in a chunk, also a character cut by its edge, becomes U+FFFD. The end is told once, after the last chunk,
+// when the child has exited and both its pipes are closed, so a grandchild that holds a pipe delays it.
+//
+// Nothing is thrown and nothing fails silently: a tool that cannot be started is one line of error output
+// ("Could not start orb: …") and status -1.
+
+#include "OrbCLI/CLIResult.h"
+#include "OrbCLI/ProcessHandle.h"
+
+#include <QCoroTask>
+#include <QString>
+#include <QStringList>
+#include <QUtf8StringView>
+
+#include <functional>
+#include <optional>
+
+namespace OrbCLI
+{
+
+/// Called on the main thread for each chunk; the view is valid during the call only. `isError` tells standard error
+/// (and the launch-failure line) from standard output.
+using OutputHandler = std::function<void(QUtf8StringView text, bool isError)>;
+
+/// Called on the main thread exactly once, after the last chunk.
+using ExitHandler = std::function<void(int status, const ProcessHandlePointer &handle)>;
+
+using StartHandler = std::function<void(const ProcessHandlePointer &handle)>;
+
+struct StreamResult {
+    int status = -1;
+    bool timedOut = false;
+};
+
+/// Starts `tool` and returns its handle at once, before any output. Without `input` the child reads the null device;
+/// `timeLimit` is in seconds, none for no limit. Any thread.
+ProcessHandlePointer stream(const QString &tool, const QStringList &arguments, const std::optional<QString> &input,
+                            std::optional<double> timeLimit, OutputHandler onOutput, ExitHandler onExit);
+
+/// Like stream, and resumes its caller at the child's end. `onStart` is called once, before any output. Main thread.
+QCoro::Task<StreamResult> streamAsync(QString tool, QStringList arguments, std::optional<QString> input,
+                                      std::optional<double> timeLimit, StartHandler onStart, OutputHandler onOutput);
+
+/// Runs `tool` to its end and returns all it printed. Main thread.
+QCoro::Task<CLIResult> run(QString tool, QStringList arguments, std::optional<QString> input, double timeLimit);
+
+} // namespace OrbCLI

@@ -1,0 +1,98 @@
+#pragma once
+
+// Runs one job at a time: finds `orb`, creates a disposable machine where asked, feeds the composed script to a shell
+// in the machine, streams the output into the transcript, deletes the disposable machine and adds the run to the
+// history. All on the main thread.
+//
+//   idle ──start──▶ creating (disposable) ──▶ running in ──▶ deleting (disposable) ──▶ history written ──▶ idle
+//
+// A stop only sets a flag and asks the current child to terminate; the run reports it when the step returns. Deletion
+// and history are never skipped once a run began.
+
+#include "HistoryStore/HistoryStore.h"
+#include "OrbCLI/ProcessHandle.h"
+#include "RunController/RunJob.h"
+#include "RunController/Transcript.h"
+
+#include <QCoroTask>
+#include <QDateTime>
+#include <QObject>
+#include <QProperty>
+
+#include <optional>
+
+/// Seconds; tests shorten them.
+struct RunTimeLimits {
+    double creation = 900;
+    double script = 600;
+    double deletion = 120;
+};
+
+class RunController : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit RunController(RunTimeLimits limits = {}, QObject *parent = nullptr);
+
+    /// The text being edited on the Run screen.
+    QString script() const { return m_script; }
+    void setScript(const QString &script) { m_script = script; }
+
+    /// All output of all runs since it was last cleared. Screens read it; append and clearTranscript change it.
+    const Transcript &transcript() const { return m_transcript; }
+    /// Grows by one with every append.
+    qint64 revision() const { return m_revision; }
+    bool isRunning() const { return m_isRunning; }
+    /// The moment the current run started; none while idle.
+    std::optional<QDateTime> startedAt() const { return m_startedAt; }
+    /// One line on the current step; empty while idle.
+    QString phase() const { return m_phase; }
+
+    /// The texts of all segments, joined as they are.
+    QString plainText() const { return m_transcript.plainText(); }
+
+    /// Adds text to the transcript; `revision` changes.
+    void append(QUtf8StringView text, OutputKind kind);
+    void append(const QString &text, OutputKind kind);
+
+    /// Empties the transcript.
+    void clearTranscript();
+
+    /// Starts the job and returns at once; ignored while a run is going. `history` must outlive the run.
+    void start(const RunJob &job, HistoryStore *history);
+
+    /// Starts the installation of packages, as the user typed them, in a machine; a text or a distribution that cannot
+    /// be served is refused in the transcript.
+    void installPackages(const QString &packages, const QString &machine, const QString &distro, bool timeoutEnabled,
+                         HistoryStore *history);
+
+    /// Stops the current run: its child is asked to terminate, a disposable machine is still deleted.
+    void stop();
+
+    /// The shell script that installs validated package names; nothing for a distribution other than Ubuntu, Debian and
+    /// Alpine.
+    static std::optional<QString> packageScript(const QString &distro, const QStringList &packages);
+
+Q_SIGNALS:
+    void scriptChanged();
+    /// The transcript was cleared; every append is told by revisionChanged.
+    void transcriptCleared();
+    void revisionChanged();
+    void isRunningChanged();
+    void startedAtChanged();
+    void phaseChanged();
+
+private:
+    QCoro::Task<> execute(RunJob job, HistoryStore *history);
+
+    const RunTimeLimits m_limits;
+    Transcript m_transcript;
+    ProcessHandlePointer m_handle;
+    bool m_cancelled = false;
+    Q_OBJECT_BINDABLE_PROPERTY(RunController, QString, m_script, &RunController::scriptChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(RunController, qint64, m_revision, 0, &RunController::revisionChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(RunController, bool, m_isRunning, false, &RunController::isRunningChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(RunController, std::optional<QDateTime>, m_startedAt, &RunController::startedAtChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(RunController, QString, m_phase, &RunController::phaseChanged)
+};

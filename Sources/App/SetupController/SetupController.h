@@ -1,0 +1,100 @@
+#pragma once
+
+// Knows whether OrbStack is installed and running; installs it through Homebrew, starts it and stops it. All on the
+// main thread.
+//
+//   any state ──bringUp──▶ starting ──status says running──▶ running
+//                             ├──90 s over, or cancelled──▶ stopped
+//                             └──orb missing──▶ notInstalled
+//   refresh, while not busy: ▶ notInstalled | stopped | running
+//
+// `busy` is the only guard against overlapping operations, from the request to its last step; refresh never waits for
+// it but leaves `state` alone while it holds. Every failure ends as a sentence in `note`; what the tools printed while
+// installing or starting is in `log`.
+
+#include "OrbCLI/ProcessHandle.h"
+#include "SetupController/OrbState.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <QProperty>
+#include <QUtf8StringView>
+
+/// Seconds; tests shorten them.
+struct SetupTimeLimits {
+    double status = 10;
+    double start = 90;
+    double stop = 60;
+    double install = 1800;
+    double pollInterval = 2;
+};
+
+class SetupController : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SetupController(SetupTimeLimits limits = {}, bool macSupported = isMacSupported(),
+                             QObject *parent = nullptr);
+
+    OrbState state() const { return m_state; }
+    bool hasDocker() const { return m_hasDocker; }
+    bool hasBrew() const { return m_hasBrew; }
+    bool busy() const { return m_busy; }
+    /// At most 200,000 characters; past that its last 150,000.
+    QString log() const { return m_log; }
+    QString note() const { return m_note; }
+    /// False only on a Mac older than macOS 14.
+    bool macSupported() const { return m_macSupported; }
+
+    /// Looks for the tools and asks `orb status`; changes `hasBrew`, `hasDocker` and, while not busy, `state`.
+    QCoro::Task<> refresh();
+
+    /// Installs OrbStack, then starts it; returns at once.
+    void install();
+
+    /// Starts OrbStack and waits until it reports running; returns at once.
+    void start();
+
+    /// Stops OrbStack; returns at once.
+    void stop();
+
+    /// Ends an install or a start early; the child that runs for it is asked to terminate.
+    void cancel();
+
+    /// Opens the OrbStack website in the user's browser. (The opener is given by the application: no browser, no
+    /// windows on this floor.)
+    void openOrbStackSite();
+
+    /// True on every system but a macOS before 14.0.
+    static bool isMacSupported();
+
+Q_SIGNALS:
+    void stateChanged();
+    void hasDockerChanged();
+    void hasBrewChanged();
+    void busyChanged();
+    void logChanged();
+    void noteChanged();
+    /// The application opens this address in the browser.
+    void siteRequested(const QString &address);
+
+private:
+    QCoro::Task<> performInstall(QString brew);
+    QCoro::Task<> performStop(QString orb);
+    QCoro::Task<> bringUp();
+    QCoro::Task<bool> reportsRunning(QString orb);
+    void appendLog(QUtf8StringView text);
+
+    const SetupTimeLimits m_limits;
+    const bool m_macSupported;
+    ProcessHandlePointer m_handle;
+    bool m_cancelled = false;
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, OrbState, m_state, OrbState::checking,
+                                         &SetupController::stateChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, bool, m_hasDocker, false, &SetupController::hasDockerChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, bool, m_hasBrew, false, &SetupController::hasBrewChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, bool, m_busy, false, &SetupController::busyChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(SetupController, QString, m_log, &SetupController::logChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(SetupController, QString, m_note, &SetupController::noteChanged)
+};

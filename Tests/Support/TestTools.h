@@ -1,0 +1,41 @@
+#pragma once
+
+// Outside tools for tests: real executable files in temporary tool directories, which the code under test finds in
+// place of the fixed ones.
+
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <array>
+
+/// Replaces the three tool directories (and the two places of brew) by temporary ones for as long as it lives. One at
+/// a time.
+class TestTools
+{
+public:
+    TestTools();
+    ~TestTools();
+
+    TestTools(const TestTools &) = delete;
+    TestTools &operator=(const TestTools &) = delete;
+
+    /// The path of one of the three directories, 0 to 2.
+    QString directory(int index) const;
+
+    /// A scratch path inside the temporary folder, outside the tool directories.
+    QString path(const QString &name) const;
+
+    /// Writes a `/bin/sh` script as an executable tool and returns its path. Every call of the tool appends one line
+    /// per call to "NAME.calls": its arguments, each in <angle brackets>.
+    QString addTool(const QString &name, const QString &body, int directoryIndex = 0);
+
+    /// The calls recorded so far, oldest first: "<list><-f><json>".
+    QStringList calls(const QString &name) const;
+
+    /// Removes the tool.
+    void removeTool(const QString &name, int directoryIndex = 0);
+
+private:
+    QTemporaryDir m_folder;
+};
