@@ -1,0 +1,35 @@
+#pragma once
+
+// The colours that carry a meaning, as pure functions of a palette: dark tones on a light window, light tones on a dark
+// one, each readable as text on the window's colour and on a pane. A widget asks again when its palette changes.
+
+#include "RunController/OutputKind.h"
+
+#include <QColor>
+
+class QPalette;
+
+namespace Colours
+{
+
+/// True when the palette's window is dark.
+bool isDark(const QPalette &palette);
+
+/// Text that matters most.
+QColor primary(const QPalette &palette);
+/// Dimmed text: captions, placeholders, progress.
+QColor secondary(const QPalette &palette);
+
+QColor red(const QPalette &palette);
+QColor orange(const QPalette &palette);
+QColor green(const QPalette &palette);
+QColor purple(const QPalette &palette);
+
+/// The text colour of a piece of output. `fail` is purple because red belongs to standard error alone.
+QColor forKind(OutputKind kind, const QPalette &palette);
+
+/// The translucent tint of the output pane over whatever lies beneath: black at 6 %, and on a dark window white at 6 %,
+/// where black would not be seen.
+QColor paneTint(const QPalette &palette);
+
+} // namespace Colours
