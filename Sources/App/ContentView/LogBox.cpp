@@ -1,0 +1,54 @@
+#include "ContentView/LogBox.h"
+
+#include "ContentView/Colours.h"
+#include "ContentView/Typography.h"
+
+#include <QPainter>
+
+#include <chrono>
+
+namespace
+{
+
+constexpr auto frame = std::chrono::milliseconds(16);
+constexpr double cornerRadius = 6;
+
+} // namespace
+
+LogBox::LogBox(const QString &name, int height, std::function<QString()> text, QWidget *parent)
+    : PlainTextBox(Typography::monospaced(11), WhenGrowing::followEnd, parent),
+      m_text(std::move(text))
+{
+    setAccessibleName(name);
+    setFixedHeight(height);
+    setViewportMargins(4, 2, 4, 2);
+    m_nextFrame.setSingleShot(true);
+    m_nextFrame.setInterval(frame);
+    connect(&m_nextFrame, &QTimer::timeout, this, &LogBox::showNow);
+    showNow();
+}
+
+void LogBox::reload()
+{
+    if (!m_nextFrame.isActive())
+        m_nextFrame.start();
+}
+
+void LogBox::showNow()
+{
+    showText(m_text());
+}
+
+bool LogBox::event(QEvent *event)
+{
+    if (event->type() == QEvent::Paint) {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight)) : QPen(Qt::NoPen));
+        painter.setBrush(Colours::paneTint(palette()));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    }
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+        update();
+    return PlainTextBox::event(event);
+}

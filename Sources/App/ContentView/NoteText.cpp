@@ -1,0 +1,82 @@
+#include "ContentView/NoteText.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QApplication>
+#include <QTextBlock>
+
+#include <cmath>
+
+namespace
+{
+
+constexpr int mostLines = 6;
+constexpr qsizetype longestName = 500;
+
+} // namespace
+
+NoteText::NoteText(const QFont &font, ColourOfPalette colour, QWidget *parent)
+    : PlainTextBox(font, WhenGrowing::stay, parent),
+      m_colour(colour)
+{
+    document()->setDocumentMargin(0);
+    setFocusPolicy(Qt::ClickFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    applyColour();
+    fitHeight();
+}
+
+void NoteText::setText(const QString &text)
+{
+    if (text == shownText())
+        return;
+    showText(text);
+    setAccessibleName(text.size() > longestName ? text.first(longestName) + u'…' : text);
+    fitHeight();
+}
+
+void NoteText::setColour(ColourOfPalette colour)
+{
+    m_colour = colour;
+    applyColour();
+}
+
+void NoteText::changeEvent(QEvent *event)
+{
+    PlainTextBox::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ParentChange)
+        applyColour();
+    if (event->type() == QEvent::FontChange)
+        fitHeight();
+}
+
+void NoteText::resizeEvent(QResizeEvent *event)
+{
+    PlainTextBox::resizeEvent(event);
+    if (event->oldSize().width() != event->size().width())
+        fitHeight();
+}
+
+void NoteText::applyColour()
+{
+    const QPalette around = parentWidget() != nullptr ? parentWidget()->palette() : QApplication::palette();
+    const QColor colour = m_colour(around);
+    if (testAttribute(Qt::WA_SetPalette) && palette().color(QPalette::Text) == colour)
+        return;
+    QPalette own;
+    own.setColor(QPalette::Text, colour);
+    setPalette(own);
+}
+
+void NoteText::fitHeight()
+{
+    // Only as many paragraphs are laid out as can be seen.
+    const double most = mostLines * fontMetrics().lineSpacing();
+    double height = 0;
+    for (QTextBlock block = document()->begin(); block.isValid() && height <= most; block = block.next())
+        height += document()->documentLayout()->blockBoundingRect(block).height();
+    const bool scrolls = height > most;
+    setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    // What scrolls can be reached by keyboard.
+    setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::ClickFocus);
+    setFixedHeight(static_cast<int>(std::ceil(std::min(height, most))));
+}

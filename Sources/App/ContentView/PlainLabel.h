@@ -1,0 +1,50 @@
+#pragma once
+
+// Every label of the window. Its text is shown as it is, never read as markup, in a colour that follows a switch of
+// light and dark, and however long it is it neither widens the window nor stalls its layout: a single line is cut with
+// an ellipsis (the whole, as far as it is sensible, is in the tool tip), a sentence is wrapped. Sentences of the tools,
+// which may be of any length, belong into a NoteText.
+
+#include <QColor>
+#include <QLabel>
+
+/// A colour of Colours.h.
+using ColourOfPalette = QColor (*)(const QPalette &);
+
+class PlainLabel : public QLabel
+{
+    Q_OBJECT
+
+public:
+    enum class Fit {
+        wrap,        ///< as many lines as needed, at most about two thousand characters
+        elideEnd,    ///< one line, cut at its end
+        elideMiddle, ///< one line, cut in its middle: for paths
+    };
+
+    PlainLabel(const QString &text, const QFont &font, ColourOfPalette colour, Fit fit, QWidget *parent = nullptr);
+
+    /// Shows another text; does nothing when it is the same. In a single line, what has no shape is written out.
+    void setText(const QString &text);
+
+    /// Shows the text in another colour.
+    void setColour(ColourOfPalette colour);
+
+    /// Lets the user select and copy a wrapped text, also by keyboard.
+    void setSelectable();
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void changeEvent(QEvent *event) override;
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void applyColour();
+    QString elided() const;
+
+    const Fit m_fit;
+    ColourOfPalette m_colour;
+};

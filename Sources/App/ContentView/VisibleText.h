@@ -1,0 +1,17 @@
+#pragma once
+
+// Text from outside, made safe to look at. Pure functions.
+
+#include <QString>
+
+namespace VisibleText
+{
+
+/// The text in one line in which nothing is disguised: control characters, direction marks and other characters without
+/// a shape of their own are written out, as in "⟨U+202E⟩"; line breaks and tabs become blanks.
+QString oneLine(const QString &text);
+
+/// The text as a tool tip shows it: never read as markup, at most about a thousand characters.
+QString toolTip(const QString &text);
+
+} // namespace VisibleText
