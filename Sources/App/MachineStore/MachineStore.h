@@ -10,7 +10,7 @@
 
 #include "MachineStore/Distro.h"
 #include "MachineStore/Machine.h"
-#include "OrbCLI/CLIResult.h"
+#include "OrbCLI/CappedLog.h"
 
 #include <QCoroTask>
 #include <QList>
@@ -40,7 +40,7 @@ public:
     std::optional<QString> error() const { return m_error; }
     bool busy() const { return m_busy; }
     /// The record of the last operation; a failed one explains itself here.
-    QString log() const { return m_log; }
+    QString log() const { return m_log.text(); }
 
     /// Reads the list anew, as JSON and failing that as a table; changes `machines` and `error`.
     QCoro::Task<> refresh();
@@ -48,7 +48,7 @@ public:
     /// Creates a machine; a name that is malformed or taken is refused in `log`.
     void create(Distro distro, const QString &name);
 
-    /// Runs `orb VERB NAME`, `verb` being "start" or "stop"; `log` is emptied or tells the failure.
+    /// Runs `orb` with {"start" or "stop", the machine's name}; `log` is emptied or tells the failure.
     void simple(const QStringList &arguments);
 
     /// Deletes a machine for good; `log` tells the outcome. (`delete` is a word of the language.)
@@ -65,10 +65,12 @@ private:
     QCoro::Task<> performSimple(QString orb, QStringList arguments);
     QCoro::Task<> performRemove(QString orb, QString name);
     void setMachines(const QList<Machine> &machines);
+    void setLog(const QString &text);
+    void appendLog(QUtf8StringView text);
 
     const MachineTimeLimits m_limits;
     QList<Machine> m_machines;
+    CappedLog m_log;
     Q_OBJECT_BINDABLE_PROPERTY(MachineStore, std::optional<QString>, m_error, &MachineStore::errorChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(MachineStore, bool, m_busy, false, &MachineStore::busyChanged)
-    Q_OBJECT_BINDABLE_PROPERTY(MachineStore, QString, m_log, &MachineStore::logChanged)
 };
