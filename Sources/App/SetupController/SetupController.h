@@ -12,11 +12,14 @@
 // it but leaves `state` alone while it holds. Every failure ends as a sentence in `note`; what the tools printed while
 // installing or starting is in `log`.
 
-#include "OrbCLI/ProcessHandle.h"
+#include "OrbCLI/Cancellation.h"
+#include "OrbCLI/CappedLog.h"
+#include "OrbCLI/OrbCLI.h"
 #include "SetupController/OrbState.h"
 
 #include <QCoroTask>
 #include <QObject>
+#include <QPointer>
 #include <QProperty>
 #include <QUtf8StringView>
 
@@ -42,7 +45,7 @@ public:
     bool hasBrew() const { return m_hasBrew; }
     bool busy() const { return m_busy; }
     /// At most 200,000 characters; past that its last 150,000.
-    QString log() const { return m_log; }
+    QString log() const { return m_log.text(); }
     QString note() const { return m_note; }
     /// False only on a Mac older than macOS 14.
     bool macSupported() const { return m_macSupported; }
@@ -83,18 +86,19 @@ private:
     QCoro::Task<> performInstall(QString brew);
     QCoro::Task<> performStop(QString orb);
     QCoro::Task<> bringUp();
-    QCoro::Task<bool> reportsRunning(QString orb);
+    OrbCLI::StartHandler keepHandle();
+    OrbCLI::OutputHandler outputToLog();
     void appendLog(QUtf8StringView text);
+    void clearLog();
 
     const SetupTimeLimits m_limits;
     const bool m_macSupported;
-    ProcessHandlePointer m_handle;
-    bool m_cancelled = false;
+    Cancellation m_cancellation;
+    CappedLog m_log;
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, OrbState, m_state, OrbState::checking,
                                          &SetupController::stateChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, bool, m_hasDocker, false, &SetupController::hasDockerChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, bool, m_hasBrew, false, &SetupController::hasBrewChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, bool, m_busy, false, &SetupController::busyChanged)
-    Q_OBJECT_BINDABLE_PROPERTY(SetupController, QString, m_log, &SetupController::logChanged)
     Q_OBJECT_BINDABLE_PROPERTY(SetupController, QString, m_note, &SetupController::noteChanged)
 };

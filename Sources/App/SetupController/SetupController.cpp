@@ -1,0 +1,229 @@
+#include "SetupController/SetupController.h"
+
+#include "OrbCLI/OrbCLI.h"
+#include "OrbCLI/ToolLocation.h"
+
+#include <QCoroTimer>
+#include <QDeadlineTimer>
+#include <QOperatingSystemVersion>
+#include <QTimer>
+
+#include <chrono>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+std::chrono::nanoseconds duration(double seconds)
+{
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::duration<double>(seconds));
+}
+
+QCoro::Task<> sleep(double seconds)
+{
+    QTimer timer;
+    timer.setTimerType(Qt::PreciseTimer);
+    timer.setSingleShot(true);
+    timer.start(std::chrono::ceil<std::chrono::milliseconds>(duration(seconds)));
+    co_await timer;
+}
+
+QCoro::Task<bool> reportsRunning(QString orb, double timeLimit)
+{
+    const QStringList arguments{u"status"_s};
+    const CLIResult result = co_await OrbCLI::run(orb, arguments, std::nullopt, timeLimit);
+    co_return result.succeeded() && result.combined().toLower().contains("running"_L1);
+}
+
+} // namespace
+
+SetupController::SetupController(SetupTimeLimits limits, bool macSupported, QObject *parent)
+    : QObject(parent),
+      m_limits(limits),
+      m_macSupported(macSupported)
+{
+}
+
+QCoro::Task<> SetupController::refresh()
+{
+    m_hasBrew = OrbCLI::findBrew().has_value();
+    m_hasDocker = OrbCLI::find(u"docker"_s).has_value();
+    if (m_busy)
+        co_return;
+    const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
+    if (!orb) {
+        m_state = OrbState::notInstalled;
+        co_return;
+    }
+    const QPointer<SetupController> self(this);
+    const bool running = co_await reportsRunning(*orb, m_limits.status);
+    // An operation that began meanwhile owns the state.
+    if (!self || m_busy)
+        co_return;
+    m_state = running ? OrbState::running : OrbState::stopped;
+}
+
+void SetupController::install()
+{
+    if (m_busy)
+        return;
+    const std::optional<QString> brew = OrbCLI::findBrew();
+    if (!brew)
+        return;
+    m_busy = true;
+    m_cancellation.reset();
+    clearLog();
+    m_note = u"Installing OrbStack with Homebrew…"_s;
+    appendLog("$ brew install --cask orbstack\n");
+    performInstall(*brew);
+}
+
+QCoro::Task<> SetupController::performInstall(QString brew)
+{
+    const QPointer<SetupController> self(this);
+    const QStringList arguments{u"install"_s, u"--cask"_s, u"orbstack"_s};
+    const OrbCLI::StreamResult result =
+        co_await OrbCLI::streamAsync(brew, arguments, std::nullopt, m_limits.install, keepHandle(), outputToLog());
+    if (!self)
+        co_return;
+    m_cancellation.childEnded();
+    // First of all whether the user cancelled: brew may still have ended well, or badly because of it.
+    if (!m_cancellation.isRequested() && result.status == 0) {
+        appendLog("\nInstall finished.\n");
+        co_await bringUp();
+        co_return;
+    }
+    m_busy = false;
+    if (m_cancellation.isRequested())
+        m_note = u"Install cancelled."_s;
+    else if (result.timedOut)
+        m_note = u"Install timed out."_s;
+    else
+        m_note = u"Install failed (exit "_s + QString::number(result.status) + u"). See the log."_s;
+    co_await refresh();
+}
+
+void SetupController::start()
+{
+    if (m_busy)
+        return;
+    m_busy = true;
+    m_cancellation.reset();
+    bringUp();
+}
+
+QCoro::Task<> SetupController::bringUp()
+{
+    m_busy = true;
+    m_state = OrbState::starting;
+    const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
+    if (!orb) {
+        m_busy = false;
+        m_state = OrbState::notInstalled;
+        m_note = u"orb was not found after installing. OrbStack may need to be opened once from Applications to "
+                 u"finish its setup."_s;
+        co_return;
+    }
+    m_note = u"Starting OrbStack…"_s;
+    appendLog("$ orb start\n");
+
+    const QPointer<SetupController> self(this);
+    const QDeadlineTimer deadline(duration(m_limits.start), Qt::PreciseTimer);
+    const QStringList arguments{u"start"_s};
+    // How the command ends does not matter: only what OrbStack reports afterwards does.
+    co_await OrbCLI::streamAsync(*orb, arguments, std::nullopt, m_limits.start, keepHandle(), outputToLog());
+    if (!self)
+        co_return;
+    m_cancellation.childEnded();
+    while (!deadline.hasExpired() && !m_cancellation.isRequested()) {
+        const bool running = co_await reportsRunning(*orb, m_limits.status);
+        if (!self)
+            co_return;
+        if (running) {
+            m_busy = false;
+            m_state = OrbState::running;
+            m_note = QString();
+            co_return;
+        }
+        co_await sleep(m_limits.pollInterval);
+        if (!self)
+            co_return;
+    }
+    m_busy = false;
+    m_state = OrbState::stopped;
+    m_note = m_cancellation.isRequested()
+                 ? u"Cancelled."_s
+                 : u"OrbStack did not report running within 90 seconds. It may need to be opened once from "
+                   u"Applications to finish its setup."_s;
+}
+
+void SetupController::stop()
+{
+    if (m_busy)
+        return;
+    const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
+    if (!orb)
+        return;
+    m_busy = true;
+    m_note = u"Stopping OrbStack…"_s;
+    performStop(*orb);
+}
+
+QCoro::Task<> SetupController::performStop(QString orb)
+{
+    const QPointer<SetupController> self(this);
+    const QStringList arguments{u"stop"_s};
+    const CLIResult result = co_await OrbCLI::run(orb, arguments, std::nullopt, m_limits.stop);
+    if (!self)
+        co_return;
+    m_busy = false;
+    m_note = result.succeeded() ? QString() : u"Stop failed: "_s + result.combined();
+    co_await refresh();
+}
+
+void SetupController::cancel()
+{
+    m_cancellation.request();
+}
+
+void SetupController::openOrbStackSite()
+{
+    Q_EMIT siteRequested(u"https://orbstack.dev"_s);
+}
+
+bool SetupController::isMacSupported()
+{
+#ifdef Q_OS_MACOS
+    return QOperatingSystemVersion::current() >= QOperatingSystemVersion(QOperatingSystemVersion::MacOS, 14, 0);
+#else
+    return true;
+#endif
+}
+
+OrbCLI::StartHandler SetupController::keepHandle()
+{
+    return [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); };
+}
+
+OrbCLI::OutputHandler SetupController::outputToLog()
+{
+    return [self = QPointer(this)](QUtf8StringView text, bool) {
+        if (self)
+            self->appendLog(text);
+    };
+}
+
+void SetupController::appendLog(QUtf8StringView text)
+{
+    m_log.append(text);
+    Q_EMIT logChanged();
+}
+
+void SetupController::clearLog()
+{
+    if (m_log.text().isEmpty())
+        return;
+    m_log.replace(QString());
+    Q_EMIT logChanged();
+}
