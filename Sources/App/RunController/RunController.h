@@ -10,15 +10,18 @@
 // and history are never skipped once a run began.
 
 #include "HistoryStore/HistoryStore.h"
-#include "OrbCLI/ProcessHandle.h"
+#include "OrbCLI/Cancellation.h"
+#include "OrbCLI/OrbCLI.h"
 #include "RunController/RunJob.h"
 #include "RunController/Transcript.h"
 
 #include <QCoroTask>
 #include <QDateTime>
 #include <QObject>
+#include <QPointer>
 #include <QProperty>
 
+#include <cstdint>
 #include <optional>
 
 /// Seconds; tests shorten them.
@@ -84,12 +87,22 @@ Q_SIGNALS:
     void phaseChanged();
 
 private:
-    QCoro::Task<> execute(RunJob job, HistoryStore *history);
+    /// How a run ended, as the history keeps it.
+    struct Outcome {
+        std::optional<std::int64_t> exitCode;
+        QString note;
+    };
+
+    QCoro::Task<> execute(RunJob job, QPointer<HistoryStore> history);
+    QCoro::Task<bool> createMachine(QString orb, QString name, QString distro);
+    QCoro::Task<Outcome> runScript(QString orb, QString machine, RunJob job);
+    QCoro::Task<> deleteMachine(QString orb, QString name);
+    OrbCLI::StartHandler keepHandle();
+    OrbCLI::OutputHandler appendAs(OutputKind kindOfOutput);
 
     const RunTimeLimits m_limits;
     Transcript m_transcript;
-    ProcessHandlePointer m_handle;
-    bool m_cancelled = false;
+    Cancellation m_cancellation;
     Q_OBJECT_BINDABLE_PROPERTY(RunController, QString, m_script, &RunController::scriptChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(RunController, qint64, m_revision, 0, &RunController::revisionChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(RunController, bool, m_isRunning, false, &RunController::isRunningChanged)

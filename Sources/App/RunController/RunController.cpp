@@ -1,0 +1,225 @@
+#include "RunController/RunController.h"
+
+#include "OrbCLI/DeleteMachine.h"
+#include "OrbCLI/OrbCLI.h"
+#include "OrbCLI/ToolLocation.h"
+#include "RunController/ScriptComposition.h"
+
+#include <array>
+#include <charconv>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+QString disposableName()
+{
+    return u"sbx-"_s + QUuid::createUuid().toString(QUuid::WithoutBraces).left(6).toLower();
+}
+
+double secondsSince(const QDateTime &moment)
+{
+    return static_cast<double>(moment.msecsTo(QDateTime::currentDateTimeUtc())) / 1000;
+}
+
+/// The seconds with one decimal and a point, whatever the user's locale.
+QString oneDecimal(double seconds)
+{
+    std::array<char, 64> text{};
+    const auto result = std::to_chars(text.data(), text.data() + text.size(), seconds, std::chars_format::fixed, 1);
+    return QString::fromLatin1(text.data(), result.ptr - text.data());
+}
+
+} // namespace
+
+RunController::RunController(RunTimeLimits limits, QObject *parent) : QObject(parent), m_limits(limits) {}
+
+void RunController::append(QUtf8StringView text, OutputKind kind)
+{
+    m_transcript.append(text, kind);
+    m_revision = m_revision + 1;
+}
+
+void RunController::append(const QString &text, OutputKind kind)
+{
+    append(QUtf8StringView(text.toUtf8()), kind);
+}
+
+void RunController::clearTranscript()
+{
+    m_transcript.clear();
+    Q_EMIT transcriptCleared();
+}
+
+void RunController::start(const RunJob &job, HistoryStore *history)
+{
+    if (!m_isRunning)
+        execute(job, history);
+}
+
+void RunController::stop()
+{
+    m_cancellation.request();
+}
+
+OrbCLI::StartHandler RunController::keepHandle()
+{
+    return [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); };
+}
+
+OrbCLI::OutputHandler RunController::appendAs(OutputKind kindOfOutput)
+{
+    return [self = QPointer(this), kindOfOutput](QUtf8StringView text, bool isError) {
+        if (self)
+            self->append(text, isError ? OutputKind::err : kindOfOutput);
+    };
+}
+
+QCoro::Task<> RunController::execute(RunJob job, QPointer<HistoryStore> history)
+{
+    const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
+    if (!orb) {
+        append(u"orb was not found. Install OrbStack first.\n"_s, OutputKind::fail);
+        co_return;
+    }
+    m_isRunning = true;
+    m_cancellation.reset();
+    m_startedAt = QDateTime::currentDateTimeUtc();
+
+    // Nothing of this object is touched after a wait that it did not survive.
+    const QPointer<RunController> self(this);
+    const QString machine = job.disposable ? disposableName() : job.machine;
+    std::optional<Outcome> outcome;
+    if (job.disposable) {
+        const bool created = co_await createMachine(*orb, machine, job.distro);
+        if (!self)
+            co_return;
+        if (!created) {
+            const QString reason = m_cancellation.isRequested() ? u"stopped"_s : u"machine creation failed"_s;
+            append(u"Could not create the disposable machine ("_s + reason + u").\n"_s, OutputKind::fail);
+            outcome = Outcome{std::nullopt, reason};
+        }
+    } else if (machine.isEmpty()) {
+        append(u"Choose a machine first (or create one).\n"_s, OutputKind::fail);
+        outcome = Outcome{std::nullopt, u"no machine"_s};
+    }
+
+    if (!outcome) {
+        outcome = co_await runScript(*orb, machine, job);
+        if (!self)
+            co_return;
+    }
+    if (job.disposable) {
+        co_await deleteMachine(*orb, machine);
+        if (!self)
+            co_return;
+    }
+
+    if (history) {
+        history->add({QUuid::createUuid(), job.label, job.disposable ? u"disposable ("_s + job.distro + u')' : machine,
+                      outcome->exitCode, outcome->note, *m_startedAt.value(), secondsSince(*m_startedAt.value())});
+    }
+    m_cancellation.childEnded();
+    m_phase = QString();
+    m_startedAt = std::nullopt;
+    m_isRunning = false;
+}
+
+QCoro::Task<bool> RunController::createMachine(QString orb, QString name, QString distro)
+{
+    const QPointer<RunController> self(this);
+    m_phase = u"Creating "_s + name + u'…';
+    append(u"Creating disposable machine "_s + name + u" ("_s + distro + u")…\n"_s, OutputKind::info);
+    const QStringList arguments{u"create"_s, distro, name};
+    const OrbCLI::StreamResult result = co_await OrbCLI::streamAsync(orb, arguments, std::nullopt, m_limits.creation,
+                                                                     keepHandle(), appendAs(OutputKind::info));
+    co_return self &&result.status == 0 && !m_cancellation.isRequested();
+}
+
+QCoro::Task<RunController::Outcome> RunController::runScript(QString orb, QString machine, RunJob job)
+{
+    const QPointer<RunController> self(this);
+    const QString script = ScriptComposition::compose(job.script, job.folder);
+    const QString shell = ScriptComposition::shellFor(job.distro);
+    m_phase = u"Running in "_s + machine;
+    append(ScriptComposition::echoedCommand(machine, shell, job.folder), OutputKind::info);
+    const QStringList arguments{u"-m"_s, machine, shell, u"-s"_s};
+    const std::optional<double> timeLimit = job.timeoutEnabled ? std::optional(m_limits.script) : std::nullopt;
+    const OrbCLI::StreamResult result =
+        co_await OrbCLI::streamAsync(orb, arguments, script, timeLimit, keepHandle(), appendAs(OutputKind::out));
+    if (!self)
+        co_return Outcome();
+
+    if (result.timedOut) {
+        append(u"\nTimed out after 10 minutes and was stopped.\n"_s, OutputKind::warn);
+        co_return Outcome{std::nullopt, u"timed out"_s};
+    }
+    if (m_cancellation.isRequested()) {
+        append(u"\nStopped by user.\n"_s, OutputKind::warn);
+        co_return Outcome{std::nullopt, u"stopped"_s};
+    }
+    const QString elapsed = oneDecimal(secondsSince(*m_startedAt.value()));
+    append(u"\nexit status "_s + QString::number(result.status) + u" · "_s + elapsed + u"s\n"_s,
+           result.status == 0 ? OutputKind::ok : OutputKind::fail);
+    co_return Outcome{result.status, QString()};
+}
+
+QCoro::Task<> RunController::deleteMachine(QString orb, QString name)
+{
+    const QPointer<RunController> self(this);
+    m_phase = u"Deleting "_s + name + u'…';
+    append(u"Deleting disposable machine "_s + name + u"…\n"_s, OutputKind::info);
+    const CLIResult result = co_await OrbCLI::deleteMachine(orb, name, m_limits.deletion);
+    if (!self)
+        co_return;
+    if (result.succeeded()) {
+        append(u"Deleted "_s + name + u".\n"_s, OutputKind::info);
+    } else {
+        append(u"Could not delete "_s + name + u": "_s + result.combined() + u". Remove it in the Machines tab.\n"_s,
+               OutputKind::warn);
+    }
+}
+
+void RunController::installPackages(const QString &packages, const QString &machine, const QString &distro,
+                                    bool timeoutEnabled, HistoryStore *history)
+{
+    if (machine.isEmpty())
+        return;
+    const QStringList names = ScriptComposition::packagesIn(packages);
+    if (!ScriptComposition::arePackageNamesValid(names)) {
+        append(u"Package names may only contain letters, digits and . + _ : = ~ -\n"_s, OutputKind::fail);
+        return;
+    }
+    const std::optional<QString> script = packageScript(distro, names);
+    if (!script) {
+        append(u"Package shortcut supports Ubuntu, Debian and Alpine machines only (this one is "_s + distro +
+                   u").\n"_s,
+               OutputKind::fail);
+        return;
+    }
+    start({.script = *script,
+           .label = u"install packages: "_s + names.join(u' '),
+           .machine = machine,
+           .distro = distro,
+           .disposable = false,
+           .folder = std::nullopt,
+           .timeoutEnabled = timeoutEnabled},
+          history);
+}
+
+std::optional<QString> RunController::packageScript(const QString &distro, const QStringList &packages)
+{
+    const QString names = packages.join(u' ');
+    const QString system = distro.toLower();
+    const QString asRoot = u"if [ \"$(id -u)\" = 0 ]; then S=\"\"; else S=sudo; fi\n"_s;
+    if (system.contains("ubuntu"_L1) || system.contains("debian"_L1)) {
+        return asRoot +
+               u"$S env DEBIAN_FRONTEND=noninteractive apt-get update && "
+               u"$S env DEBIAN_FRONTEND=noninteractive apt-get install -y "_s +
+               names + u'\n';
+    }
+    if (system.contains("alpine"_L1))
+        return asRoot + u"$S apk add "_s + names + u'\n';
+    return std::nullopt;
+}
