@@ -1,0 +1,84 @@
+"""The kernel calls that Python 3.11 does not offer, each raising OSError with what was tried."""
+
+import ctypes
+import os
+
+NEW_MOUNTS = 0x00020000
+NEW_HOST_NAME = 0x04000000
+NEW_IPC = 0x08000000
+NEW_USER = 0x10000000
+NEW_PIDS = 0x20000000
+
+MOUNT_READ_ONLY = 0x1
+MOUNT_NO_SETUID = 0x2
+MOUNT_NO_DEVICES = 0x4
+MOUNT_NO_EXECUTE = 0x8
+MOUNT_REMOUNT = 0x20
+MOUNT_BIND = 0x1000
+MOUNT_RECURSIVE = 0x4000
+MOUNT_UNBINDABLE = 0x20000
+MOUNT_PRIVATE = 0x40000
+UNMOUNT_DETACHED = 0x2
+
+_SET_CHILD_SUBREAPER = 36
+_DROP_FROM_BOUNDING_SET = 24
+_CAPABILITIES_OVER_THE_HOST = {"sys_module": 16, "sys_rawio": 17, "sys_time": 25}
+_PIVOT_ROOT_NUMBERS = {"x86_64": 155, "aarch64": 41}
+
+_library = ctypes.CDLL(None, use_errno=True)
+
+
+def _check(result, attempt):
+    if result != 0:
+        number = ctypes.get_errno()
+        raise OSError(number, f"{attempt}: {os.strerror(number)}")
+
+
+def unshare(namespaces):
+    """Moves this process into new namespaces (for NEW_PIDS: the children it starts from now on)."""
+    _check(_library.unshare(namespaces), "new namespaces")
+
+
+def enter(process, namespaces):
+    """Moves this process into namespaces of the process behind a pid file descriptor."""
+    _check(_library.setns(process, namespaces), "entering the machine")
+
+
+def mount(source, target, kind=None, flags=0, options=None):
+    _check(
+        _library.mount(
+            os.fsencode(source) if source else None,
+            os.fsencode(target),
+            kind.encode() if kind else None,
+            ctypes.c_ulong(flags),
+            os.fsencode(options) if options else None,
+        ),
+        f"mount {kind or 'bind'} on {target}",
+    )
+
+
+def change_root(folder):
+    """Makes a mounted folder the root of this mount namespace and lets the old root go."""
+    os.chdir(folder)
+    number = _PIVOT_ROOT_NUMBERS.get(os.uname().machine)
+    if number is None:
+        raise OSError(f"changing the root is not known on {os.uname().machine}")
+    _check(_library.syscall(ctypes.c_long(number), b".", b"."), "change of root")
+    _check(_library.umount2(b".", UNMOUNT_DETACHED), "leaving the old root")
+    os.chdir("/")
+
+
+def set_host_name(name):
+    encoded = name.encode()
+    _check(_library.sethostname(encoded, ctypes.c_size_t(len(encoded))), "host name")
+
+
+def adopt_orphans():
+    """Descendants whose parents end become children of this process instead of their namespace's first one."""
+    _check(_library.prctl(_SET_CHILD_SUBREAPER, 1, 0, 0, 0), "adopting orphans")
+
+
+def give_up_power_over_the_host():
+    """What is started from here cannot set the clock, load kernel modules or reach the hardware."""
+    for name, number in _CAPABILITIES_OVER_THE_HOST.items():
+        _check(_library.prctl(_DROP_FROM_BOUNDING_SET, number, 0, 0, 0), f"giving up {name}")

@@ -1,0 +1,133 @@
+"""A machine's own Linux system: a copy-on-write layer over the host's, with devices, scratch folders and processes of
+its own, and the host's files shared as OrbStack shares the Mac's."""
+
+import os
+
+from . import kernel
+from .store import state_folder
+
+HOME = "/var/roothome"
+
+# What a system is made of. Of these a machine sees the host's, and changes to them are its own.
+_LAYERED_FOLDERS = ("bin", "etc", "lib", "lib32", "lib64", "libx32", "sbin", "usr", "var")
+# These it has for itself from the first. Every other folder at the top holds people's files, which it shares.
+_OWN_FOLDERS = ("boot", "dev", "mnt", "opt", "proc", "run", "sys", "tmp")
+_NOT_SHARED = {*_LAYERED_FOLDERS, *_OWN_FOLDERS, "lost+found"}
+_DEVICES = ("null", "zero", "full", "random", "urandom", "tty")
+_DEVICE_LINKS = {"fd": "/proc/self/fd", "stdin": "/proc/self/fd/0", "stdout": "/proc/self/fd/1",
+                 "stderr": "/proc/self/fd/2", "ptmx": "pts/ptmx"}  # fmt: skip
+_QUIET = kernel.MOUNT_NO_SETUID | kernel.MOUNT_NO_DEVICES | kernel.MOUNT_NO_EXECUTE
+_SHARED = kernel.MOUNT_BIND | kernel.MOUNT_RECURSIVE
+
+
+def furnish(machine):
+    """Gives a new machine its name and a home of its own: the host's stays out of reach of `rm -rf ~`."""
+    os.makedirs(machine.path("upper", "etc"))
+    os.makedirs(machine.path("upper" + HOME), mode=0o700)
+    with open("/etc/passwd", encoding="utf-8", errors="surrogateescape") as file:
+        accounts = [line.split(":") for line in file]
+    for fields in accounts:
+        if fields[0] == "root" and len(fields) > 5:
+            fields[5] = HOME
+    _write(machine, "passwd", "".join(":".join(fields) for fields in accounts))
+    _write(machine, "hostname", machine.name + "\n")
+    _write(machine, "hosts", f"127.0.0.1 localhost\n127.0.1.1 {machine.name}\n::1 localhost\n")
+
+
+def _write(machine, name, text):
+    with open(machine.path("upper", "etc", name), "w", encoding="utf-8", errors="surrogateescape") as file:
+        file.write(text)
+
+
+def build(machine):
+    """Mounts the machine's system in this mount namespace and makes it the root."""
+    root = machine.path("root")
+    kernel.mount(None, "/", None, kernel.MOUNT_RECURSIVE | kernel.MOUNT_PRIVATE)
+    kernel.mount(machine.path("upper"), root, None, kernel.MOUNT_BIND)
+    # Sharing the host's root would otherwise share this mount within itself.
+    kernel.mount(None, root, None, kernel.MOUNT_UNBINDABLE)
+    for name in _OWN_FOLDERS:
+        os.makedirs(f"{root}/{name}", exist_ok=True)
+    for name in _LAYERED_FOLDERS:
+        _mount_layer(machine, name)
+    _share_host_files(root)
+    _mount_devices(root + "/dev")
+    kernel.mount("tmpfs", root + "/tmp", "tmpfs", kernel.MOUNT_NO_DEVICES, "mode=1777")
+    kernel.mount("tmpfs", root + "/run", "tmpfs", kernel.MOUNT_NO_DEVICES, "mode=755")
+    os.mkdir(root + "/run/lock")
+    _share_name_servers(root)
+    if _root_is_somebody_else_outside():
+        kernel.mount("/sys", root + "/sys", None, _SHARED)
+    else:
+        kernel.mount("sysfs", root + "/sys", "sysfs", _QUIET | kernel.MOUNT_READ_ONLY)
+    kernel.change_root(root)
+
+
+def mount_processes():
+    """To be called by the machine's first process; keeps the host's settings in /proc from being changed."""
+    kernel.mount("proc", "/proc", "proc", _QUIET)
+    for path in ("/proc/sys", "/proc/sysrq-trigger", "/proc/irq"):
+        if os.path.exists(path):
+            kernel.mount(path, path, None, kernel.MOUNT_BIND)
+            kernel.mount(None, path, None, kernel.MOUNT_BIND | kernel.MOUNT_REMOUNT | kernel.MOUNT_READ_ONLY | _QUIET)
+
+
+def _root_is_somebody_else_outside():
+    """In a user namespace root has no power over the host, and needs none of its own protected from it."""
+    with open("/proc/self/uid_map", encoding="ascii") as file:
+        return file.read().split() != ["0", "0", "4294967295"]
+
+
+def _mount_layer(machine, name):
+    source, target = f"/{name}", machine.path("root", name)
+    if os.path.islink(source):
+        if not os.path.lexists(target):
+            os.symlink(os.readlink(source), target)
+    elif os.path.isdir(source):
+        upper, work = machine.path("upper", name), machine.path("work", name)
+        os.makedirs(upper, exist_ok=True)
+        os.makedirs(work, exist_ok=True)
+        options = f"lowerdir={source},upperdir={upper},workdir={work}"
+        kernel.mount("overlay", target, "overlay", 0, options + (",userxattr" if _root_is_somebody_else_outside() else ""))
+
+
+def _share_host_files(root):
+    """The host's files at /mnt/mac and, but for the folders of the system, at their own path."""
+    os.makedirs(root + "/mnt/mac", exist_ok=True)
+    kernel.mount("/", root + "/mnt/mac", None, _SHARED)
+    for name in ("proc", "sys", "dev", "run"):
+        _hide(f"{root}/mnt/mac/{name}")
+    for entry in os.scandir("/"):
+        if entry.is_dir(follow_symlinks=False) and entry.name not in _NOT_SHARED:
+            os.makedirs(root + entry.path, exist_ok=True)
+            kernel.mount(entry.path, root + entry.path, None, _SHARED)
+    for state in (root + state_folder(), root + "/mnt/mac" + state_folder()):
+        if os.path.isdir(state):
+            _hide(state)
+
+
+def _hide(folder):
+    kernel.mount("tmpfs", folder, "tmpfs", kernel.MOUNT_READ_ONLY, "size=4k,mode=555")
+
+
+def _mount_devices(folder):
+    kernel.mount("tmpfs", folder, "tmpfs", kernel.MOUNT_NO_SETUID, "mode=755")
+    for name in _DEVICES:
+        os.close(os.open(f"{folder}/{name}", os.O_CREAT | os.O_WRONLY, 0o666))
+        kernel.mount(f"/dev/{name}", f"{folder}/{name}", None, kernel.MOUNT_BIND)
+    for name, target in _DEVICE_LINKS.items():
+        os.symlink(target, f"{folder}/{name}")
+    for name in ("pts", "shm", "mqueue"):
+        os.mkdir(f"{folder}/{name}")
+    kernel.mount("devpts", folder + "/pts", "devpts", _QUIET & ~kernel.MOUNT_NO_DEVICES, "newinstance,ptmxmode=666")
+    kernel.mount("tmpfs", folder + "/shm", "tmpfs", kernel.MOUNT_NO_SETUID | kernel.MOUNT_NO_DEVICES, "mode=1777")
+    kernel.mount("mqueue", folder + "/mqueue", "mqueue", _QUIET)
+
+
+def _share_name_servers(root):
+    """The list may stand in /run, of which the machine has its own."""
+    path = os.path.realpath("/etc/resolv.conf")
+    if path.startswith("/run/") and os.path.isfile(path):
+        os.makedirs(os.path.dirname(root + path), exist_ok=True)
+        with open(path, "rb") as source, open(root + path, "wb") as copy:
+            copy.write(source.read())

@@ -1,0 +1,130 @@
+"""What the engine's tests share: an `orb` with a state folder of its own, and the closing line of a test file."""
+
+import faulthandler
+import json
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ORB = os.path.join(os.path.dirname(os.path.dirname(os.path.realpath(__file__))), "orb")
+LIMIT_SECONDS = 60
+SKIPPED = 77  # ctest's SKIP_RETURN_CODE
+
+
+def scratch_folder():
+    """A new folder that can hold machines: overlayfs keeps no layer on another overlay, as in a container's /tmp."""
+    kind = subprocess.run(["stat", "-f", "-c", "%T", tempfile.gettempdir()], capture_output=True, text=True, check=True)
+    return tempfile.mkdtemp(prefix="tidewell-", dir="/dev/shm" if kind.stdout.startswith("overlay") else None)
+
+
+class EngineCase(unittest.TestCase):
+    """Every test has an engine of its own, ended with everything in it when the test ends."""
+
+    def setUp(self):
+        faulthandler.dump_traceback_later(LIMIT_SECONDS, exit=True)
+        self.scratch = scratch_folder()
+        self.state = os.path.join(self.scratch, "state")
+        self.environment = os.environ | {"TIDEWELL_ENGINE_STATE": self.state}
+        self.addCleanup(self._clean_up)
+
+    def _clean_up(self):
+        for machine in self.machines():
+            self.orb("delete", "-f", machine["name"])
+        self.orb("stop")
+        while self.keepers() != []:
+            pass
+        shutil.rmtree(self.scratch)
+        faulthandler.cancel_dump_traceback_later()
+
+    def orb(self, *arguments, text=None, **options):
+        """Runs `orb` to its end. Without `text` its standard input is empty."""
+        given = {"stdin": subprocess.DEVNULL} if text is None else {"input": text}
+        return subprocess.run([ORB, *arguments], env=self.environment, capture_output=True, text=True, **given, **options)
+
+    def start_orb(self, *arguments):
+        process = subprocess.Popen([ORB, *arguments], env=self.environment, stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)  # fmt: skip
+        self.addCleanup(process.kill)
+        for stream in (process.stdin, process.stdout, process.stderr):
+            self.addCleanup(stream.close)
+        return process
+
+    def start_script(self, machine, script):
+        """Starts a script and returns its `orb` once the script has printed its first line, "ready"."""
+        process = self.start_orb("-m", machine, "bash", "-s")
+        process.stdin.write(script)
+        process.stdin.close()
+        self.assertEqual(process.stdout.readline(), "ready\n")
+        return process
+
+    def create(self, name="box", distribution="debian"):
+        self.assert_succeeds(self.orb("create", distribution, name))
+        return name
+
+    def script(self, machine, text, shell="bash"):
+        return self.orb("-m", machine, shell, "-s", text=text)
+
+    def machines(self):
+        return json.loads(self.orb("list", "-f", "json").stdout)
+
+    def states(self):
+        return {machine["name"]: machine["state"] for machine in self.machines()}
+
+    def host_pids_with(self, word):
+        """The host's processes that have a word among their arguments."""
+        found = []
+        for entry in os.listdir("/proc"):
+            if entry.isdigit():
+                try:
+                    with open(f"/proc/{entry}/cmdline", "rb") as file:
+                        if word.encode() in file.read().split(b"\0"):
+                            found.append(int(entry))
+                except OSError:
+                    pass
+        return found
+
+    def keepers(self):
+        """The host's processes whose root is a machine of this engine, none of which may outlive it."""
+        found = []
+        for entry in os.listdir("/proc"):
+            if entry.isdigit():
+                try:
+                    with open(f"/proc/{entry}/mountinfo", encoding="utf-8") as file:
+                        if f"upperdir={self.state}/" in file.read():
+                            found.append(int(entry))
+                except OSError:
+                    pass
+        return found
+
+    def assert_succeeds(self, result):
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+
+    def assert_fails(self, result, message, status=1):
+        self.assertEqual((result.returncode, result.stdout, result.stderr), (status, "", message + "\n"))
+
+
+def namespaces_refused():
+    """Why this computer cannot run machines; nothing when it can."""
+    with tempfile.TemporaryDirectory(dir=os.path.dirname(scratch := scratch_folder())) as state:
+        os.rmdir(scratch)
+        environment = os.environ | {"TIDEWELL_ENGINE_STATE": state}
+        made = subprocess.run([ORB, "create", "debian", "probe"], env=environment, capture_output=True, text=True)
+        subprocess.run([ORB, "delete", "-f", "probe"], env=environment, capture_output=True)
+        return made.stderr.strip() if made.returncode else ""
+
+
+def main():
+    """Runs the tests of the calling file."""
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    refused = namespaces_refused()
+    if refused:
+        print(f"skipped: {refused}")
+        sys.exit(SKIPPED)
+    result = unittest.main(verbosity=2, exit=False).result
+    failed = len(result.failures) + len(result.errors) + len(result.unexpectedSuccesses)
+    print(f"{result.testsRun - failed - len(result.skipped)} passed, {failed} failed")
+    sys.exit(1 if failed or not result.testsRun else 0)
