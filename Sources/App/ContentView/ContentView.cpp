@@ -1,6 +1,163 @@
 #include "ContentView/ContentView.h"
 
-ContentView::ContentView(const Controllers &controllers, QWidget *parent) : QWidget(parent), m_controllers(controllers)
+#include "ContainerStore/ContainerStore.h"
+#include "ContentView/ComingScreens.h"
+#include "ContentView/RunView.h"
+#include "ContentView/SetupHeader.h"
+#include "ContentView/TabSelector.h"
+#include "MachineStore/MachineStore.h"
+#include "RunController/RunController.h"
+#include "SetupController/SetupController.h"
+
+#include <QPointer>
+#include <QScrollArea>
+#include <QShowEvent>
+#include <QVBoxLayout>
+
+namespace
+{
+
+// The controllers outlive every task, so these may finish after their window is gone.
+
+QCoro::Task<> refreshLists(Controllers controllers)
+{
+    co_await controllers.machines.refresh();
+    co_await controllers.containers.refresh();
+}
+
+QCoro::Task<> refreshAll(Controllers controllers)
+{
+    co_await controllers.setup.refresh();
+    if (controllers.setup.state() == OrbState::running)
+        co_await refreshLists(controllers);
+}
+
+QWidget *divider(QWidget *parent)
+{
+    auto *line = new QFrame(parent);
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Plain);
+    line->setFixedHeight(1);
+    line->setForegroundRole(QPalette::Mid);
+    return line;
+}
+
+} // namespace
+
+ContentView::ContentView(const Controllers &controllers, QWidget *parent, std::chrono::milliseconds pollInterval)
+    : QWidget(parent),
+      m_controllers(controllers)
 {
     setMinimumSize(820, 640);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+
+    auto *header = new SetupHeader(controllers.setup, this);
+    header->layout()->setContentsMargins(12, 12, 12, 12);
+    layout->addWidget(header);
+    layout->addWidget(divider(this));
+
+    m_selector = new TabSelector(this);
+    for (const AppTab tab : allAppTabs)
+        m_selector->addTab(rawValue(tab));
+    auto *selectorRow = new QHBoxLayout;
+    selectorRow->setContentsMargins(12, 8, 12, 0);
+    selectorRow->addWidget(m_selector, 0, Qt::AlignHCenter);
+    layout->addLayout(selectorRow);
+
+    m_screen = new QScrollArea(this);
+    m_screen->setFrameShape(QFrame::NoFrame);
+    m_screen->setWidgetResizable(true);
+    m_screen->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_screen->setFocusPolicy(Qt::NoFocus);
+    layout->addWidget(m_screen, 1);
+    showScreen();
+    if (m_screen->widget()->focusProxy() != nullptr)
+        m_screen->widget()->setFocus();
+
+    connect(m_selector, &QTabBar::currentChanged, this,
+            [this](int index) { setTab(allAppTabs.at(static_cast<std::size_t>(index))); });
+
+    m_sleep.setSingleShot(true);
+    m_sleep.setTimerType(Qt::PreciseTimer);
+    m_sleep.setInterval(pollInterval);
+    connect(&m_sleep, &QTimer::timeout, this, [this] { poll(m_appearance); });
+
+    connect(&controllers.setup, &SetupController::stateChanged, this, [this] {
+        if (m_controllers.setup.state() == OrbState::running)
+            refreshLists(m_controllers);
+    });
+    // A disposable machine that a run deleted leaves the list at once.
+    connect(&controllers.run, &RunController::isRunningChanged, this, [this] {
+        if (!m_controllers.run.isRunning())
+            m_controllers.machines.refresh();
+    });
+}
+
+void ContentView::setTab(AppTab tab)
+{
+    if (tab == m_tab)
+        return;
+    m_tab = tab;
+    m_selector->setCurrentIndex(static_cast<int>(tab));
+    showScreen();
+    Q_EMIT tabChanged(tab);
+}
+
+void ContentView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    // A spontaneous event only tells that the window was minimised or restored.
+    if (!event->spontaneous())
+        poll(++m_appearance);
+}
+
+void ContentView::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    if (!event->spontaneous()) {
+        ++m_appearance;
+        m_sleep.stop();
+    }
+}
+
+QWidget *ContentView::makeScreen()
+{
+    switch (m_tab) {
+    case AppTab::run:
+        return new RunView(m_controllers);
+    case AppTab::machines:
+        return ComingScreens::machines();
+    case AppTab::history:
+        return ComingScreens::history();
+    case AppTab::containers:
+        return ComingScreens::containers();
+    }
+    Q_UNREACHABLE();
+}
+
+void ContentView::showScreen()
+{
+    QWidget *before = m_screen->takeWidget();
+    const bool hadFocus = before != nullptr && before->isAncestorOf(window()->focusWidget());
+    // Deleted later, because the change of tabs may have begun with one of its own buttons.
+    if (before != nullptr)
+        before->deleteLater();
+
+    QWidget *screen = makeScreen();
+    screen->layout()->setContentsMargins(12, 12, 12, 12);
+    screen->setAutoFillBackground(false);
+    m_screen->setWidget(screen);
+    if (hadFocus)
+        (screen->focusProxy() != nullptr ? screen : m_selector)->setFocus();
+}
+
+QCoro::Task<> ContentView::poll(int appearance)
+{
+    const QPointer<ContentView> self(this);
+    co_await refreshAll(m_controllers);
+    if (self && appearance == m_appearance)
+        m_sleep.start();
 }

@@ -34,9 +34,17 @@ void LogBox::reload()
         m_nextFrame.start();
 }
 
+void LogBox::hideWhileEmpty()
+{
+    m_hidesWhileEmpty = true;
+    setVisible(!shownText().isEmpty());
+}
+
 void LogBox::showNow()
 {
     showText(m_text());
+    if (m_hidesWhileEmpty)
+        setVisible(!shownText().isEmpty());
 }
 
 bool LogBox::event(QEvent *event)

@@ -21,6 +21,9 @@ public:
     /// because a copy held meanwhile would make the owner of a growing text copy it on every append.)
     void reload();
 
+    /// From now on the box is hidden while its text is empty.
+    void hideWhileEmpty();
+
 protected:
     bool event(QEvent *event) override;
 
@@ -28,5 +31,6 @@ private:
     void showNow();
 
     const std::function<QString()> m_text;
+    bool m_hidesWhileEmpty = false;
     QTimer m_nextFrame;
 };

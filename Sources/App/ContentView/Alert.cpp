@@ -1,0 +1,30 @@
+#include "ContentView/Alert.h"
+
+#include <QAbstractButton>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+
+QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &message, const QString &acceptLabel,
+                         const QString &cancelLabel, const std::function<void()> &accepted)
+{
+    auto *alert = new QMessageBox(parent);
+    alert->setAttribute(Qt::WA_DeleteOnClose);
+    alert->setWindowModality(Qt::WindowModal);
+    alert->setTextFormat(Qt::PlainText);
+    alert->setText(title);
+    alert->setInformativeText(message);
+    const QAbstractButton *accept = alert->addButton(acceptLabel, QMessageBox::AcceptRole);
+    QPushButton *cancel = alert->addButton(cancelLabel, QMessageBox::RejectRole);
+    alert->setDefaultButton(cancel);
+    alert->setEscapeButton(cancel);
+    const QPointer<QWidget> focused = parent->window()->focusWidget();
+    QObject::connect(alert, &QMessageBox::finished, parent, [alert, accept, accepted, focused] {
+        if (focused)
+            focused->setFocus();
+        if (alert->clickedButton() == accept)
+            accepted();
+    });
+    alert->open();
+    return alert;
+}

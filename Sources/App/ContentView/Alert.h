@@ -1,0 +1,21 @@
+#pragma once
+
+// A question over the window. It blocks the window but not the program, is gone with its parent, and gives the focus
+// back to where it was.
+
+#include <QString>
+
+#include <functional>
+
+class QMessageBox;
+class QWidget;
+
+namespace Alert
+{
+
+/// Opens the alert and returns at once. Both texts are plain. `accepted` is called when the user presses `acceptLabel`;
+/// `cancelLabel`, Escape and closing the alert do nothing more than close it.
+QMessageBox *open(QWidget *parent, const QString &title, const QString &message, const QString &acceptLabel,
+                  const QString &cancelLabel, const std::function<void()> &accepted);
+
+} // namespace Alert

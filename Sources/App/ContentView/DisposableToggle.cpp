@@ -1,0 +1,36 @@
+#include "ContentView/DisposableToggle.h"
+
+#include "ContentView/Alert.h"
+
+#include <QMessageBox>
+#include <QSettings>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+const auto confirmedKey = u"disposableConfirmed"_s;
+
+} // namespace
+
+DisposableToggle::DisposableToggle(QWidget *parent) : QCheckBox(u"Disposable mode"_s, parent) {}
+
+void DisposableToggle::nextCheckState()
+{
+    if (isChecked() || QSettings().value(confirmedKey, false).toBool())
+        setChecked(!isChecked());
+    else if (!m_alert)
+        ask();
+}
+
+void DisposableToggle::ask()
+{
+    m_alert = Alert::open(this, u"Use disposable mode?"_s,
+                          u"Every run will create a brand new Linux machine, run your commands, and then delete the "
+                          "machine. This takes longer, and anything created inside is lost."_s,
+                          u"Turn on"_s, u"Cancel"_s, [this] {
+                              QSettings().setValue(confirmedKey, true);
+                              setChecked(true);
+                          });
+}

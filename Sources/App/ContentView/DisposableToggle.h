@@ -1,0 +1,26 @@
+#pragma once
+
+// The toggle of disposable mode. The first time ever that the user turns it on it asks whether that is meant, and stays
+// off until the answer is yes; the consent is remembered in the user's preferences ("disposableConfirmed").
+
+#include <QCheckBox>
+#include <QPointer>
+
+class QMessageBox;
+
+class DisposableToggle : public QCheckBox
+{
+    Q_OBJECT
+
+public:
+    explicit DisposableToggle(QWidget *parent = nullptr);
+
+protected:
+    void nextCheckState() override;
+
+private:
+    void ask();
+
+    /// The alert while it shows.
+    QPointer<QMessageBox> m_alert;
+};

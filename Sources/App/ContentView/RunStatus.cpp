@@ -1,0 +1,60 @@
+#include "ContentView/RunStatus.h"
+
+#include "ContentView/Colours.h"
+#include "ContentView/Controls.h"
+#include "ContentView/PlainLabel.h"
+#include "ContentView/Spinner.h"
+#include "ContentView/Typography.h"
+#include "RunController/RunController.h"
+
+#include <QHBoxLayout>
+
+#include <algorithm>
+#include <chrono>
+
+using namespace Qt::StringLiterals;
+
+RunStatus::RunStatus(RunController &run, QWidget *parent) : QWidget(parent), m_run(run)
+{
+    QPushButton *stop = Controls::button(u"Stop"_s, u"Stop the run"_s, this);
+    connect(stop, &QPushButton::clicked, &run, &RunController::stop);
+    setFocusProxy(stop);
+    m_phase = new PlainLabel({}, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd, this);
+    m_elapsed = new PlainLabel({}, Typography::body(), Colours::secondary, PlainLabel::Fit::elideEnd, this);
+
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(stop);
+    row->addWidget(new Spinner(this));
+    row->addWidget(m_phase);
+    row->addWidget(m_elapsed);
+
+    connect(&run, &RunController::phaseChanged, this, [this] { m_phase->setText(m_run.phase()); });
+    m_phase->setText(run.phase());
+
+    m_second.setInterval(std::chrono::seconds(1));
+    m_second.setTimerType(Qt::PreciseTimer);
+    connect(&m_second, &QTimer::timeout, this, &RunStatus::showElapsed);
+    connect(&run, &RunController::startedAtChanged, this, &RunStatus::followStart);
+    followStart();
+}
+
+void RunStatus::showElapsed()
+{
+    QString elapsed;
+    if (m_run.startedAt()) {
+        // A clock set back must not show negative seconds.
+        const auto milliseconds = std::max<qint64>(0, m_run.startedAt()->msecsTo(QDateTime::currentDateTimeUtc()));
+        elapsed = QString::asprintf("%.0fs", static_cast<double>(milliseconds) / 1000);
+    }
+    m_elapsed->setText(elapsed);
+}
+
+void RunStatus::followStart()
+{
+    if (m_run.startedAt())
+        m_second.start();
+    else
+        m_second.stop();
+    showElapsed();
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+// What is seen of a run while it is going: the button that stops it, a wheel, the current step and the seconds since
+// its start.
+
+#include <QTimer>
+#include <QWidget>
+
+class PlainLabel;
+class RunController;
+
+class RunStatus : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The focus proxy is the Stop button.
+    explicit RunStatus(RunController &run, QWidget *parent = nullptr);
+
+private:
+    void showElapsed();
+    void followStart();
+
+    RunController &m_run;
+    PlainLabel *m_phase;
+    PlainLabel *m_elapsed;
+    QTimer m_second;
+};

@@ -1,0 +1,70 @@
+#pragma once
+
+// The screen on which the user writes a script, chooses where it runs, runs and stops it, and reads its output.
+//
+// The script and all about the run are the controllers'. What is chosen here (machine, disposable mode, folder, time
+// limit, packages) lives as long as the screen.
+
+#include "ContentView/Controllers.h"
+#include "MachineStore/Machine.h"
+
+#include <QWidget>
+
+class DisposableToggle;
+class FolderPicker;
+class MachinePicker;
+class PlainLabel;
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLayout;
+class QLineEdit;
+class QPushButton;
+class RunStatus;
+
+class RunView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The focus proxy is the script editor.
+    explicit RunView(const Controllers &controllers, QWidget *parent = nullptr);
+
+    /// The chosen machine, if the store still lists it.
+    const Machine *selectedMachine() const;
+
+    /// OrbStack runs, there is a script, and there is a machine to run it in or disposable mode is on.
+    bool canRun() const;
+
+private:
+    QLayout *makeMachineSection();
+    QLayout *makeFolderSection();
+    QLayout *makePackageRow();
+    QLayout *makeRunRow();
+    QLayout *makeOutputHeader();
+    void followControllers();
+
+    /// Chooses the first running machine, or else the first, when the chosen one is not listed.
+    void pickDefault();
+    void showMachines();
+    void showFields();
+    void start();
+    void installPackages();
+
+    const Controllers m_controllers;
+    /// Name of the chosen machine; empty when none.
+    QString m_selected;
+    QLabel *m_machineLabel = nullptr;
+    MachinePicker *m_machine = nullptr;
+    DisposableToggle *m_disposable = nullptr;
+    QComboBox *m_distribution = nullptr;
+    PlainLabel *m_disposableCaption = nullptr;
+    FolderPicker *m_folder = nullptr;
+    PlainLabel *m_folderWarning = nullptr;
+    QCheckBox *m_timeLimit = nullptr;
+    QLineEdit *m_packages = nullptr;
+    QPushButton *m_install = nullptr;
+    QPushButton *m_run = nullptr;
+    RunStatus *m_status = nullptr;
+    PlainLabel *m_startHint = nullptr;
+};

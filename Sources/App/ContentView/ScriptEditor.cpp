@@ -1,0 +1,87 @@
+#include "ContentView/ScriptEditor.h"
+
+#include "ContentView/Colours.h"
+#include "ContentView/Typography.h"
+#include "RunController/RunController.h"
+
+#include <QMimeData>
+#include <QPainter>
+#include <QTextDocumentFragment>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr double cornerRadius = 6;
+
+} // namespace
+
+ScriptEditor::ScriptEditor(RunController &run, QWidget *parent) : QPlainTextEdit(parent), m_run(run)
+{
+    setAccessibleName(u"Script"_s);
+    setFont(Typography::monospaced(13));
+    setMinimumHeight(120);
+    setMaximumHeight(200);
+    setTabChangesFocus(true);
+    setTabStopDistance(4 * fontMetrics().horizontalAdvance(u' '));
+    // Not at word boundaries: that takes quadratic time in the length of a line.
+    setWordWrapMode(QTextOption::WrapAnywhere);
+    setFrameShape(QFrame::NoFrame);
+    setViewportMargins(4, 3, 4, 3);
+    viewport()->setAutoFillBackground(false);
+
+    takeScript();
+    connect(this, &QPlainTextEdit::textChanged, this, &ScriptEditor::giveScript);
+    connect(&run, &RunController::scriptChanged, this, &ScriptEditor::takeScript);
+}
+
+bool ScriptEditor::event(QEvent *event)
+{
+    if (event->type() == QEvent::Paint) {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor frame = Colours::secondary(palette());
+        frame.setAlphaF(0.4F);
+        painter.setPen(hasFocus() ? palette().color(QPalette::Highlight) : frame);
+        painter.setBrush(palette().color(QPalette::Base));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    }
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+        update();
+    return QPlainTextEdit::event(event);
+}
+
+bool ScriptEditor::canInsertFromMimeData(const QMimeData *source) const
+{
+    return source->hasText() || source->hasHtml();
+}
+
+void ScriptEditor::insertFromMimeData(const QMimeData *source)
+{
+    if (source->hasText()) {
+        QPlainTextEdit::insertFromMimeData(source);
+    } else if (source->hasHtml()) {
+        QMimeData plain;
+        plain.setText(QTextDocumentFragment::fromHtml(source->html()).toPlainText());
+        QPlainTextEdit::insertFromMimeData(&plain);
+    }
+}
+
+void ScriptEditor::takeScript()
+{
+    if (m_run.script() == m_known)
+        return;
+    m_known = m_run.script();
+    const QSignalBlocker noEcho(this);
+    setPlainText(m_known);
+}
+
+void ScriptEditor::giveScript()
+{
+    // Raw text, because a no-break space of the user's must stay one.
+    m_known = document()->toRawText();
+    m_known.replace(QChar::ParagraphSeparator, u'\n');
+    m_known.replace(QChar::LineSeparator, u'\n');
+    m_run.setScript(m_known);
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+// The editor of the script: two views of one text, the controller's `script` being the truth. Plain text only. Tab
+// moves the focus on, so that nobody who works by keyboard is caught in it.
+
+#include <QPlainTextEdit>
+
+class RunController;
+
+class ScriptEditor : public QPlainTextEdit
+{
+    Q_OBJECT
+
+public:
+    explicit ScriptEditor(RunController &run, QWidget *parent = nullptr);
+
+protected:
+    bool event(QEvent *event) override;
+    bool canInsertFromMimeData(const QMimeData *source) const override;
+    void insertFromMimeData(const QMimeData *source) override;
+
+private:
+    void takeScript();
+    void giveScript();
+
+    RunController &m_run;
+    /// The script as it was last taken or given: what differs from it was changed elsewhere.
+    QString m_known;
+};
