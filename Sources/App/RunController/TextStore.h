@@ -1,29 +1,115 @@
 #pragma once
 
-// An append-only store of UTF-8 text in blocks, which knows where lines start without an entry per line: each block
-// counts its line feeds, and a search inside one block is a few microseconds. Main thread only.
+// An append-only store of UTF-8 text in blocks. Main thread only.
+//
+// A position is a byte offset counted from the first byte ever appended; dropping the front or clearing moves begin()
+// and renumbers nothing, so a position never comes to mean another place.
+//
+// There is no index of lines: each block knows its numbers (line feeds, UTF-16 length, widths), a search among the
+// blocks finds the right one, and a scan inside one block is a matter of microseconds. A block begins at the start of a
+// line where it can: when one is full, its unfinished last line moves on to the next. Only a line longer than
+// `longestMovedLine` continues in another block. A block never cuts a code point.
+//
+// Who reads asks for the bytes of one block at a time, so where a block's bytes really are is this class's own affair.
+
+#include "RunController/PageMemory.h"
 
 #include <QByteArrayView>
 #include <QString>
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
-#include <memory>
 
 class TextStore
 {
 public:
-    /// Byte offset from the first byte ever appended since the last clear.
-    using Position = std::int64_t;
+    using Position = qint64;
+    /// Blocks are numbered from the first ever made; a block keeps its number.
+    using BlockNumber = qint64;
 
+    static constexpr std::int32_t blockCapacity = 128 * 1024;
+    static constexpr std::int32_t longestMovedLine = 16 * 1024;
+
+    /// What is known of a block without looking at its bytes. Widths are upper bounds, in cells of a fixed-width font.
+    struct Block {
+        Position begin = 0;
+        /// The UTF-16 code units of all text before the block, since the first byte ever appended.
+        qint64 utf16Begin = 0;
+        std::int32_t size = 0;
+        std::int32_t utf16Length = 0;
+        std::int32_t lineFeeds = 0;
+        std::int32_t cells = 0;
+        std::int32_t longestEndedLine = 0;
+        /// Width of the last line, which has no line feed yet.
+        std::int32_t openLine = 0;
+
+        Position end() const { return begin + size; }
+        bool isAscii() const { return utf16Length == size; }
+        std::int32_t longestLine() const { return std::max(longestEndedLine, openLine); }
+    };
+
+    /// Adds valid UTF-8 that holds whole code points. Views of bytes become invalid.
     void append(QByteArrayView text);
+    /// Forgets everything before `newBegin`, the first byte of a code point. Views of bytes become invalid.
     void dropFront(Position newBegin);
-    void clear();
+    /// Forgets everything and gives the memory back to the system.
+    void clear() { dropFront(m_end); }
 
     Position begin() const { return m_begin; }
     Position end() const { return m_end; }
+    bool isEmpty() const { return m_begin == m_end; }
+
+    /// The block numbers, as a half-open range; none of them is empty.
+    BlockNumber firstBlock() const { return m_firstBlock; }
+    BlockNumber endBlock() const { return m_firstBlock + static_cast<BlockNumber>(m_blocks.size()); }
+    const Block &block(BlockNumber number) const { return stored(number).facts; }
+    /// The block's text, valid until the store changes.
+    QByteArrayView bytes(BlockNumber number) const;
+    /// The block that holds `position`; the last one for the end. The store must not be empty.
+    BlockNumber blockAt(Position position) const;
+
+    /// A copy of the text between two positions at code points.
+    QString text(Position from, Position to) const;
+
+    /// UTF-16 code units between begin() and `position`.
+    qint64 utf16Offset(Position position) const;
+    /// The position that many UTF-16 code units behind begin(); the code point's start when that is inside a pair, and
+    /// end() past the end.
+    Position positionAtUtf16(qint64 offset) const;
+
+    /// The start of the line that holds `position`.
+    Position lineBegin(Position position) const;
+    /// Behind the line feed of the line that holds `position`; end() when it has none.
+    Position lineEnd(Position position) const;
 
 private:
+    struct StoredBlock {
+        PageMemory memory;
+        /// Where the block's text begins in its memory: what was dropped before it stays unused.
+        std::int32_t offset = 0;
+        Block facts;
+
+        QByteArrayView bytes() const { return {memory.data() + offset, facts.size}; }
+        qsizetype openLineBytes() const { return facts.size - 1 - bytes().lastIndexOf('\n'); }
+        /// Whether the unfinished last line goes to the next block when this one is full.
+        bool openLineMovesOn() const { return openLineBytes() <= longestMovedLine && openLineBytes() < facts.size; }
+        std::int32_t room() const { return blockCapacity - offset - facts.size; }
+    };
+
+    const StoredBlock &stored(BlockNumber number) const
+    {
+        return m_blocks[static_cast<std::size_t>(number - m_firstBlock)];
+    }
+    qsizetype fill(QByteArrayView text);
+    void startBlock();
+    void add(StoredBlock &block, QByteArrayView text);
+    QByteArrayView bytesBetween(BlockNumber number, Position from, Position to) const;
+
+    std::deque<StoredBlock> m_blocks;
+    BlockNumber m_firstBlock = 0;
     Position m_begin = 0;
     Position m_end = 0;
+    /// UTF-16 code units of all text ever appended.
+    qint64 m_utf16End = 0;
 };

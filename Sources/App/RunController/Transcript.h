@@ -1,14 +1,16 @@
 #pragma once
 
-// The output of runs: an ordered list of segments, each text of one kind, over one indexed store of UTF-8 text. Main
-// thread only.
+// The output of runs: an ordered list of segments, each text of one kind, over one store of UTF-8 text. Main thread
+// only.
 //
 // Appending costs what the new text costs, whatever the transcript already holds. A position is a byte offset counted
-// from the first byte ever appended since the last clear; dropping the front moves begin() and renumbers nothing.
+// from the first byte ever appended; dropping the front or clearing moves begin() and renumbers nothing.
 //
 // Past 400,000 characters (as a reader counts them: grapheme clusters) every append drops the oldest segment, one per
-// call and never the last one: a soft bound on purpose.
+// call and never the last one: a soft bound on purpose. Characters are counted segment by segment, so a character that
+// two segments share counts in both.
 
+#include "RunController/GraphemeCounter.h"
 #include "RunController/OutputSegment.h"
 #include "RunController/TextStore.h"
 
@@ -24,6 +26,9 @@ class Transcript
 public:
     using Position = TextStore::Position;
 
+    /// More characters than this, and the oldest segment goes.
+    static constexpr int characterBound = 400'000;
+
     /// A stretch of text of one kind.
     struct Run {
         Position begin = 0;
@@ -31,7 +36,8 @@ public:
         OutputKind kind = OutputKind::out;
     };
 
-    /// Adds `text`, which must be valid UTF-8, to the last segment when that has the same kind, else as a new segment.
+    /// Adds `text` to the last segment when that has the same kind, else as a new segment. Bytes that are not UTF-8
+    /// become U+FFFD.
     void append(QUtf8StringView text, OutputKind kind);
 
     /// Removes everything and gives the memory back.
@@ -47,7 +53,7 @@ public:
     /// The texts of all segments, joined as they are.
     QString plainText() const;
 
-    /// The stretch of one kind that holds `position`; the last one for the end.
+    /// The stretch of one kind that holds `position`; the last one for the end. There must be a segment.
     Run runAt(Position position) const;
 
     const TextStore &text() const { return m_text; }
@@ -58,9 +64,15 @@ private:
     struct Segment {
         QUuid id;
         Position begin = 0;
+        // Past the bound nothing needs to be counted: one segment alone exceeds it, whatever the others hold.
+        GraphemeCounter characters{characterBound + 1};
         OutputKind kind = OutputKind::out;
     };
 
+    Position endOf(std::size_t index) const;
+
     TextStore m_text;
     std::deque<Segment> m_segments;
+    /// The sum of the segments' counts.
+    qint64 m_characters = 0;
 };

@@ -1,0 +1,65 @@
+#include "RunController/GraphemeBreaker.h"
+
+#include <unicode/uchar.h>
+
+namespace
+{
+
+bool isControl(int property)
+{
+    return property == U_GCB_CONTROL || property == U_GCB_CR || property == U_GCB_LF;
+}
+
+bool isHangulSyllable(int property)
+{
+    return property == U_GCB_L || property == U_GCB_V || property == U_GCB_T || property == U_GCB_LV ||
+           property == U_GCB_LVT;
+}
+
+/// True when two jamo or syllables join to one.
+bool joinsHangul(int before, int after)
+{
+    if (!isHangulSyllable(before) || !isHangulSyllable(after))
+        return false;
+    if (before == U_GCB_L)
+        return after != U_GCB_T;
+    if (before == U_GCB_V || before == U_GCB_LV)
+        return after == U_GCB_V || after == U_GCB_T;
+    return after == U_GCB_T;
+}
+
+} // namespace
+
+bool GraphemeBreaker::startsCluster(char32_t character)
+{
+    const auto codePoint = static_cast<UChar32>(character);
+    const int property = u_getIntPropertyValue(codePoint, UCHAR_GRAPHEME_CLUSTER_BREAK);
+    const bool pictograph = property == U_GCB_OTHER && character >= 0xa9 &&
+                            u_hasBinaryProperty(codePoint, UCHAR_EXTENDED_PICTOGRAPHIC) != 0;
+    const bool extends = property == U_GCB_EXTEND || property == U_GCB_ZWJ;
+    const int previous = m_previous;
+
+    bool starts = true;
+    if (previous < 0)
+        starts = true;
+    else if (isControl(previous) || isControl(property))
+        starts = !(previous == U_GCB_CR && property == U_GCB_LF);
+    else if (extends || property == U_GCB_SPACING_MARK || previous == U_GCB_PREPEND)
+        starts = false;
+    else if (pictograph && m_emoji == Emoji::joined)
+        starts = false;
+    else if (property == U_GCB_REGIONAL_INDICATOR && m_halfFlag)
+        starts = false;
+    else
+        starts = !joinsHangul(previous, property);
+
+    if (pictograph)
+        m_emoji = Emoji::pictograph;
+    else if (property == U_GCB_ZWJ && m_emoji == Emoji::pictograph)
+        m_emoji = Emoji::joined;
+    else if (property != U_GCB_EXTEND || m_emoji == Emoji::joined)
+        m_emoji = Emoji::none;
+    m_halfFlag = property == U_GCB_REGIONAL_INDICATOR && !m_halfFlag;
+    m_previous = static_cast<std::int8_t>(property);
+    return starts;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+// Where one user-perceived character (an extended grapheme cluster of Unicode) ends and the next begins, decided one
+// code point at a time, so that text may arrive cut anywhere and nothing is ever read twice. CR LF, a letter with its
+// accents, a flag made of two letters and a family of emoji joined together are one character each.
+
+#include <cstdint>
+
+class GraphemeBreaker
+{
+public:
+    /// Takes the next code point of the text; true when a new cluster begins with it (always for the first).
+    bool startsCluster(char32_t character);
+
+private:
+    enum class Emoji : std::uint8_t { none, pictograph, joined };
+
+    /// The cluster-break property of the code point before; -1 at the start of the text.
+    std::int8_t m_previous = -1;
+    /// Whether what came before is a pictograph with its extenders, or one followed by a joiner.
+    Emoji m_emoji = Emoji::none;
+    /// Whether an odd number of regional indicators came just before: the next one completes a flag.
+    bool m_halfFlag = false;
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+// How wide lines of UTF-8 may become in cells of a fixed-width font, quickly and never too little: exact for printable
+// ASCII and tabs, two cells for any code point that might take two.
+
+#include <QByteArrayView>
+
+#include <algorithm>
+#include <cstdint>
+
+/// Measures text that arrives in pieces.
+class TextMeasure
+{
+public:
+    static constexpr std::int32_t tabWidth = 8;
+
+    explicit TextMeasure(std::int32_t openLine = 0) : m_openLine(openLine) {}
+
+    void add(QByteArrayView text);
+
+    std::int32_t lineFeeds() const { return m_lineFeeds; }
+    std::int32_t utf16Length() const { return m_utf16Length; }
+    /// The sum of the widths of what was added.
+    std::int32_t cells() const { return m_cells; }
+    std::int32_t longestEndedLine() const { return m_longestEndedLine; }
+    /// The width of the last line so far.
+    std::int32_t openLine() const { return m_openLine; }
+
+private:
+    void addPlain(QByteArrayView text);
+    void addAny(QByteArrayView text);
+    void endLine()
+    {
+        ++m_lineFeeds;
+        m_longestEndedLine = std::max(m_longestEndedLine, m_openLine);
+        m_openLine = 0;
+    }
+
+    std::int32_t m_openLine;
+    std::int32_t m_lineFeeds = 0;
+    std::int32_t m_utf16Length = 0;
+    std::int32_t m_cells = 0;
+    std::int32_t m_longestEndedLine = 0;
+};

@@ -1,0 +1,69 @@
+#pragma once
+
+// Walking over valid UTF-8. Nothing here checks: what enters the transcript is checked once, at its door.
+
+#include <QByteArrayView>
+
+#include <cstdint>
+#include <cstring>
+
+namespace Utf8
+{
+
+/// True for a byte that is not the first of its code point.
+inline bool isContinuation(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xc0U) == 0x80U;
+}
+
+inline bool isAscii(char byte)
+{
+    return static_cast<unsigned char>(byte) < 0x80U;
+}
+
+/// The bytes of the code point that begins with `lead`.
+inline int lengthOf(char lead)
+{
+    const auto byte = static_cast<unsigned char>(lead);
+    return byte < 0x80U ? 1 : byte < 0xe0U ? 2 : byte < 0xf0U ? 3 : 4;
+}
+
+/// The code point at `at`, which moves behind it.
+inline char32_t next(QByteArrayView text, qsizetype &at)
+{
+    const auto byte = [&](qsizetype offset) { return static_cast<char32_t>(static_cast<unsigned char>(text[offset])); };
+    const char32_t lead = byte(at);
+    const int length = lengthOf(text[at]);
+    char32_t character = length == 1 ? lead : lead & (0x7fU >> static_cast<unsigned>(length));
+    for (int index = 1; index < length; ++index)
+        character = (character << 6U) | (byte(at + index) & 0x3fU);
+    at += length;
+    return character;
+}
+
+/// How many bytes at the start are ASCII.
+inline qsizetype asciiPrefix(QByteArrayView text)
+{
+    constexpr qsizetype step = sizeof(std::uint64_t);
+    qsizetype at = 0;
+    for (; at + step <= text.size(); at += step) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + at, sizeof word);
+        if ((word & 0x8080808080808080U) != 0)
+            break;
+    }
+    while (at < text.size() && isAscii(text[at]))
+        ++at;
+    return at;
+}
+
+/// The length of the text in UTF-16 code units: one per code point, and one more for those of four bytes.
+inline qsizetype utf16Length(QByteArrayView text)
+{
+    qsizetype length = 0;
+    for (const char byte : text)
+        length += (isContinuation(byte) ? 0 : 1) + (static_cast<unsigned char>(byte) >= 0xf0U ? 1 : 0);
+    return length;
+}
+
+} // namespace Utf8

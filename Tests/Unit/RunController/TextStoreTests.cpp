@@ -1,0 +1,211 @@
+#include "RunController/TextStore.h"
+
+#include "Unit/RunController/RandomText.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+QByteArray allBytes(const TextStore &store)
+{
+    QByteArray bytes;
+    for (TextStore::BlockNumber number = store.firstBlock(); number < store.endBlock(); ++number)
+        bytes += store.bytes(number);
+    return bytes;
+}
+
+/// What every store keeps true, whatever was done to it.
+void expectSoundBlocks(const TextStore &store)
+{
+    TextStore::Position position = store.begin();
+    for (TextStore::BlockNumber number = store.firstBlock(); number < store.endBlock(); ++number) {
+        const TextStore::Block &block = store.block(number);
+        const QByteArrayView bytes = store.bytes(number);
+        EXPECT_EQ(block.begin, position);
+        EXPECT_GT(block.size, 0);
+        EXPECT_EQ(block.size, bytes.size());
+        EXPECT_EQ(block.lineFeeds, std::count(bytes.begin(), bytes.end(), '\n'));
+        EXPECT_TRUE(bytes.isValidUtf8());
+        EXPECT_EQ(block.utf16Length, store.text(block.begin, block.end()).size());
+        EXPECT_EQ(store.blockAt(block.begin), number);
+        EXPECT_EQ(store.blockAt(block.end() - 1), number);
+        position = block.end();
+    }
+    EXPECT_EQ(position, store.end());
+}
+
+QByteArray linesOf(int length, int count)
+{
+    QByteArray bytes;
+    for (int index = 0; index < count; ++index)
+        bytes += QByteArray(length - 1, static_cast<char>('a' + index % 26)) + '\n';
+    return bytes;
+}
+
+} // namespace
+
+TEST(TextStore, HoldsExactlyWhatWasAppendedInWhateverChunks)
+{
+    RandomText random(1);
+    for (int round = 0; round < 30; ++round) {
+        TextStore store;
+        QByteArray model;
+        const QString text = random.text(random.below(200'000));
+        for (const QByteArray &chunk : random.chunks(text, 1 + random.below(round % 2 == 0 ? 50 : 60'000))) {
+            store.append(chunk);
+            model += chunk;
+        }
+        EXPECT_EQ(allBytes(store), model);
+        EXPECT_EQ(store.text(store.begin(), store.end()), text);
+        expectSoundBlocks(store);
+    }
+}
+
+TEST(TextStore, StartsBlocksAtLineStarts)
+{
+    TextStore store;
+    const QByteArray line = linesOf(80, 1);
+    for (int index = 0; index < 10'000; ++index) {
+        // In two pieces, so that a block fills up in the middle of a line.
+        store.append(line.first(33));
+        store.append(line.sliced(33));
+    }
+    EXPECT_GT(store.endBlock(), 3);
+    for (TextStore::BlockNumber number = 0; number < store.endBlock(); ++number) {
+        EXPECT_TRUE(store.bytes(number).endsWith('\n'));
+        EXPECT_EQ(store.block(number).longestLine(), 79);
+    }
+    expectSoundBlocks(store);
+}
+
+TEST(TextStore, KeepsALineTogetherThatIsNotVeryLong)
+{
+    TextStore store;
+    const QByteArray lines = linesOf(TextStore::longestMovedLine, 40);
+    for (qsizetype at = 0; at < lines.size(); at += 100)
+        store.append(QByteArrayView(lines).sliced(at, std::min<qsizetype>(100, lines.size() - at)));
+    EXPECT_GT(store.endBlock(), 3);
+    for (TextStore::BlockNumber number = 0; number < store.endBlock(); ++number)
+        EXPECT_TRUE(store.bytes(number).endsWith('\n'));
+    EXPECT_EQ(allBytes(store), lines);
+    expectSoundBlocks(store);
+}
+
+TEST(TextStore, ContinuesAVeryLongLineInTheNextBlockWithoutCuttingACharacter)
+{
+    const QString family = u"\U0001F468\u200D\U0001F469\u200D\U0001F467"_s;
+    const QByteArray bytes = family.repeated(40'000).toUtf8();
+    TextStore store;
+    store.append(bytes);
+    EXPECT_GT(store.endBlock(), 4);
+    for (TextStore::BlockNumber number = 0; number < store.endBlock(); ++number)
+        EXPECT_EQ(store.block(number).size % family.toUtf8().size(), 0);
+    EXPECT_EQ(store.lineBegin(store.end()), 0);
+    EXPECT_EQ(store.lineEnd(0), store.end());
+    EXPECT_EQ(allBytes(store), bytes);
+    expectSoundBlocks(store);
+}
+
+TEST(TextStore, KeepsItsPositionsWhenTheFrontIsDropped)
+{
+    RandomText random(2);
+    TextStore store;
+    QByteArray model;
+    TextStore::Position dropped = 0;
+    for (int round = 0; round < 400; ++round) {
+        const QByteArray chunk = random.text(random.below(3000)).toUtf8();
+        store.append(chunk);
+        model += chunk;
+        if (round % 3 == 0) {
+            TextStore::Position target = dropped + random.below(static_cast<int>(model.size() - dropped) + 1);
+            while (target < model.size() && (static_cast<unsigned char>(model[target]) & 0xc0U) == 0x80U)
+                ++target;
+            store.dropFront(target);
+            dropped = target;
+            EXPECT_EQ(store.begin(), dropped);
+        }
+        EXPECT_EQ(store.end(), model.size());
+    }
+    EXPECT_EQ(allBytes(store), model.sliced(dropped));
+    expectSoundBlocks(store);
+}
+
+TEST(TextStore, IsEmptyAfterAClearAndUsesItsPositionsOnlyOnce)
+{
+    TextStore store;
+    store.append("one\ntwo");
+    store.clear();
+    EXPECT_TRUE(store.isEmpty());
+    EXPECT_EQ(store.begin(), 7);
+    EXPECT_EQ(store.firstBlock(), store.endBlock());
+    EXPECT_EQ(store.text(0, 100), QString());
+    store.append("three");
+    EXPECT_EQ(store.begin(), 7);
+    EXPECT_EQ(store.text(7, 12), u"three"_s);
+    expectSoundBlocks(store);
+}
+
+TEST(TextStore, CountsUtf16UnitsBothWays)
+{
+    RandomText random(3);
+    TextStore store;
+    const QString front = random.text(150'000);
+    const QString rest = random.text(150'000);
+    store.append(front.toUtf8());
+    store.append(rest.toUtf8());
+    store.dropFront(front.toUtf8().size());
+    EXPECT_EQ(store.utf16Offset(store.begin()), 0);
+    EXPECT_EQ(store.utf16Offset(store.end()), rest.size());
+    EXPECT_EQ(store.positionAtUtf16(rest.size()), store.end());
+    EXPECT_EQ(store.positionAtUtf16(rest.size() + 1), store.end());
+    for (int round = 0; round < 300; ++round) {
+        int units = random.below(static_cast<int>(rest.size()));
+        if (rest[units].isLowSurrogate()) {
+            EXPECT_EQ(store.positionAtUtf16(units), store.positionAtUtf16(units - 1));
+            --units;
+        }
+        const TextStore::Position expected = store.begin() + QStringView(rest).first(units).toUtf8().size();
+        EXPECT_EQ(store.positionAtUtf16(units), expected);
+        EXPECT_EQ(store.utf16Offset(expected), units);
+        EXPECT_EQ(store.text(expected, store.end()), rest.sliced(units));
+    }
+}
+
+TEST(TextStore, KeepsAZeroWidthNoBreakSpaceAtTheStartOfAText)
+{
+    TextStore store;
+    store.append("\ufeffa");
+    EXPECT_EQ(store.text(0, store.end()), QStringView(u"\ufeffa").toString());
+}
+
+TEST(TextStore, FindsWhereLinesBeginAndEnd)
+{
+    TextStore store;
+    const QByteArray lines = linesOf(100, 5000);
+    store.append(lines + "open");
+    EXPECT_EQ(store.lineBegin(0), 0);
+    EXPECT_EQ(store.lineEnd(0), 100);
+    EXPECT_EQ(store.lineBegin(250'050), 250'000);
+    EXPECT_EQ(store.lineEnd(250'050), 250'100);
+    EXPECT_EQ(store.lineBegin(store.end()), 500'000);
+    EXPECT_EQ(store.lineEnd(500'001), store.end());
+    store.dropFront(130);
+    EXPECT_EQ(store.lineBegin(150), 130);
+    EXPECT_EQ(store.lineBegin(200), 200);
+}
+
+TEST(TextStore, BoundsTheWidthOfItsLines)
+{
+    TextStore store;
+    store.append("ab\tc\n");
+    EXPECT_EQ(store.block(0).longestLine(), 9);
+    store.append("0123456789");
+    EXPECT_EQ(store.block(0).longestLine(), 10);
+    store.append("\u4e2d\u4e2d\n\n");
+    EXPECT_EQ(store.block(0).longestLine(), 14);
+    EXPECT_EQ(store.block(0).openLine, 0);
+    EXPECT_EQ(store.block(0).cells, 9 + 14);
+}
