@@ -58,6 +58,13 @@ void PlainLabel::setText(const QString &text)
         QLabel::setText(shown);
 }
 
+void PlainLabel::setOwnText(const QString &text)
+{
+    const QString shown = text.size() > longestLine ? text.first(longestLine) + u'…' : text;
+    if (shown != this->text())
+        QLabel::setText(shown);
+}
+
 void PlainLabel::setColour(ColourOfPalette colour)
 {
     m_colour = colour;

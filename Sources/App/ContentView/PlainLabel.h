@@ -27,6 +27,9 @@ public:
     /// Shows another text; does nothing when it is the same. In a single line, what has no shape is written out.
     void setText(const QString &text);
 
+    /// Shows a text of our own making, direction marks included: a date needs them in some languages.
+    void setOwnText(const QString &text);
+
     /// Shows the text in another colour.
     void setColour(ColourOfPalette colour);
 

@@ -1,0 +1,281 @@
+#include "ContentView/RowList.h"
+
+#include "ContentView/RowListAccessibility.h"
+
+#include <QAccessible>
+#include <QHash>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QScrollBar>
+
+#include <algorithm>
+
+RowList::RowList(const QString &name, QWidget *parent) : QScrollArea(parent), m_content(new RowListContent(*this))
+{
+    RowListAccessibility::install();
+    m_content->setAccessibleName(name);
+    m_content->setBackgroundRole(QPalette::Base);
+    m_content->setAutoFillBackground(true);
+    // The tab order of the rows hangs on it, and a widget that takes no focus at all cannot be part of that order.
+    m_content->setFocusPolicy(Qt::ClickFocus);
+    viewport()->setBackgroundRole(QPalette::Base);
+    setWidget(m_content);
+    setFocusPolicy(Qt::NoFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &RowList::makeNeededWidgets);
+    measure();
+}
+
+void RowList::setRows(const QList<RowContent> &rows)
+{
+    if (rows == m_rows)
+        return;
+    const QList<Key> keys = keysOf(rows);
+    QHash<Key, int> indexes;
+    indexes.reserve(keys.size());
+    for (int index = 0; index < static_cast<int>(keys.size()); ++index)
+        indexes.insert(keys[index], index);
+
+    // The first row in view that stays keeps its place on screen, except at the very top: there the new first row is
+    // what the user wants to see.
+    const int scrolled = verticalScrollBar()->value();
+    int anchor = scrolled > 0 ? indexAt(scrolled) : count();
+    while (anchor < count() && !indexes.contains(m_keys[anchor]))
+        ++anchor;
+    const int anchorLater = anchor < count() ? indexes.value(m_keys[anchor]) : -1;
+    const int anchorOffset = anchorLater >= 0 ? scrolled - edge(anchor) : 0;
+
+    const RowWidget *focused = focusedRow();
+    const int focusedIndex = focused != nullptr ? focused->index() : -1;
+    const int focusedButton = focused != nullptr ? focused->focusedButton().value_or(0) : 0;
+    const bool focusedStays = focused == nullptr || indexes.contains(m_keys[focusedIndex]);
+
+    const std::map<int, RowWidget *> widgets = std::exchange(m_widgets, {});
+    const QList<Key> formerKeys = std::exchange(m_keys, keys);
+    m_rows = rows;
+    QList<RowWidget *> leaving;
+    bool isOrderKept = true;
+    int last = -1;
+    for (const auto &[index, row] : widgets) {
+        const int later = indexes.value(formerKeys[index], -1);
+        row->setIndex(later);
+        if (later < 0) {
+            leaving.append(row);
+            continue;
+        }
+        isOrderKept = isOrderKept && later > last;
+        last = later;
+        m_widgets.emplace(later, row);
+        row->setContent(m_rows[later]);
+    }
+    measure();
+    for (const auto &[index, row] : m_widgets)
+        place(row);
+    if (!isOrderKept) {
+        for (auto position = m_widgets.begin(); position != m_widgets.end(); ++position)
+            linkIntoTabOrder(position);
+    }
+    if (anchorLater >= 0)
+        verticalScrollBar()->setValue(edge(anchorLater) + anchorOffset);
+    makeNeededWidgets();
+    if (!focusedStays && count() > 0)
+        row(std::min(focusedIndex, count() - 1))->focusButton(focusedButton, Qt::OtherFocusReason);
+    for (RowWidget *row : std::as_const(leaving))
+        retire(row);
+}
+
+RowWidget *RowList::row(int index)
+{
+    const auto found = m_widgets.find(index);
+    if (found != m_widgets.end())
+        return found->second;
+    auto *row = new RowWidget(m_rows[index], m_content);
+    row->setIndex(index);
+    row->installEventFilter(this);
+    for (QPushButton *button : row->buttons())
+        button->installEventFilter(this);
+    connect(row, &RowWidget::pressed, this, [this, row](int button) { Q_EMIT pressed(row->content().id, button); });
+    linkIntoTabOrder(m_widgets.emplace(index, row).first);
+    place(row);
+    row->show();
+    return row;
+}
+
+int RowList::indexAt(int y) const
+{
+    if (y < 0 || y >= m_edges.back())
+        return -1;
+    return static_cast<int>(std::upper_bound(m_edges.begin(), m_edges.end(), y) - m_edges.begin()) - 1;
+}
+
+bool RowList::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isFocus = event->type() == QEvent::FocusIn;
+    if (isFocus || event->type() == QEvent::KeyPress) {
+        auto *row = qobject_cast<RowWidget *>(watched);
+        if (row == nullptr)
+            row = qobject_cast<RowWidget *>(watched->parent());
+        if (row != nullptr && row->index() >= 0) {
+            if (isFocus)
+                rowFocused(row, static_cast<QFocusEvent *>(event)->reason());
+            else if (moveFocus(row, static_cast<QKeyEvent *>(event)->key()))
+                return true;
+        }
+    }
+    return QScrollArea::eventFilter(watched, event);
+}
+
+void RowList::resizeEvent(QResizeEvent *event)
+{
+    QScrollArea::resizeEvent(event);
+    measure();
+    for (const auto &[index, row] : m_widgets)
+        place(row);
+    makeNeededWidgets();
+}
+
+void RowList::changeEvent(QEvent *event)
+{
+    QScrollArea::changeEvent(event);
+    if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange)
+        return;
+    m_metrics = RowMetrics::current();
+    const QList<RowContent> rows = m_rows;
+    setRows({});
+    setRows(rows);
+}
+
+QList<RowList::Key> RowList::keysOf(const QList<RowContent> &rows)
+{
+    QHash<QString, int> occurrences;
+    occurrences.reserve(rows.size());
+    QList<Key> keys;
+    keys.reserve(rows.size());
+    for (const RowContent &row : rows)
+        keys.append({row.id, occurrences[row.id]++});
+    return keys;
+}
+
+void RowList::measure()
+{
+    m_edges.resize(1);
+    m_edges.reserve(static_cast<std::size_t>(count()) + 1);
+    for (const RowContent &row : std::as_const(m_rows))
+        m_edges.push_back(m_edges.back() + m_metrics.heightOf(row));
+    m_content->resize(viewport()->width(), m_edges.back());
+}
+
+void RowList::place(RowWidget *row)
+{
+    const int top = edge(row->index());
+    row->setGeometry(0, top, m_content->width(), edge(row->index() + 1) - top);
+}
+
+void RowList::linkIntoTabOrder(std::map<int, RowWidget *>::iterator position)
+{
+    QWidget *before = position == m_widgets.begin() ? m_content : std::prev(position)->second->buttons().last();
+    QWidget::setTabOrder(before, position->second);
+    before = position->second;
+    for (QPushButton *button : position->second->buttons()) {
+        QWidget::setTabOrder(before, button);
+        before = button;
+    }
+}
+
+void RowList::retire(RowWidget *row)
+{
+    // It may be in the middle of telling that it was pressed.
+    row->setIndex(-1);
+    row->hide();
+    row->deleteLater();
+}
+
+void RowList::makeNeededWidgets()
+{
+    if (m_rows.isEmpty())
+        return;
+    const int end = count() - 1;
+    const int top = verticalScrollBar()->value();
+    const int first = std::max(0, indexAt(top));
+    const int below = indexAt(top + viewport()->height() - 1);
+    const int last = below < 0 ? end : below;
+    row(0);
+    for (int index = std::max(0, first - 1); index <= std::min(end, last + 1); ++index)
+        row(index);
+    row(end);
+    if (const RowWidget *focused = focusedRow()) {
+        row(std::max(0, focused->index() - 1));
+        row(std::min(end, focused->index() + 1));
+    }
+    // Assistive technology may hold on to any row that it has seen.
+    if (!QAccessible::isActive())
+        retireFarWidgets(first, last);
+}
+
+void RowList::retireFarWidgets(int first, int last)
+{
+    const int page = last - first + 1;
+    const RowWidget *focused = focusedRow();
+    for (auto position = m_widgets.begin(); position != m_widgets.end();) {
+        const auto [index, row] = *position;
+        const bool isNear = index >= first - page && index <= last + page;
+        const bool isEnd = index == 0 || index == count() - 1;
+        const bool isBesideFocus = focused != nullptr && std::abs(index - focused->index()) <= 1;
+        if (isNear || isEnd || isBesideFocus || row->isPressed()) {
+            ++position;
+        } else {
+            position = m_widgets.erase(position);
+            retire(row);
+        }
+    }
+}
+
+void RowList::rowFocused(const RowWidget *row, Qt::FocusReason reason)
+{
+    m_column = row->focusedButton().value_or(m_column);
+    makeNeededWidgets();
+    // A press must not move the button away from under the pointer.
+    if (reason != Qt::MouseFocusReason && reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+        ensureVisible(0, row->y() + row->height() / 2, 0, (row->height() + 1) / 2);
+}
+
+bool RowList::moveFocus(const RowWidget *row, int key)
+{
+    const int page = std::max(1, viewport()->height() / std::max(1, row->height()) - 1);
+    int target = row->index();
+    switch (key) {
+    case Qt::Key_Up:
+        target -= 1;
+        break;
+    case Qt::Key_Down:
+        target += 1;
+        break;
+    case Qt::Key_PageUp:
+        target -= page;
+        break;
+    case Qt::Key_PageDown:
+        target += page;
+        break;
+    case Qt::Key_Home:
+        target = 0;
+        break;
+    case Qt::Key_End:
+        target = count() - 1;
+        break;
+    default:
+        return false;
+    }
+    const int column = m_column;
+    this->row(std::clamp(target, 0, count() - 1))->focusButton(column, Qt::OtherFocusReason);
+    m_column = column;
+    return true;
+}
+
+RowWidget *RowList::focusedRow() const
+{
+    QWidget *focused = window()->focusWidget();
+    while (focused != nullptr && focused->parentWidget() != m_content)
+        focused = focused->parentWidget();
+    auto *row = qobject_cast<RowWidget *>(focused);
+    return row != nullptr && row->index() >= 0 ? row : nullptr;
+}

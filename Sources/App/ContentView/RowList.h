@@ -1,0 +1,75 @@
+#pragma once
+
+// A scrolling list of rows that are updated by identity: a refresh that changes nothing touches nothing, a changed row
+// repaints alone, and focus, scroll position and a half-pressed button stay with their row while others come and go.
+//
+// Rows become widgets only where they are needed: in view, beside the focus, at both ends (so that Tab enters from
+// either side as if all were there), and when assistive technology asks for one. A list of thousands costs what is
+// seen. Tab moves through the buttons row by row; the arrow keys, Page Up and Down, Home and End move from row to row.
+
+#include "ContentView/RowWidget.h"
+
+#include <QScrollArea>
+
+#include <map>
+#include <utility>
+#include <vector>
+
+class RowList : public QScrollArea
+{
+    Q_OBJECT
+
+public:
+    /// `name` is the accessible name of the list.
+    explicit RowList(const QString &name, QWidget *parent = nullptr);
+
+    /// Shows these rows in this order. Two of the same identity are both shown.
+    void setRows(const QList<RowContent> &rows);
+
+    const QList<RowContent> &rows() const { return m_rows; }
+    int count() const { return static_cast<int>(m_rows.size()); }
+
+    /// The row as a widget, made now if need be.
+    RowWidget *row(int index);
+
+    /// The row at this height of the whole list; -1 when there is none.
+    int indexAt(int y) const;
+
+    /// How many rows are widgets now.
+    int widgetCount() const { return static_cast<int>(m_widgets.size()); }
+
+Q_SIGNALS:
+    /// The button with this number was pressed in the row with this identity.
+    void pressed(const QString &id, int button);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    /// An identity and how often it occurred before.
+    using Key = std::pair<QString, int>;
+
+    static QList<Key> keysOf(const QList<RowContent> &rows);
+    int edge(int index) const { return m_edges[static_cast<std::size_t>(index)]; }
+    void measure();
+    void place(RowWidget *row);
+    void linkIntoTabOrder(std::map<int, RowWidget *>::iterator position);
+    void retire(RowWidget *row);
+    void makeNeededWidgets();
+    void retireFarWidgets(int first, int last);
+    void rowFocused(const RowWidget *row, Qt::FocusReason reason);
+    bool moveFocus(const RowWidget *row, int key);
+    RowWidget *focusedRow() const;
+
+    QList<RowContent> m_rows;
+    QList<Key> m_keys;
+    /// The upper edge of each row, and the lower edge of the last.
+    std::vector<int> m_edges{0};
+    RowMetrics m_metrics = RowMetrics::current();
+    QWidget *m_content;
+    std::map<int, RowWidget *> m_widgets;
+    /// The button to return to while the arrow keys pass rows in which it is disabled.
+    int m_column = 0;
+};
