@@ -6,7 +6,7 @@
 #include <QPushButton>
 
 QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &message, const QString &acceptLabel,
-                         const QString &cancelLabel, const std::function<void()> &accepted)
+                         const QString &cancelLabel, const std::function<void()> &accepted, Kind kind)
 {
     auto *alert = new QMessageBox(parent);
     alert->setAttribute(Qt::WA_DeleteOnClose);
@@ -14,7 +14,8 @@ QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &m
     alert->setTextFormat(Qt::PlainText);
     alert->setText(title);
     alert->setInformativeText(message);
-    const QAbstractButton *accept = alert->addButton(acceptLabel, QMessageBox::AcceptRole);
+    const QAbstractButton *accept = alert->addButton(
+        acceptLabel, kind == Kind::destructive ? QMessageBox::DestructiveRole : QMessageBox::AcceptRole);
     QPushButton *cancel = alert->addButton(cancelLabel, QMessageBox::RejectRole);
     alert->setDefaultButton(cancel);
     alert->setEscapeButton(cancel);

@@ -13,9 +13,14 @@ class QWidget;
 namespace Alert
 {
 
+enum class Kind {
+    ordinary,
+    destructive, ///< accepting takes away what cannot be brought back
+};
+
 /// Opens the alert and returns at once. Both texts are plain. `accepted` is called when the user presses `acceptLabel`;
 /// `cancelLabel`, Escape and closing the alert do nothing more than close it.
 QMessageBox *open(QWidget *parent, const QString &title, const QString &message, const QString &acceptLabel,
-                  const QString &cancelLabel, const std::function<void()> &accepted);
+                  const QString &cancelLabel, const std::function<void()> &accepted, Kind kind = Kind::ordinary);
 
 } // namespace Alert

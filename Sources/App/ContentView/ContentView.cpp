@@ -1,7 +1,9 @@
 #include "ContentView/ContentView.h"
 
 #include "ContainerStore/ContainerStore.h"
-#include "ContentView/ComingScreens.h"
+#include "ContentView/ContainersView.h"
+#include "ContentView/HistoryView.h"
+#include "ContentView/MachinesView.h"
 #include "ContentView/RunView.h"
 #include "ContentView/SetupHeader.h"
 #include "ContentView/TabSelector.h"
@@ -129,11 +131,14 @@ QWidget *ContentView::makeScreen()
     case AppTab::run:
         return new RunView(m_controllers);
     case AppTab::machines:
-        return ComingScreens::machines();
-    case AppTab::history:
-        return ComingScreens::history();
+        return new MachinesView(m_controllers);
+    case AppTab::history: {
+        auto *history = new HistoryView(m_controllers);
+        connect(history, &HistoryView::tabRequested, this, &ContentView::setTab);
+        return history;
+    }
     case AppTab::containers:
-        return ComingScreens::containers();
+        return new ContainersView(m_controllers);
     }
     Q_UNREACHABLE();
 }

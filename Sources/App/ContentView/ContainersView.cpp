@@ -1,0 +1,191 @@
+#include "ContentView/ContainersView.h"
+
+#include "ContainerStore/ContainerStore.h"
+#include "ContentView/Colours.h"
+#include "ContentView/ContainerLogSheet.h"
+#include "ContentView/Controls.h"
+#include "ContentView/NoteText.h"
+#include "ContentView/PlainLabel.h"
+#include "ContentView/RowList.h"
+#include "ContentView/Typography.h"
+#include "OrbCLI/ToolLocation.h"
+#include "SetupController/SetupController.h"
+
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr int portsWidth = 150;
+constexpr int nameWidth = 160;
+
+enum RowButton { startButton, stopButton, logsButton, removeButton };
+
+RowContent contentOf(const ContainerInfo &container, bool busy)
+{
+    const bool isRunning = container.isRunning();
+    RowContent row;
+    row.id = container.id;
+    row.name = container.name;
+    row.dot = isRunning ? RowContent::Dot{StatusDot::Colour::green, u"running"_s}
+                        : RowContent::Dot{StatusDot::Colour::grey, u"not running"_s};
+    row.lines = {{container.name, RowContent::TextStyle::headline},
+                 {container.image + u" · "_s + container.status, RowContent::TextStyle::caption}};
+    if (!container.ports.isEmpty())
+        row.lines.append({container.ports, RowContent::TextStyle::smallestCaption});
+    row.buttons = {
+        {u"Start"_s, !busy && !isRunning}, {u"Stop"_s, !busy && isRunning}, {u"Logs"_s}, {u"Remove"_s, !busy}};
+    return row;
+}
+
+} // namespace
+
+ContainersView::ContainersView(const Controllers &controllers, QWidget *parent)
+    : QWidget(parent),
+      m_containers(controllers.containers),
+      m_setup(controllers.setup)
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setSpacing(10);
+    layout->addLayout(makeHeader());
+    layout->addWidget(makeForm());
+    m_progress = Controls::indeterminateBar(this);
+    layout->addWidget(m_progress);
+    m_message = new NoteText(Typography::callout(), Colours::secondary, this);
+    layout->addWidget(m_message);
+    m_error = new NoteText(Typography::body(), Colours::red, this);
+    layout->addWidget(m_error);
+    m_hint = new PlainLabel(u"No containers."_s, Typography::body(), Colours::secondary, PlainLabel::Fit::wrap, this);
+    layout->addWidget(m_hint);
+    m_list = new RowList(u"Containers"_s, this);
+    layout->addWidget(m_list, 1);
+
+    connect(m_list, &RowList::pressed, this, &ContainersView::press);
+    for (const auto changed : {&ContainerStore::containersChanged, &ContainerStore::errorChanged,
+                               &ContainerStore::busyChanged, &ContainerStore::messageChanged})
+        connect(&m_containers, changed, this, &ContainersView::showFields);
+    for (const auto changed : {&SetupController::stateChanged, &SetupController::hasDockerChanged})
+        connect(&m_setup, changed, this, &ContainersView::showFields);
+    connect(&m_containers, &ContainerStore::showLogsChanged, this, &ContainersView::showLogSheet);
+    showFields();
+    showLogSheet();
+}
+
+QLayout *ContainersView::makeHeader()
+{
+    auto *header = new QHBoxLayout;
+    header->addWidget(new PlainLabel(u"Containers (docker ps -a)"_s, Typography::headline(), Colours::primary,
+                                     PlainLabel::Fit::elideEnd, this));
+    header->addStretch();
+    QPushButton *refresh = Controls::button(u"Refresh"_s, u"List the containers again"_s, this);
+    header->addWidget(refresh);
+    connect(refresh, &QPushButton::clicked, this, [this] { m_containers.refresh(); });
+    return header;
+}
+
+QWidget *ContainersView::makeForm()
+{
+    auto *form = new QGroupBox(u"Run a container"_s, this);
+    m_image = makeField(u"Image (nginx:latest)"_s, form);
+    m_ports = makeField(u"Ports (8080:80)"_s, form);
+    m_ports->setFixedWidth(portsWidth);
+    m_name = makeField(u"Name (optional)"_s, form);
+    m_name->setFixedWidth(nameWidth);
+    m_run = Controls::button(u"Run"_s, u"Run a container"_s, form);
+
+    auto *row = new QHBoxLayout(form);
+    row->setContentsMargins(4, 4, 4, 4);
+    row->addWidget(m_image, 1);
+    row->addWidget(m_ports);
+    row->addWidget(m_name);
+    row->addWidget(m_run);
+
+    connect(m_image, &QLineEdit::textChanged, this, &ContainersView::showFields);
+    connect(m_run, &QPushButton::clicked, this,
+            [this] { m_containers.runContainer(m_image->text(), m_name->text(), m_ports->text()); });
+    return form;
+}
+
+QLineEdit *ContainersView::makeField(const QString &placeholder, QWidget *form)
+{
+    auto *field = new QLineEdit(form);
+    field->setPlaceholderText(placeholder);
+    field->setAccessibleName(placeholder);
+    connect(field, &QLineEdit::returnPressed, this, [this] { m_run->click(); });
+    return field;
+}
+
+void ContainersView::showFields()
+{
+    const bool hasDocker = OrbCLI::find(u"docker"_s).has_value();
+    const bool canRun =
+        !m_containers.busy() && hasDocker && m_setup.state() == OrbState::running && !m_image->text().isEmpty();
+    // The keyboard stays where what was refused is corrected.
+    if (!canRun && window()->focusWidget() == m_run)
+        m_image->setFocus(Qt::OtherFocusReason);
+    m_run->setEnabled(canRun);
+    m_progress->setVisible(m_containers.busy());
+
+    m_message->setText(m_containers.message());
+    m_message->setVisible(!m_containers.message().isEmpty());
+
+    const std::optional<QString> error = m_containers.error();
+    m_error->setColour(hasDocker ? Colours::red : Colours::orange);
+    m_error->setText(error.value_or(QString()));
+    m_error->setVisible(error.has_value());
+    m_hint->setVisible(!error && m_containers.containers().isEmpty());
+    showRows();
+}
+
+void ContainersView::showRows()
+{
+    QList<RowContent> rows;
+    rows.reserve(m_containers.containers().size());
+    for (const ContainerInfo &container : m_containers.containers())
+        rows.append(contentOf(container, m_containers.busy()));
+    m_list->setRows(rows);
+}
+
+void ContainersView::showLogSheet()
+{
+    if (!m_containers.showLogs()) {
+        if (m_sheet != nullptr)
+            m_sheet->close();
+    } else if (m_sheet == nullptr || !m_sheet->isVisible()) {
+        m_sheet = new ContainerLogSheet(m_containers, this);
+        m_sheet->setAttribute(Qt::WA_DeleteOnClose);
+        m_sheet->open();
+    }
+}
+
+void ContainersView::press(const QString &id, int button)
+{
+    const QList<ContainerInfo> &containers = m_containers.containers();
+    const auto found = std::find_if(containers.cbegin(), containers.cend(),
+                                    [&id](const ContainerInfo &container) { return container.id == id; });
+    if (found == containers.cend())
+        return;
+    switch (button) {
+    case startButton:
+        m_containers.action(u"start"_s, *found);
+        break;
+    case stopButton:
+        m_containers.action(u"stop"_s, *found);
+        break;
+    case logsButton:
+        m_containers.logs(*found);
+        break;
+    case removeButton:
+        m_containers.action(u"rm"_s, *found);
+        break;
+    default:
+        Q_UNREACHABLE();
+    }
+}

@@ -1,0 +1,104 @@
+#include "ContentView/HistoryView.h"
+
+#include "ContentView/Colours.h"
+#include "ContentView/Controls.h"
+#include "ContentView/DateText.h"
+#include "ContentView/HistoryTexts.h"
+#include "ContentView/PlainLabel.h"
+#include "ContentView/RowList.h"
+#include "ContentView/Typography.h"
+#include "ContentView/VisibleText.h"
+#include "HistoryStore/HistoryStore.h"
+#include "RunController/RunController.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+/// More than a row can show; the whole may be megabytes.
+constexpr qsizetype longestText = 1000;
+
+enum RowButton { loadButton, deleteButton };
+
+QString visible(const QString &text)
+{
+    return VisibleText::oneLine(text.size() > longestText ? text.first(longestText) + u'…' : text);
+}
+
+RowContent contentOf(const HistoryEntry &entry, const QByteArray &locale)
+{
+    const QString firstLine = HistoryTexts::firstLine(entry.command);
+    const QStringList caption{visible(entry.machine), visible(HistoryTexts::statusText(entry)),
+                              HistoryTexts::duration(entry.duration),
+                              DateText::mediumDateShortTime(entry.date.toLocalTime(), locale)};
+    RowContent row;
+    row.id = entry.id.toString();
+    row.name = firstLine;
+    row.lines = {{firstLine, RowContent::TextStyle::monospaced},
+                 {caption.join(u" · "_s), RowContent::TextStyle::caption, RowContent::Origin::own}};
+    row.buttons = {{u"Load"_s}, {u"Delete"_s}};
+    return row;
+}
+
+} // namespace
+
+HistoryView::HistoryView(const Controllers &controllers, QWidget *parent)
+    : QWidget(parent),
+      m_history(controllers.history),
+      m_run(controllers.run)
+{
+    auto *layout = new QVBoxLayout(this);
+    auto *header = new QHBoxLayout;
+    header->addWidget(
+        new PlainLabel(u"Last 50 runs"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this));
+    header->addStretch();
+    m_clear = Controls::button(u"Clear all"_s, u"Delete all entries of the history"_s, this);
+    header->addWidget(m_clear);
+    layout->addLayout(header);
+    m_hint = new PlainLabel(u"No runs yet."_s, Typography::body(), Colours::secondary, PlainLabel::Fit::wrap, this);
+    layout->addWidget(m_hint);
+    m_list = new RowList(u"History"_s, this);
+    layout->addWidget(m_list, 1);
+    layout->addStretch();
+
+    connect(m_clear, &QPushButton::clicked, this, [this] { m_history.clear(); });
+    connect(m_list, &RowList::pressed, this, &HistoryView::press);
+    connect(&m_history, &HistoryStore::entriesChanged, this, &HistoryView::showFields);
+    showFields();
+}
+
+void HistoryView::showFields()
+{
+    const QByteArray locale = DateText::userLocale();
+    QList<RowContent> rows;
+    rows.reserve(m_history.entries().size());
+    for (const HistoryEntry &entry : m_history.entries())
+        rows.append(contentOf(entry, locale));
+    m_list->setRows(rows);
+    m_list->setVisible(!rows.isEmpty());
+    m_hint->setVisible(rows.isEmpty());
+    m_clear->setEnabled(!rows.isEmpty());
+}
+
+void HistoryView::press(const QString &id, int button)
+{
+    const QList<HistoryEntry> &entries = m_history.entries();
+    const auto found = std::find_if(entries.cbegin(), entries.cend(),
+                                    [&id](const HistoryEntry &entry) { return entry.id.toString() == id; });
+    if (found == entries.cend())
+        return;
+    // A copy: the operations change the list.
+    const HistoryEntry entry = *found;
+    if (button == deleteButton) {
+        m_history.remove(entry);
+        return;
+    }
+    m_run.setScript(entry.command);
+    Q_EMIT tabRequested(AppTab::run);
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+// The History screen: the last runs, newest first; loads a past command back into the Run screen, deletes one entry or
+// all, at once and without a question. Shows the entries of HistoryStore and keeps nothing of its own.
+
+#include "ContentView/AppTab.h"
+#include "ContentView/Controllers.h"
+
+#include <QWidget>
+
+struct HistoryEntry;
+class PlainLabel;
+class QPushButton;
+class RowList;
+
+class HistoryView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit HistoryView(const Controllers &controllers, QWidget *parent = nullptr);
+
+Q_SIGNALS:
+    /// The window is to show this tab; the screen may be discarded by it.
+    void tabRequested(AppTab tab);
+
+private:
+    void showFields();
+    void press(const QString &id, int button);
+
+    HistoryStore &m_history;
+    RunController &m_run;
+    QPushButton *m_clear;
+    PlainLabel *m_hint;
+    RowList *m_list;
+};
