@@ -19,21 +19,26 @@ inline bool waitUntil(const std::function<bool()> &condition,
     return QTest::qWaitFor(condition, static_cast<int>(limit.count()));
 }
 
-/// Runs a task to its end on the event loop and returns its value; nothing when `limit` passed first.
-template <typename Value>
-std::optional<Value> waitFor(QCoro::Task<Value> task,
-                             std::chrono::milliseconds limit = std::chrono::milliseconds(20000))
-{
-    const auto value = std::make_shared<std::optional<Value>>();
-    std::move(task).then([value](Value result) { *value = std::move(result); });
-    waitUntil([value] { return value->has_value(); }, limit);
-    return *value;
-}
+/// Runs a task to its end on the event loop: `waitFor(task)` returns its value, or nothing when the limit passed first;
+/// for a task without a value, whether it ended. An object and not a function, so that the function of the same name in
+/// the task's own namespace, which has no limit, does not take part.
+struct TaskWaiter {
+    static constexpr std::chrono::milliseconds usualLimit{20000};
 
-/// Runs a task without a value to its end; false when `limit` passed first.
-inline bool waitFor(QCoro::Task<> task, std::chrono::milliseconds limit = std::chrono::milliseconds(20000))
-{
-    const auto done = std::make_shared<bool>(false);
-    std::move(task).then([done] { *done = true; });
-    return waitUntil([done] { return *done; }, limit);
-}
+    template <typename Value>
+    std::optional<Value> operator()(QCoro::Task<Value> task, std::chrono::milliseconds limit = usualLimit) const
+    {
+        const auto value = std::make_shared<std::optional<Value>>();
+        std::move(task).then([value](Value result) { *value = std::move(result); });
+        waitUntil([value] { return value->has_value(); }, limit);
+        return std::move(*value);
+    }
+
+    bool operator()(QCoro::Task<> task, std::chrono::milliseconds limit = usualLimit) const
+    {
+        const auto done = std::make_shared<bool>(false);
+        std::move(task).then([done] { *done = true; });
+        return waitUntil([done] { return *done; }, limit);
+    }
+};
+inline constexpr TaskWaiter waitFor;
