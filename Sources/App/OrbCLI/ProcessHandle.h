@@ -16,7 +16,7 @@ class ChildProcess;
 class ProcessHandle
 {
 public:
-    explicit ProcessHandle(std::shared_ptr<ChildProcess> process);
+    explicit ProcessHandle(std::shared_ptr<ChildProcess> child);
     ~ProcessHandle();
 
     /// True when the time limit asked the child to terminate. Any thread.
@@ -30,6 +30,7 @@ public:
 
 private:
     friend class ProcessEngine;
+    friend class RunningChild;
 
     void setTimedOut();
     void setLaunchError(const QString &description);

@@ -1,0 +1,85 @@
+#include "OrbCLI/MainThreadDelivery.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+#include <chrono>
+#include <utility>
+
+namespace
+{
+
+/// A quarter of a frame: the rest of it is for painting and for the user.
+constexpr auto sliceLength = std::chrono::milliseconds(4);
+
+} // namespace
+
+MainThreadDelivery::MainThreadDelivery(std::function<void()> onRoom) : m_onRoom(std::move(onRoom))
+{
+    if (QCoreApplication::instance() != nullptr)
+        moveToThread(QCoreApplication::instance()->thread());
+}
+
+void MainThreadDelivery::announce(std::shared_ptr<OutputQueue> queue)
+{
+    const std::lock_guard guard(m_lock);
+    m_announced.push_back(std::move(queue));
+    postLocked();
+}
+
+void MainThreadDelivery::stop()
+{
+    const std::lock_guard guard(m_lock);
+    m_isStopped = true;
+}
+
+bool MainThreadDelivery::event(QEvent *event)
+{
+    if (event->type() != QEvent::User)
+        return QObject::event(event);
+    deliverSlice();
+    return true;
+}
+
+void MainThreadDelivery::deliverSlice()
+{
+    {
+        const std::lock_guard guard(m_lock);
+        m_isPosted = false;
+    }
+    const auto end = std::chrono::steady_clock::now() + sliceLength;
+    // A queue is out of the list while its handler runs: a handler that turns the event loop hears the other children,
+    // and its own child goes on, in order, after it has returned.
+    while (const std::shared_ptr<OutputQueue> queue = takeNext()) {
+        const OutputQueue::Delivered delivered = queue->deliverNext();
+        if (delivered.madeRoom)
+            m_onRoom();
+        const bool isOver = std::chrono::steady_clock::now() >= end;
+        const std::lock_guard guard(m_lock);
+        if (delivered.more)
+            m_announced.push_back(queue);
+        if (isOver) {
+            if (!m_announced.empty())
+                postLocked();
+            return;
+        }
+    }
+}
+
+std::shared_ptr<OutputQueue> MainThreadDelivery::takeNext()
+{
+    const std::lock_guard guard(m_lock);
+    if (m_announced.empty() || m_isStopped)
+        return nullptr;
+    std::shared_ptr<OutputQueue> next = std::move(m_announced.front());
+    m_announced.pop_front();
+    if (!m_announced.empty())
+        postLocked(); // for an event loop inside the handler
+    return next;
+}
+
+void MainThreadDelivery::postLocked()
+{
+    if (!std::exchange(m_isPosted, true))
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+// Carries output and ends to the main thread: it calls the handlers of all children there, in slices, so that the event
+// loop paints and reads keys in between however much a child prints. However many chunks wait, one event is pending.
+
+#include "OrbCLI/OutputQueue.h"
+
+#include <QObject>
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+class MainThreadDelivery : public QObject
+{
+public:
+    /// `onRoom` is called on the main thread when a full queue can be appended to again.
+    explicit MainThreadDelivery(std::function<void()> onRoom);
+
+    /// The queue has something to deliver. Any thread.
+    void announce(std::shared_ptr<OutputQueue> queue);
+
+    /// No handler is called any more. Main thread.
+    void stop();
+
+    bool event(QEvent *event) override;
+
+private:
+    void deliverSlice();
+    std::shared_ptr<OutputQueue> takeNext();
+    void postLocked();
+
+    const std::function<void()> m_onRoom;
+    std::mutex m_lock; // guards all below
+    std::deque<std::shared_ptr<OutputQueue>> m_announced;
+    bool m_isPosted = false;
+    bool m_isStopped = false;
+};

@@ -1,0 +1,65 @@
+#pragma once
+
+// What one child has said and the main thread has not yet heard: chunks of valid UTF-8 in order, then the end. The
+// background thread appends, the main thread delivers.
+//
+// The amount that waits is bounded. A full queue is not appended to: the rest stays in the child's pipe and holds the
+// child up. One append may go past the bound, so that a read need not be cut.
+
+#include "OrbCLI/OrbCLI.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+class OutputQueue
+{
+public:
+    struct Delivered {
+        bool more = false;
+        /// The queue was full, someone asked, and now there is room.
+        bool madeRoom = false;
+    };
+
+    OutputQueue(ProcessHandlePointer handle, OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit);
+
+    /// Whether more may be appended. After a no, the delivery that makes room says so.
+    bool hasRoom();
+
+    /// Each returns true when the queue had nothing to deliver before: the caller then announces it to the main thread.
+    /// `text` is copied, behind the last chunk when that is of the same stream and short.
+    [[nodiscard]] bool append(QByteArrayView text, bool isError);
+    /// Takes the first `size` bytes of `block` without copying them.
+    [[nodiscard]] bool adopt(QByteArray block, qsizetype size, bool isError);
+    [[nodiscard]] bool end(int status);
+
+    /// Calls one handler with the next chunk or the end. Main thread.
+    Delivered deliverNext();
+
+private:
+    struct Chunk {
+        QByteArray storage;
+        qsizetype begin = 0;
+        qsizetype size = 0;
+        bool isError = false;
+    };
+
+    bool markAnnounced() { return !std::exchange(m_isAnnounced, true); }
+    std::optional<Chunk> takeChunk(bool &madeRoom);
+    void deliverEnd();
+
+    const ProcessHandlePointer m_handle;
+    OrbCLI::OutputHandler m_onOutput; // these two on the main thread only
+    OrbCLI::ExitHandler m_onExit;
+
+    std::mutex m_lock; // guards all below; the status is fixed once the end is announced
+    std::deque<Chunk> m_chunks;
+    qsizetype m_size = 0;
+    std::optional<int> m_status;
+    bool m_isAnnounced = false;
+    bool m_isRoomAwaited = false;
+};

@@ -1,0 +1,47 @@
+#include "OrbCLI/OutputReader.h"
+
+#include "OrbCLI/Pipe.h"
+#include "OrbCLI/Utf8Repair.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace
+{
+
+constexpr qsizetype largestPipeSize = 1024 * 1024;
+
+} // namespace
+
+OutputReader::OutputReader(FileDescriptor end, bool isError) : m_end(std::move(end)), m_isError(isError)
+{
+    makeNonBlocking(m_end);
+}
+
+OutputReader::Outcome OutputReader::read(QByteArray &block, OutputQueue &queue)
+{
+    if (block.size() < m_pipeSize)
+        block = QByteArray(m_pipeSize, Qt::Uninitialized);
+    const qsizetype size = ::read(m_end.number(), block.data(), static_cast<std::size_t>(block.size()));
+    if (size < 0 && (errno == EAGAIN || errno == EINTR))
+        return {};
+    if (size <= 0) {
+        m_end.close();
+        return {};
+    }
+    // A child that fills its pipe is worth a larger one, which drains several times faster; the many that print a line
+    // or two would pay for it in vain, and all pipes of a user share one allowance.
+    if (size >= m_pipeSize && m_pipeSize < largestPipeSize &&
+        enlargePipe(m_end, static_cast<std::size_t>(largestPipeSize)))
+        m_pipeSize = largestPipeSize;
+
+    const QByteArrayView bytes(block.constData(), size);
+    if (std::optional<QByteArray> repaired = repairedUtf8(bytes)) {
+        const qsizetype repairedSize = repaired->size();
+        return {size, queue.adopt(*std::move(repaired), repairedSize, m_isError)};
+    }
+    // A block given away for little text would keep its whole memory while it waits.
+    if (size < block.size() / 4)
+        return {size, queue.append(bytes, m_isError)};
+    return {size, queue.adopt(std::exchange(block, QByteArray()), size, m_isError)};
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+// Reads one output pipe of a child, makes each read valid text by itself and appends it to the child's queue.
+// Background thread only.
+
+#include "OrbCLI/FileDescriptor.h"
+#include "OrbCLI/OutputQueue.h"
+
+#include <QByteArray>
+
+class OutputReader
+{
+public:
+    /// At its end from the beginning.
+    OutputReader() = default;
+    OutputReader(FileDescriptor end, bool isError);
+
+    bool isAtEnd() const { return !m_end.isOpen(); }
+    int descriptor() const { return m_end.number(); }
+
+    struct Outcome {
+        qsizetype size = 0;
+        bool mustAnnounce = false;
+    };
+
+    /// Takes all that the pipe holds now, by way of `block`, which is shared by all readers and may be given away. At
+    /// the end of file the reader closes.
+    Outcome read(QByteArray &block, OutputQueue &queue);
+
+private:
+    FileDescriptor m_end;
+    qsizetype m_pipeSize = 64 * 1024;
+    bool m_isError = false;
+};

@@ -1,0 +1,258 @@
+#include "OrbCLI/ProcessEngine.h"
+
+#include "OrbCLI/ExitNotice.h"
+#include "OrbCLI/ToolLocation.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <csignal>
+#include <system_error>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+RunningChild::Moment deadlineAfter(std::optional<double> timeLimit)
+{
+    constexpr double longest = 1e8; // seconds; far beyond any wait, and within what the clock can count
+    if (!timeLimit || *timeLimit > longest)
+        return RunningChild::never;
+    const std::chrono::duration<double> wait(std::max(*timeLimit, 0.0));
+    return Clock::now() + std::chrono::ceil<Clock::duration>(wait);
+}
+
+/// Milliseconds for poll(): never early, -1 for no limit.
+int waitUntil(RunningChild::Moment moment)
+{
+    if (moment == RunningChild::never)
+        return -1;
+    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(moment - Clock::now()).count();
+    constexpr decltype(wait) longest = 60 * 60 * 1000; // waking early is harmless: the thread looks and waits again
+    return static_cast<int>(std::clamp<decltype(wait)>(wait, 0, longest));
+}
+
+std::vector<std::string> toUtf8(const QStringList &texts)
+{
+    std::vector<std::string> result;
+    result.reserve(static_cast<std::size_t>(texts.size()));
+    for (const QString &text : texts)
+        result.push_back(text.toStdString());
+    return result;
+}
+
+/// The user's signals are for the main thread; a broken pipe is an error number here.
+void blockSignals(sigset_t *before)
+{
+    sigset_t all;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, before);
+}
+
+/// Whoever started this program may have left the child signal ignored: the system would then drop exit statuses.
+void keepExitStatuses()
+{
+    struct sigaction action = {};
+    if (::sigaction(SIGCHLD, nullptr, &action) != 0 ||
+        (action.sa_handler != SIG_IGN && !(action.sa_flags & SA_NOCLDWAIT)))
+        return;
+    action.sa_handler = SIG_DFL;
+    action.sa_flags = 0;
+    ::sigaction(SIGCHLD, &action, nullptr);
+}
+
+} // namespace
+
+ProcessEngine &ProcessEngine::instance()
+{
+    // Never destroyed: children and handlers that are left at the end stay where they are until the process is gone.
+    static ProcessEngine *const engine = new ProcessEngine;
+    return *engine;
+}
+
+ProcessEngine::ProcessEngine() : m_delivery([this] { wake(); }) {}
+
+ProcessHandlePointer ProcessEngine::launch(const QString &tool, const QStringList &arguments,
+                                           const std::optional<QString> &input, std::optional<double> timeLimit,
+                                           OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit)
+{
+    RunningChild::Parts parts;
+    parts.process = std::make_shared<ChildProcess>();
+    parts.handle = std::make_shared<ProcessHandle>(parts.process);
+    parts.queue = std::make_shared<OutputQueue>(parts.handle, std::move(onOutput), std::move(onExit));
+    const ProcessHandlePointer handle = parts.handle;
+
+    int error = startThread();
+    if (error == 0)
+        error = startChild(parts, tool, arguments, input);
+    if (error != 0) {
+        const QString description = QString::fromLocal8Bit(std::system_category().message(error));
+        handle->setLaunchError(description);
+        const QString name = tool.section(u'/', -1, -1, QString::SectionSkipEmpty);
+        const QString line = u"Could not start "_s + name + u": "_s + description + u'\n';
+        static_cast<void>(parts.queue->append(line.toUtf8(), true));
+        static_cast<void>(parts.queue->end(-1));
+        m_delivery.announce(std::move(parts.queue));
+        return handle;
+    }
+    parts.deadline = deadlineAfter(timeLimit);
+    {
+        const std::lock_guard guard(m_lock);
+        m_arrivals.push_back(std::make_unique<RunningChild>(std::move(parts)));
+    }
+    wake();
+    return handle;
+}
+
+int ProcessEngine::startChild(RunningChild::Parts &parts, const QString &tool, const QStringList &arguments,
+                              const std::optional<QString> &input)
+{
+    std::optional<Pipe> output = openPipe();
+    if (!output)
+        return errno;
+    std::optional<Pipe> errorOutput = openPipe();
+    if (!errorOutput)
+        return errno;
+    ChildProcess::StandardStreams streams;
+    streams.output = output->writeEnd.number();
+    streams.errorOutput = errorOutput->writeEnd.number();
+    std::optional<Pipe> inputPipe;
+    if (input) {
+        inputPipe = openPipe();
+        if (!inputPipe)
+            return errno;
+        streams.input = inputPipe->readEnd.number();
+    }
+    const int error = parts.process->start(tool.toStdString(), toUtf8(arguments), OrbCLI::environment(), streams);
+    if (error != 0)
+        return error;
+    parts.exitNotice = openExitNotice(parts.process->pid());
+    parts.output = OutputReader(std::move(output->readEnd), false);
+    parts.errorOutput = OutputReader(std::move(errorOutput->readEnd), true);
+    if (inputPipe)
+        parts.input = InputWriter(std::move(inputPipe->writeEnd), input->toUtf8());
+    return 0;
+}
+
+int ProcessEngine::startThread()
+{
+    const std::lock_guard guard(m_lock);
+    if (m_thread.joinable() || m_isStopping)
+        return 0;
+    if (!m_wakePipe)
+        m_wakePipe = openPipe();
+    if (!m_wakePipe)
+        return errno;
+    makeNonBlocking(m_wakePipe->readEnd);
+    makeNonBlocking(m_wakePipe->writeEnd);
+    keepExitStatuses();
+    sigset_t before;
+    blockSignals(&before); // the new thread inherits the mask
+    int error = 0;
+    try {
+        m_thread = std::thread(&ProcessEngine::attendToChildren, this);
+        qAddPostRoutine(&ProcessEngine::stopInstance);
+    } catch (const std::system_error &failure) {
+        error = failure.code().value();
+    }
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return error;
+}
+
+void ProcessEngine::stopInstance()
+{
+    instance().stop();
+}
+
+void ProcessEngine::stop()
+{
+    m_delivery.stop();
+    {
+        const std::lock_guard guard(m_lock);
+        m_isStopping = true;
+    }
+    wake();
+    m_thread.join();
+}
+
+void ProcessEngine::wake()
+{
+    const char byte = 0;
+    // A full pipe wakes the thread as well as one more byte would.
+    static_cast<void>(::write(m_wakePipe->writeEnd.number(), &byte, 1) < 0);
+}
+
+void ProcessEngine::attendToChildren()
+{
+    while (takeArrivals()) {
+        waitForEvents();
+        attendToEvents();
+    }
+}
+
+bool ProcessEngine::takeArrivals()
+{
+    const std::lock_guard guard(m_lock);
+    std::move(m_arrivals.begin(), m_arrivals.end(), std::back_inserter(m_children));
+    m_arrivals.clear();
+    return !m_isStopping;
+}
+
+void ProcessEngine::waitForEvents()
+{
+    m_pollEntries.clear();
+    m_pollEntries.push_back({m_wakePipe->readEnd.number(), POLLIN, 0});
+    RunningChild::Moment wakeTime = RunningChild::never;
+    for (const auto &child : m_children) {
+        const auto entries = child->pollEntries();
+        m_pollEntries.insert(m_pollEntries.end(), entries.begin(), entries.end());
+        wakeTime = std::min(wakeTime, child->wakeTime());
+    }
+    if (::poll(m_pollEntries.data(), static_cast<nfds_t>(m_pollEntries.size()), waitUntil(wakeTime)) < 0)
+        for (pollfd &entry : m_pollEntries)
+            entry.revents = 0;
+    if (m_pollEntries.front().revents != 0) {
+        char bytes[64];
+        while (::read(m_wakePipe->readEnd.number(), bytes, sizeof bytes) == sizeof bytes) {
+        }
+    }
+}
+
+void ProcessEngine::attendToEvents()
+{
+    qsizetype bytesRead = 0;
+    std::span<const pollfd> entries(m_pollEntries);
+    entries = entries.subspan(1);
+    for (const auto &child : m_children) {
+        const RunningChild::Outcome outcome = child->attend(entries.first<RunningChild::entryCount>(), m_block);
+        entries = entries.subspan(RunningChild::entryCount);
+        bytesRead += outcome.bytesRead;
+        if (outcome.mustAnnounce)
+            m_delivery.announce(child->queue());
+    }
+    std::erase_if(m_children, [](const auto &child) { return child->isFinished(); });
+    gatherSmallWrites(bytesRead);
+}
+
+void ProcessEngine::gatherSmallWrites(qsizetype bytesRead)
+{
+    constexpr qsizetype small = 16 * 1024;
+    constexpr int manyReads = 16;
+    constexpr auto nap = std::chrono::microseconds(100);
+    if (bytesRead == 0)
+        return;
+    // A child that prints in short pieces would pay for waking this thread with each of them. Once it has done so for a
+    // while, a nap too short to notice lets the pieces gather in its pipe.
+    const RunningChild::Moment now = Clock::now();
+    const bool isOneOfMany = bytesRead < small && now - m_lastRead < std::chrono::milliseconds(1);
+    m_lastRead = now;
+    m_smallReads = isOneOfMany ? m_smallReads + 1 : 0;
+    if (m_smallReads >= manyReads)
+        std::this_thread::sleep_for(nap);
+}

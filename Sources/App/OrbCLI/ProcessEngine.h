@@ -1,0 +1,61 @@
+#pragma once
+
+// Starts children and attends to all of them on one background thread, which waits in poll() for their output, their
+// input, their ends and their time limits, whichever comes first. Nothing that a child does or leaves undone blocks it.
+//
+// It starts with the first child and ends with the application object; children that still run are left alone, and
+// their handlers are not called any more.
+
+#include "OrbCLI/FileDescriptor.h"
+#include "OrbCLI/MainThreadDelivery.h"
+#include "OrbCLI/Pipe.h"
+#include "OrbCLI/RunningChild.h"
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+class ProcessEngine
+{
+public:
+    static ProcessEngine &instance();
+
+    /// See OrbCLI::stream. Any thread.
+    ProcessHandlePointer launch(const QString &tool, const QStringList &arguments, const std::optional<QString> &input,
+                                std::optional<double> timeLimit, OrbCLI::OutputHandler onOutput,
+                                OrbCLI::ExitHandler onExit);
+
+private:
+    ProcessEngine();
+
+    /// 0, or the system's error number.
+    int startThread();
+    int startChild(RunningChild::Parts &parts, const QString &tool, const QStringList &arguments,
+                   const std::optional<QString> &input);
+    static void stopInstance();
+    void stop();
+    void wake();
+
+    void attendToChildren();
+    bool takeArrivals();
+    void waitForEvents();
+    void attendToEvents();
+    void gatherSmallWrites(qsizetype bytesRead);
+
+    MainThreadDelivery m_delivery;
+
+    std::mutex m_lock; // guards the four below
+    std::optional<Pipe> m_wakePipe;
+    std::thread m_thread;
+    std::vector<std::unique_ptr<RunningChild>> m_arrivals;
+    bool m_isStopping = false;
+
+    // The background thread's own.
+    std::vector<std::unique_ptr<RunningChild>> m_children;
+    std::vector<pollfd> m_pollEntries; // the wake pipe, then those of each child in order
+    QByteArray m_block;
+    RunningChild::Moment m_lastRead;
+    int m_smallReads = 0;
+};

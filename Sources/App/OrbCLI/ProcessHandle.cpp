@@ -1,0 +1,38 @@
+#include "OrbCLI/ProcessHandle.h"
+
+#include "OrbCLI/ChildProcess.h"
+
+#include <utility>
+
+ProcessHandle::ProcessHandle(std::shared_ptr<ChildProcess> child) : process(std::move(child)) {}
+
+ProcessHandle::~ProcessHandle() = default;
+
+bool ProcessHandle::timedOut() const
+{
+    const std::lock_guard guard(lock);
+    return _timedOut;
+}
+
+std::optional<QString> ProcessHandle::launchError() const
+{
+    const std::lock_guard guard(lock);
+    return _launchError;
+}
+
+void ProcessHandle::cancel()
+{
+    process->terminate();
+}
+
+void ProcessHandle::setTimedOut()
+{
+    const std::lock_guard guard(lock);
+    _timedOut = true;
+}
+
+void ProcessHandle::setLaunchError(const QString &description)
+{
+    const std::lock_guard guard(lock);
+    _launchError = description;
+}

@@ -1,0 +1,54 @@
+#include "OrbCLI/Utf8Repair.h"
+
+#include <unicode/utf8.h>
+
+#include <cstdint>
+#include <cstring>
+
+namespace
+{
+
+/// The first place from `position` on that is not plain ASCII. Output of tools is mostly ASCII: this decides the speed.
+qsizetype skipAscii(const char *data, qsizetype position, qsizetype size)
+{
+    constexpr qsizetype stride = 32;
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    for (; position + stride <= size; position += stride) {
+        std::uint64_t words[4];
+        std::memcpy(words, data + position, stride);
+        if (((words[0] | words[1] | words[2] | words[3]) & highBits) != 0)
+            break;
+    }
+    while (position < size && static_cast<signed char>(data[position]) >= 0)
+        ++position;
+    return position;
+}
+
+} // namespace
+
+std::optional<QByteArray> repairedUtf8(QByteArrayView bytes)
+{
+    const char *data = bytes.data();
+    const qsizetype size = bytes.size();
+    std::optional<QByteArray> repaired;
+    qsizetype taken = 0; // what is before it stands in `repaired`
+    qsizetype position = skipAscii(data, 0, size);
+    while (position < size) {
+        const qsizetype start = position;
+        UChar32 character = 0;
+        U8_NEXT(reinterpret_cast<const std::uint8_t *>(data), position, size, character);
+        if (character < 0) {
+            if (!repaired) {
+                repaired.emplace();
+                repaired->reserve(size + size / 8);
+            }
+            repaired->append(data + taken, start - taken).append("\xEF\xBF\xBD", 3);
+            taken = position;
+        }
+        if (position < size && static_cast<signed char>(data[position]) >= 0)
+            position = skipAscii(data, position, size);
+    }
+    if (repaired)
+        repaired->append(data + taken, size - taken);
+    return repaired;
+}

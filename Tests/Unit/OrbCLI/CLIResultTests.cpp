@@ -1,0 +1,52 @@
+#include "OrbCLI/CLIResult.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+CLIResult withTexts(const QString &output, const QString &errors)
+{
+    CLIResult result;
+    result.status = 0;
+    result.stdout = output;
+    result.stderr = errors;
+    return result;
+}
+
+} // namespace
+
+TEST(CLIResult, CombinesBothTrimmedStreamsWithOneLineFeed)
+{
+    EXPECT_EQ(withTexts(u"  out\n"_s, u"\nerr  "_s).combined(), u"out\nerr"_s);
+}
+
+TEST(CLIResult, CombinesToTheOnlyStreamThatIsNotEmpty)
+{
+    EXPECT_EQ(withTexts(QString(), u" x "_s).combined(), u"x"_s);
+    EXPECT_EQ(withTexts(u"\r\nx\t"_s, u" \n"_s).combined(), u"x"_s);
+    EXPECT_EQ(withTexts(u"  "_s, u"\n"_s).combined(), QString());
+    EXPECT_EQ(CLIResult().combined(), QString());
+}
+
+TEST(CLIResult, TrimsUnicodeSpacesAndLineBreaksAtTheEdgesOnly)
+{
+    EXPECT_EQ(withTexts(u"\u2003\u00a0a \n b\u2028\u0085"_s, QString()).combined(), u"a \n b"_s);
+}
+
+TEST(CLIResult, SucceedsOnlyWhenStartedInTimeWithStatusZero)
+{
+    CLIResult result = withTexts(QString(), QString());
+    EXPECT_TRUE(result.succeeded());
+    result.timedOut = true;
+    EXPECT_FALSE(result.succeeded());
+    result = withTexts(QString(), QString());
+    result.launchError = u"refused"_s;
+    EXPECT_FALSE(result.succeeded());
+    result = withTexts(QString(), QString());
+    result.status = 1;
+    EXPECT_FALSE(result.succeeded());
+    EXPECT_FALSE(CLIResult().succeeded());
+}

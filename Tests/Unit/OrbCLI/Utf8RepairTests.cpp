@@ -1,0 +1,82 @@
+#include "OrbCLI/Utf8Repair.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace
+{
+
+std::string repaired(const std::string &bytes)
+{
+    const QByteArrayView view(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    const std::optional<QByteArray> text = repairedUtf8(view);
+    return text ? text->toStdString() : bytes;
+}
+
+bool isUntouched(const std::string &bytes)
+{
+    return !repairedUtf8(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size()))).has_value();
+}
+
+const std::string replacement = "\xEF\xBF\xBD";
+
+} // namespace
+
+TEST(Utf8Repair, LeavesValidTextUntouched)
+{
+    EXPECT_TRUE(isUntouched(""));
+    EXPECT_TRUE(isUntouched("plain"));
+    EXPECT_TRUE(isUntouched(std::string("nul\0inside", 10)));
+    EXPECT_TRUE(isUntouched("\u00e9 \u20ac \U0001F600 \u0080 \u07ff \u0800 \uffff \U0010ffff"));
+    EXPECT_TRUE(isUntouched(std::string(100000, 'x') + "\u00e9" + std::string(31, 'y')));
+}
+
+TEST(Utf8Repair, KeepsALeadingByteOrderMark)
+{
+    EXPECT_TRUE(isUntouched("\xEF\xBB\xBFtext"));
+    EXPECT_EQ(repaired("\xEF\xBB\xBF\xFF"), "\xEF\xBB\xBF" + replacement);
+}
+
+TEST(Utf8Repair, ReplacesACutCharacterOnceOnEachSide)
+{
+    EXPECT_EQ(repaired("a\xC3"), "a" + replacement);
+    EXPECT_EQ(repaired("\xA9z"), replacement + "z");
+    EXPECT_EQ(repaired("\xF0\x9F\x98"), replacement);
+    EXPECT_EQ(repaired("\x80"), replacement);
+}
+
+TEST(Utf8Repair, ReplacesEachLongestIllFormedPartOnce)
+{
+    EXPECT_EQ(repaired("\xE2\x82"
+                       "A"),
+              replacement + "A");
+    EXPECT_EQ(repaired("\xC0\xAF"), replacement + replacement);                                     // overlong
+    EXPECT_EQ(repaired("\xE0\x80\x80"), replacement + replacement + replacement);                   // overlong
+    EXPECT_EQ(repaired("\xED\xA0\x80"), replacement + replacement + replacement);                   // surrogate
+    EXPECT_EQ(repaired("\xF4\x90\x80\x80"), replacement + replacement + replacement + replacement); // past the end
+    EXPECT_EQ(repaired("\xF0\x90\x80\xC3\xA9"), replacement + "\xC3\xA9");
+    EXPECT_EQ(repaired("\xFE\xFF"), replacement + replacement);
+}
+
+TEST(Utf8Repair, FindsADefectAtEveryPlaceOfALongText)
+{
+    for (std::size_t place = 0; place < 200; ++place) {
+        std::string text(200, 'a');
+        text[place] = '\xFF';
+        std::string expected(200, 'a');
+        expected.replace(place, 1, replacement);
+        EXPECT_EQ(repaired(text), expected) << place;
+    }
+}
+
+TEST(Utf8Repair, MakesEveryPairOfBytesValid)
+{
+    for (int first = 0; first < 256; ++first)
+        for (int second = 0; second < 256; ++second) {
+            const std::string text = {static_cast<char>(first), static_cast<char>(second), 'x'};
+            const std::string result = repaired(text);
+            EXPECT_TRUE(isUntouched(result)) << first << ' ' << second;
+            EXPECT_EQ(result.back(), 'x');
+        }
+}
