@@ -1,15 +1,17 @@
-#include <QApplication>
-#include <QWidget>
+#include "App/MainWindow.h"
+#include "App/TidewellApp.h"
 
-#include <csignal>
+#include <QApplication>
+
+using namespace Qt::StringLiterals;
 
 int main(int argumentCount, char *arguments[])
 {
-    // Writing a script to a child that has already exited must be a write error, not this program's end.
-    std::signal(SIGPIPE, SIG_IGN);
     QApplication application(argumentCount, arguments);
-    QWidget window;
-    window.setMinimumSize(820, 640);
-    window.show();
+    QApplication::setApplicationName(u"Tidewell"_s);
+    QApplication::setOrganizationName(u"Tidewell"_s);
+    QApplication::setApplicationVersion(QStringLiteral(TIDEWELL_VERSION));
+    TidewellApp tidewell;
+    tidewell.window().show();
     return QApplication::exec();
 }

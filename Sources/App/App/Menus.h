@@ -1,0 +1,14 @@
+#pragma once
+
+class ContentView;
+class QMainWindow;
+class SetupController;
+
+namespace Menus
+{
+
+/// Gives the window its menu bar: File, Edit, View, Window and Help; on macOS the system adds the application's own
+/// menu with About and Quit, elsewhere those are under Help and File.
+void add(QMainWindow &window, ContentView &content, SetupController &setup);
+
+} // namespace Menus

@@ -1,0 +1,94 @@
+#include "App/QuitGuard.h"
+
+#include "ContentView/Alert.h"
+#include "RunController/RunController.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QSessionManager>
+
+using namespace Qt::StringLiterals;
+
+QuitGuard::QuitGuard(RunController &run, QWidget &window, Closing closing)
+    : m_run(run),
+      m_window(window),
+      m_closing(closing)
+{
+    qApp->installEventFilter(this);
+    QApplication::setQuitOnLastWindowClosed(closing == Closing::quits);
+    connect(&run, &RunController::isRunningChanged, this, &QuitGuard::runEnded);
+    connect(
+        qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager &manager) { guardSessionEnd(manager); },
+        Qt::DirectConnection);
+}
+
+QuitGuard::Closing QuitGuard::platformClosing()
+{
+#ifdef Q_OS_MACOS
+    return Closing::hides;
+#else
+    return Closing::quits;
+#endif
+}
+
+bool QuitGuard::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isQuitting = watched == qApp && event->type() == QEvent::Quit;
+    const bool isClosing = watched == &m_window && event->type() == QEvent::Close && m_closing == Closing::quits;
+    if ((isQuitting || isClosing) && !mayQuit()) {
+        event->ignore();
+        return true;
+    }
+    const bool isActivated = watched == qApp && event->type() == QEvent::ApplicationActivate;
+    if (isActivated && m_closing == Closing::hides && !m_window.isVisible())
+        showWindow();
+    return false;
+}
+
+bool QuitGuard::mayQuit()
+{
+    if (!m_run.isRunning())
+        return true;
+    if (!m_question || !m_question->isVisible())
+        ask();
+    return false;
+}
+
+void QuitGuard::ask()
+{
+    showWindow();
+    m_question = Alert::open(&m_window, u"A run is in progress."_s, {}, u"Stop it and quit"_s, u"Keep running"_s,
+                             [this] { stopAndQuit(); });
+}
+
+void QuitGuard::stopAndQuit()
+{
+    m_quitsAfterRun = true;
+    if (m_run.isRunning())
+        m_run.stop();
+    else
+        runEnded();
+}
+
+void QuitGuard::runEnded()
+{
+    // Queued: the run has still to return from its last step.
+    if (m_quitsAfterRun && !m_run.isRunning())
+        QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+void QuitGuard::showWindow()
+{
+    m_window.show();
+    m_window.raise();
+    m_window.activateWindow();
+}
+
+void QuitGuard::guardSessionEnd(QSessionManager &manager)
+{
+    if (!m_run.isRunning() || !manager.allowsInteraction())
+        return;
+    manager.cancel();
+    manager.release();
+    mayQuit();
+}

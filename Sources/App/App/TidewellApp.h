@@ -1,0 +1,46 @@
+#pragma once
+
+// The application: its five shared controllers, its one window, and how both end.
+
+#include "App/QuitGuard.h"
+#include "ContainerStore/ContainerStore.h"
+#include "ContentView/Controllers.h"
+#include "HistoryStore/HistoryStore.h"
+#include "MachineStore/MachineStore.h"
+#include "RunController/RunController.h"
+#include "SetupController/SetupController.h"
+
+#include <memory>
+
+class MainWindow;
+
+/// Ignores the broken-pipe signal for the whole process before anything else.
+class IgnoredBrokenPipe
+{
+public:
+    IgnoredBrokenPipe();
+};
+
+class TidewellApp
+{
+public:
+    /// Creates everything and shows nothing. There must be a QApplication; `closing` is the platform's habit.
+    explicit TidewellApp(QuitGuard::Closing closing = QuitGuard::platformClosing());
+    ~TidewellApp();
+
+    TidewellApp(const TidewellApp &) = delete;
+    TidewellApp &operator=(const TidewellApp &) = delete;
+
+    Controllers controllers();
+    MainWindow &window() { return *m_window; }
+
+private:
+    const IgnoredBrokenPipe m_ignoredBrokenPipe;
+    SetupController m_setup;
+    MachineStore m_machines;
+    RunController m_run;
+    HistoryStore m_history;
+    ContainerStore m_containers;
+    std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<QuitGuard> m_quitGuard;
+};
