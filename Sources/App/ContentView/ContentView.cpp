@@ -76,11 +76,14 @@ ContentView::ContentView(const Controllers &controllers, QWidget *parent, std::c
     m_screen->setFocusPolicy(Qt::NoFocus);
     layout->addWidget(m_screen, 1);
     showScreen();
-    if (m_screen->widget()->focusProxy() != nullptr)
-        m_screen->widget()->setFocus();
+    focusScreen();
 
-    connect(m_selector, &QTabBar::currentChanged, this,
-            [this](int index) { setTab(allAppTabs.at(static_cast<std::size_t>(index))); });
+    connect(m_selector, &QTabBar::currentChanged, this, [this](int index) {
+        changeTo(allAppTabs.at(static_cast<std::size_t>(index)));
+        // Who walks along the tabs by keyboard stays there.
+        if (!m_selector->hasFocus())
+            focusScreen();
+    });
 
     m_sleep.setSingleShot(true);
     m_sleep.setTimerType(Qt::PreciseTimer);
@@ -100,12 +103,8 @@ ContentView::ContentView(const Controllers &controllers, QWidget *parent, std::c
 
 void ContentView::setTab(AppTab tab)
 {
-    if (tab == m_tab)
-        return;
-    m_tab = tab;
     m_selector->setCurrentIndex(static_cast<int>(tab));
-    showScreen();
-    Q_EMIT tabChanged(tab);
+    focusScreen();
 }
 
 void ContentView::showEvent(QShowEvent *event)
@@ -143,10 +142,18 @@ QWidget *ContentView::makeScreen()
     Q_UNREACHABLE();
 }
 
+void ContentView::changeTo(AppTab tab)
+{
+    if (tab == m_tab)
+        return;
+    m_tab = tab;
+    showScreen();
+    Q_EMIT tabChanged(tab);
+}
+
 void ContentView::showScreen()
 {
     QWidget *before = m_screen->takeWidget();
-    const bool hadFocus = before != nullptr && before->isAncestorOf(window()->focusWidget());
     // Deleted later, because the change of tabs may have begun with one of its own buttons.
     if (before != nullptr)
         before->deleteLater();
@@ -155,8 +162,12 @@ void ContentView::showScreen()
     screen->layout()->setContentsMargins(12, 12, 12, 12);
     screen->setAutoFillBackground(false);
     m_screen->setWidget(screen);
-    if (hadFocus)
-        (screen->focusProxy() != nullptr ? screen : m_selector)->setFocus();
+}
+
+void ContentView::focusScreen()
+{
+    QWidget *screen = m_screen->widget();
+    (screen->focusProxy() != nullptr ? screen : m_selector)->setFocus();
 }
 
 QCoro::Task<> ContentView::poll(int appearance)

@@ -42,7 +42,9 @@ protected:
 
 private:
     QWidget *makeScreen();
+    void changeTo(AppTab tab);
     void showScreen();
+    void focusScreen();
     QCoro::Task<> poll(int appearance);
 
     const Controllers m_controllers;

@@ -16,8 +16,7 @@ icu::Locale localeNamed(const QByteArray &name)
 {
     if (name.isEmpty() || name == "C" || name.startsWith("C.") || name == "POSIX")
         return icu::Locale::getUS();
-    const icu::Locale locale = icu::Locale::createCanonical(name.constData());
-    return locale.isBogus() ? icu::Locale::getUS() : locale;
+    return icu::Locale::createCanonical(name.constData());
 }
 
 } // namespace

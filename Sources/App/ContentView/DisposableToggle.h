@@ -1,8 +1,7 @@
 #pragma once
 
 // The toggle of disposable mode. The first time ever that the user turns it on it asks whether that is meant, and stays
-// off until the answer is yes; the consent is remembered in the user's preferences ("disposableConfirmed"). Whoever
-// follows `toggled` asks `isChecked()`: the box may have gone back meanwhile.
+// off until the answer is yes; the consent is remembered in the user's preferences ("disposableConfirmed").
 
 #include <QCheckBox>
 #include <QPointer>
@@ -16,9 +15,12 @@ class DisposableToggle : public QCheckBox
 public:
     explicit DisposableToggle(QWidget *parent = nullptr);
 
+protected:
+    void nextCheckState() override;
+
 private:
     void ask();
 
-    /// The alert while it shows.
+    /// The last alert; it goes after it was closed.
     QPointer<QMessageBox> m_alert;
 };

@@ -32,7 +32,7 @@ FolderPicker::FolderPicker(QWidget *parent) : QWidget(parent)
 
 void FolderPicker::chooseFolder()
 {
-    if (m_dialog)
+    if (m_dialog && m_dialog->isVisible())
         return;
     m_dialog = new QFileDialog(this, u"Share a folder"_s, m_folder.value_or(QDir::homePath()));
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);

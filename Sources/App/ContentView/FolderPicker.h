@@ -33,6 +33,6 @@ private:
     QPushButton *m_share;
     PlainLabel *m_path;
     QPushButton *m_clear;
-    /// The dialog while it shows.
+    /// The last dialog; it goes after it was closed.
     QPointer<QFileDialog> m_dialog;
 };

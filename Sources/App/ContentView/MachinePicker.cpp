@@ -3,7 +3,6 @@
 #include "ContentView/VisibleText.h"
 
 #include <QSignalBlocker>
-#include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
 
@@ -22,7 +21,7 @@ QString shown(const QString &name)
 
 } // namespace
 
-MachinePicker::MachinePicker(QWidget *parent) : QComboBox(parent)
+MachinePicker::MachinePicker(QWidget *parent) : Picker(u"Machine"_s, parent)
 {
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(16);
@@ -32,16 +31,14 @@ MachinePicker::MachinePicker(QWidget *parent) : QComboBox(parent)
 
 void MachinePicker::showMachines(const QList<Machine> &machines, const QString &selected)
 {
-    QStringList names;
-    names.reserve(std::max<qsizetype>(1, machines.size()));
+    QVariantList names;
     for (const Machine &machine : machines)
         names.append(machine.name);
-    // The entry "No machines" stands for the empty name.
     if (names.isEmpty())
-        names.append(QString());
+        names.append(QVariant());
     const QSignalBlocker notByUser(this);
-    showNames(names);
-    const int index = static_cast<int>(names.indexOf(selected));
+    showEntries(names);
+    const int index = machines.isEmpty() ? 0 : static_cast<int>(names.indexOf(selected));
     if (index != currentIndex())
         setCurrentIndex(index);
 }
@@ -51,24 +48,19 @@ QSize MachinePicker::minimumSizeHint() const
     return {80, QComboBox::minimumSizeHint().height()};
 }
 
-void MachinePicker::wheelEvent(QWheelEvent *event)
-{
-    event->ignore();
-}
-
-void MachinePicker::showNames(const QStringList &names)
+void MachinePicker::showEntries(const QVariantList &names)
 {
     // What the old and the new list have in common at both ends stays as it is.
     int start = 0;
-    while (start < count() && start < names.size() && itemData(start).toString() == names[start])
+    while (start < count() && start < names.size() && itemData(start) == names[start])
         ++start;
     int end = 0;
     while (end < count() - start && end < names.size() - start &&
-           itemData(count() - 1 - end).toString() == names[names.size() - 1 - end])
+           itemData(count() - 1 - end) == names[names.size() - 1 - end])
         ++end;
     const int surplus = count() - start - end;
     if (surplus > 0)
         model()->removeRows(start, surplus);
     for (int index = start; index < names.size() - end; ++index)
-        insertItem(index, names[index].isEmpty() ? u"No machines"_s : shown(names[index]), names[index]);
+        insertItem(index, names[index].isValid() ? shown(names[index].toString()) : u"No machines"_s, names[index]);
 }

@@ -3,12 +3,13 @@
 // Chooses one of the store's machines by name. A refreshed list changes only what differs, so an open list stays open
 // and the choice stays chosen.
 
+#include "ContentView/Picker.h"
 #include "MachineStore/Machine.h"
 
-#include <QComboBox>
 #include <QList>
+#include <QVariant>
 
-class MachinePicker : public QComboBox
+class MachinePicker : public Picker
 {
     Q_OBJECT
 
@@ -20,14 +21,11 @@ public:
 
     QSize minimumSizeHint() const override;
 
-protected:
-    /// Scrolling the screen must not choose another machine by the way.
-    void wheelEvent(QWheelEvent *event) override;
-
 Q_SIGNALS:
     /// The user chose a machine.
     void chosen(const QString &name);
 
 private:
-    void showNames(const QStringList &names);
+    /// Makes these the entries; the empty value stands for "No machines".
+    void showEntries(const QVariantList &names);
 };

@@ -5,6 +5,7 @@
 #include "ContentView/DisposableToggle.h"
 #include "ContentView/FolderPicker.h"
 #include "ContentView/MachinePicker.h"
+#include "ContentView/Picker.h"
 #include "ContentView/PlainLabel.h"
 #include "ContentView/RunStatus.h"
 #include "ContentView/ScriptEditor.h"
@@ -98,7 +99,6 @@ QLayout *RunView::makeMachineSection()
     m_machineLabel =
         new PlainLabel(u"Machine"_s, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd, labelled);
     m_machine = new MachinePicker(labelled);
-    m_machine->setAccessibleName(u"Machine"_s);
     m_machineLabel->setBuddy(m_machine);
     auto *labelledRow = new QHBoxLayout(labelled);
     labelledRow->setContentsMargins(0, 0, 0, 0);
@@ -106,8 +106,7 @@ QLayout *RunView::makeMachineSection()
     labelledRow->addWidget(m_machine, 1);
 
     m_disposable = new DisposableToggle(this);
-    m_distribution = new QComboBox(this);
-    m_distribution->setAccessibleName(u"Distribution"_s);
+    m_distribution = new Picker(u"Distribution"_s, this);
     m_distribution->setFixedWidth(100);
     for (const Distro distro : allDistros)
         m_distribution->addItem(rawValue(distro));

@@ -13,9 +13,9 @@
 class DisposableToggle;
 class FolderPicker;
 class MachinePicker;
+class Picker;
 class PlainLabel;
 class QCheckBox;
-class QComboBox;
 class QLabel;
 class QLayout;
 class QLineEdit;
@@ -57,7 +57,7 @@ private:
     QLabel *m_machineLabel = nullptr;
     MachinePicker *m_machine = nullptr;
     DisposableToggle *m_disposable = nullptr;
-    QComboBox *m_distribution = nullptr;
+    Picker *m_distribution = nullptr;
     PlainLabel *m_disposableCaption = nullptr;
     FolderPicker *m_folder = nullptr;
     PlainLabel *m_folderWarning = nullptr;

@@ -26,6 +26,7 @@ QColor filling(StatusDot::Colour colour)
 
 StatusDot::StatusDot(int diameter, QWidget *parent) : QLabel(parent)
 {
+    setTextFormat(Qt::PlainText);
     setFixedSize(diameter, diameter);
 }
 

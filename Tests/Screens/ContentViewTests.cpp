@@ -1,0 +1,263 @@
+#include "ContentView/RunView.h"
+#include "Screens/TestWindow.h"
+
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QSignalSpy>
+#include <QTabBar>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace
+{
+
+const auto list = u"<list><-f><json>"_s;
+const auto status = u"<status>"_s;
+
+qsizetype containerLists(TestWindow &window)
+{
+    return window.orbStack.tools().calls(u"docker"_s).size();
+}
+
+QTabBar *tabs(const ContentView &content)
+{
+    return content.findChild<QTabBar *>();
+}
+
+} // namespace
+
+TEST(AppTab, IsItsLabelAndNothingElse)
+{
+    QStringList labels;
+    for (const AppTab tab : allAppTabs) {
+        labels.append(rawValue(tab));
+        EXPECT_EQ(appTabFromRawValue(rawValue(tab)), tab);
+    }
+    EXPECT_EQ(labels, QStringList({u"Run"_s, u"Machines"_s, u"History"_s, u"Containers"_s}));
+    EXPECT_EQ(appTabFromRawValue(u"run"_s), std::nullopt);
+    EXPECT_EQ(appTabFromRawValue(QString()), std::nullopt);
+}
+
+TEST(ContentView, OpensOnTheRunTabWithTheScriptReadyToBeTyped)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    EXPECT_EQ(content.tab(), AppTab::run);
+    EXPECT_NE(content.findChild<RunView *>(), nullptr);
+    EXPECT_EQ(ByName::nameOf(content.focusWidget()), u"Script"_s);
+}
+
+TEST(ContentView, CannotBecomeSmallerThan820By640)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    content.resize(100, 100);
+    EXPECT_EQ(content.size(), QSize(820, 640));
+    content.resize(1600, 1000);
+    EXPECT_EQ(content.size(), QSize(1600, 1000));
+}
+
+TEST(ContentView, NamesItsTabsForAssistiveTechnology)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    QAccessibleInterface *bar = QAccessible::queryAccessibleInterface(tabs(content));
+    ASSERT_NE(bar, nullptr);
+    EXPECT_EQ(bar->role(), QAccessible::PageTabList);
+    QStringList names;
+    for (int index = 0; index < bar->childCount(); ++index) {
+        if (bar->child(index)->role() == QAccessible::PageTab)
+            names.append(bar->child(index)->text(QAccessible::Name));
+    }
+    EXPECT_EQ(names, QStringList({u"Run"_s, u"Machines"_s, u"History"_s, u"Containers"_s}));
+    bar->child(2)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(content.tab(), AppTab::history);
+}
+
+TEST(ContentView, ChangesTabsByKeyboardAndByMouse)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    tabs(content)->setFocus();
+    QTest::keyClick(tabs(content), Qt::Key_Right);
+    EXPECT_EQ(content.tab(), AppTab::machines);
+    EXPECT_TRUE(tabs(content)->hasFocus());
+    QTest::mouseClick(tabs(content), Qt::LeftButton, {}, tabs(content)->tabRect(3).center());
+    EXPECT_EQ(content.tab(), AppTab::containers);
+    QTest::keyClick(tabs(content), Qt::Key_Left);
+    EXPECT_EQ(content.tab(), AppTab::history);
+}
+
+TEST(ContentView, BuildsTheSelectedScreenFreshAndNoOther)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    window.run.setScript(u"uptime"_s);
+    ByName::find<QLineEdit>(content, u"Packages, e.g. git curl"_s)->setText(u"git"_s);
+    content.setTab(AppTab::machines);
+    EXPECT_EQ(content.findChild<RunView *>(), nullptr);
+    content.setTab(AppTab::run);
+    EXPECT_EQ(ByName::find<QLineEdit>(content, u"Packages, e.g. git curl"_s)->text(), QString());
+    EXPECT_EQ(ByName::find<QPlainTextEdit>(content, u"Script"_s)->toPlainText(), u"uptime"_s);
+}
+
+TEST(ContentView, SurvivesATabChangeThatOneOfTheScreensOwnButtonsMakes)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    auto *clear = ByName::find<QAbstractButton>(content, u"Clear"_s, u"Clear the output"_s);
+    clear->setFocus();
+    QObject::connect(clear, &QAbstractButton::clicked, &content, [&content] { content.setTab(AppTab::history); });
+    ByName::press(content, u"Clear"_s);
+    EXPECT_EQ(content.tab(), AppTab::history);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_NE(content.focusWidget(), nullptr);
+}
+
+TEST(ContentView, ListsMachinesThenContainersWhenOrbStackRuns)
+{
+    TestWindow window;
+    QStringList order;
+    QObject::connect(&window.setup, &SetupController::stateChanged, [&order] { order.append(u"state"_s); });
+    QObject::connect(&window.machines, &MachineStore::machinesChanged, [&order] { order.append(u"machines"_s); });
+    window.showRunning({u"box"_s});
+    EXPECT_EQ(order, QStringList({u"state"_s, u"machines"_s}));
+    EXPECT_TRUE(waitUntil([&] { return containerLists(window) >= 1; }));
+}
+
+TEST(ContentView, AsksOnlyForTheStateWhileOrbStackIsStopped)
+{
+    TestWindow window;
+    window.show(20ms);
+    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(status) >= 4; }));
+    EXPECT_EQ(window.orbStack.calls(list), 0);
+    EXPECT_EQ(containerLists(window), 0);
+}
+
+TEST(ContentView, AsksForNothingWhenOrbIsMissing)
+{
+    TestWindow window;
+    window.orbStack.tools().removeTool(u"orb"_s);
+    window.show(1ms);
+    EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::notInstalled; }));
+    window.orbStack.tools().addTool(u"orb"_s, u"echo Stopped"_s);
+    EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
+    EXPECT_EQ(containerLists(window), 0);
+}
+
+TEST(ContentView, RepeatsTheWholeRoundAfterEachSleep)
+{
+    TestWindow window;
+    window.orbStack.setRunning(true);
+    window.show(20ms);
+    EXPECT_TRUE(waitUntil([&] {
+        return window.orbStack.calls(status) >= 3 && window.orbStack.calls(list) >= 3 && containerLists(window) >= 3;
+    }));
+}
+
+TEST(ContentView, SleepsSixSecondsBetweenTwoRounds)
+{
+    TestWindow window;
+    ContentView content(window.controllers());
+    EXPECT_TRUE(waitUntil([] { return true; }));
+    const auto *sleep = content.findChild<QTimer *>();
+    (void)sleep;
+    content.show();
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(status) == 2; }));
+    const auto waited = std::chrono::steady_clock::now() - before;
+    EXPECT_GE(waited, 6s);
+    EXPECT_LT(waited, 7500ms);
+}
+
+TEST(ContentView, ListsAtOnceWhenOrbStackComesUp)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    ASSERT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
+    window.orbStack.setMachines({u"box"_s});
+    ByName::press(content, u"Start"_s, u"Start OrbStack"_s);
+    EXPECT_TRUE(waitUntil([&] { return window.machines.machines().size() == 1 && containerLists(window) == 1; }));
+    ByName::press(content, u"Stop"_s, u"Stop OrbStack"_s);
+    EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped && !window.setup.busy(); }));
+    EXPECT_EQ(window.orbStack.calls(list), 1);
+}
+
+TEST(ContentView, ListsTheMachinesAloneWhenARunEnds)
+{
+    TestWindow window;
+    window.showRunning({u"box"_s});
+    ASSERT_TRUE(waitUntil([&] { return containerLists(window) == 2; }));
+    const auto lists = window.orbStack.calls(list);
+    window.run.setScript(u"true"_s);
+    ByName::press(window.content(), u"Run"_s);
+    EXPECT_EQ(window.orbStack.calls(list), lists);
+    EXPECT_TRUE(waitUntil([&] { return !window.run.isRunning(); }));
+    window.orbStack.setMachines({});
+    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(list) == lists + 1; }));
+    EXPECT_EQ(containerLists(window), 2);
+}
+
+TEST(ContentView, StopsAskingWhileItIsHiddenAndAsksAtOnceWhenShownAgain)
+{
+    TestWindow window;
+    ContentView &content = window.show(1ms);
+    ASSERT_TRUE(waitUntil([&] { return window.orbStack.calls(status) >= 2; }));
+    content.hide();
+    // A round under way ends; a marker run afterwards proves that no other began.
+    EXPECT_TRUE(waitFor(window.setup.refresh()));
+    const auto asked = window.orbStack.calls(status);
+    EXPECT_TRUE(waitFor(window.setup.refresh()));
+    EXPECT_TRUE(waitFor(window.setup.refresh()));
+    EXPECT_EQ(window.orbStack.calls(status), asked + 2);
+    content.show();
+    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(status) >= asked + 4; }));
+}
+
+TEST(ContentView, MayBeDestroyedInTheMiddleOfARound)
+{
+    TestWindow window;
+    window.orbStack.tools().addTool(u"orb"_s, u"sleep 0.05; echo Running"_s);
+    window.show(1ms);
+    ASSERT_TRUE(waitUntil([&] { return window.orbStack.calls(status) == 1; }));
+    window.close();
+    EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::running; }));
+    EXPECT_TRUE(waitUntil([&] { return containerLists(window) == 1; }));
+}
+
+TEST(ContentView, ReadsFromTopToBottomWithTheTabKey)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({u"box"_s});
+    window.run.setScript(u"true"_s);
+    ByName::find<QLineEdit>(content, u"Packages, e.g. git curl"_s)->setText(u"git"_s);
+    ByName::find<QAbstractButton>(content, u"Stop"_s, u"Stop OrbStack"_s)->setFocus();
+    QStringList order;
+    for (int step = 0; step < 13; ++step) {
+        order.append(ByName::nameOf(content.focusWidget()));
+        QTest::keyClick(content.focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_EQ(order, QStringList({u"Stop"_s, u"Run"_s, u"Script"_s, u"Machine"_s, u"Disposable mode"_s,
+                                  u"Share a folder…"_s, u"10 minute time limit"_s, u"Packages, e.g. git curl"_s,
+                                  u"Install packages"_s, u"Run"_s, u"Copy output"_s, u"Clear"_s, u"Stop"_s}));
+}
+
+TEST(ContentView, FitsItsSmallestSizeByScrollingTheScreen)
+{
+    TestWindow window;
+    TestTools &tools = window.orbStack.tools();
+    tools.addTool(u"orb"_s, u"[ $1 = start ] && seq 500 && exec sleep 60; echo Stopped"_s);
+    ContentView &content = window.show();
+    content.resize(820, 640);
+    ASSERT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
+    ByName::press(content, u"Start"_s, u"Start OrbStack"_s);
+    ASSERT_TRUE(waitUntil([&] { return ByName::shows(content, u"Setup log"_s); }));
+    EXPECT_EQ(content.size(), QSize(820, 640));
+    EXPECT_LE(content.findChild<RunView *>()->width(), 820);
+    EXPECT_GE(ByName::find<QWidget>(content, u"Output"_s)->height(), 1);
+    // Nothing overlaps: the header and the screen share the height.
+    EXPECT_GE(content.findChild<QScrollArea *>()->y(),
+              ByName::find<QWidget>(content, u"Setup log"_s)->geometry().bottom());
+}

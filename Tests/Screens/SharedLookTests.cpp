@@ -1,0 +1,258 @@
+#include "ContentView/Colours.h"
+#include "ContentView/LogBox.h"
+#include "ContentView/NoteText.h"
+#include "ContentView/PlainLabel.h"
+#include "ContentView/StatusDot.h"
+#include "ContentView/Typography.h"
+#include "ContentView/VisibleText.h"
+#include "Screens/ByName.h"
+#include "Support/Waiting.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QElapsedTimer>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+QPalette darkPalette()
+{
+    QPalette palette;
+    palette.setColor(QPalette::Window, QColor::fromRgb(0x202020));
+    palette.setColor(QPalette::WindowText, Qt::white);
+    palette.setColor(QPalette::Base, QColor::fromRgb(0x181818));
+    palette.setColor(QPalette::Text, Qt::white);
+    return palette;
+}
+
+QString selectAllAndCopy(QPlainTextEdit &box)
+{
+    box.selectAll();
+    box.copy();
+    return QGuiApplication::clipboard()->text();
+}
+
+} // namespace
+
+TEST(Typography, OrdersItsSizesAsMacOSDoes)
+{
+    const auto pixels = [](const QFont &font) { return QFontInfo(font).pixelSize(); };
+    EXPECT_EQ(pixels(Typography::headline()), pixels(Typography::body()));
+    EXPECT_TRUE(Typography::headline().bold());
+    EXPECT_LT(pixels(Typography::callout()), pixels(Typography::body()));
+    EXPECT_LT(pixels(Typography::caption()), pixels(Typography::callout()));
+    EXPECT_LE(pixels(Typography::smallestCaption()), pixels(Typography::caption()));
+    EXPECT_EQ(pixels(Typography::monospaced(11)), 11);
+    EXPECT_TRUE(QFontInfo(Typography::monospaced(13)).fixedPitch());
+}
+
+TEST(VisibleText, WritesOutWhatHasNoShape)
+{
+    EXPECT_EQ(VisibleText::oneLine(u"a\u202eb\u200bc\x1b[0m"_s), u"a⟨U+202E⟩b⟨U+200B⟩c⟨U+001B⟩[0m"_s);
+    EXPECT_EQ(VisibleText::oneLine(u"one\ntwo\tthree"_s), u"one two three"_s);
+    EXPECT_EQ(VisibleText::oneLine(u"héllo 日本 😀"_s), u"héllo 日本 😀"_s);
+}
+
+TEST(VisibleText, GivesToolTipsNoMarkup)
+{
+    EXPECT_EQ(VisibleText::toolTip(u"<b>&"_s), u"<span>&lt;b&gt;&amp;</span>"_s);
+    EXPECT_LT(VisibleText::toolTip(QString(100000, u'x')).size(), 1100);
+}
+
+TEST(PlainLabel, NeverReadsMarkup)
+{
+    const PlainLabel label(u"<b>bold</b>"_s, Typography::body(), Colours::primary, PlainLabel::Fit::wrap);
+    EXPECT_EQ(label.textFormat(), Qt::PlainText);
+    EXPECT_EQ(ByName::nameOf(&label), u"<b>bold</b>"_s);
+}
+
+TEST(PlainLabel, NeverWidensItsWindow)
+{
+    for (const auto fit : {PlainLabel::Fit::wrap, PlainLabel::Fit::elideEnd, PlainLabel::Fit::elideMiddle}) {
+        for (const QString &text : {QString(1000000, u'x'), u"word "_s.repeated(200000)}) {
+            QWidget window;
+            QVBoxLayout layout(&window);
+            auto *label = new PlainLabel(text, Typography::body(), Colours::primary, fit, &window);
+            layout.addWidget(label);
+            window.resize(300, 200);
+            window.show();
+            EXPECT_EQ(window.width(), 300);
+            EXPECT_LE(label->width(), 300);
+        }
+    }
+}
+
+TEST(PlainLabel, ShowsAShortTextWholeAndALongOneCut)
+{
+    PlainLabel label(u"short"_s, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd);
+    EXPECT_GE(label.sizeHint().width(), label.fontMetrics().horizontalAdvance(u"short"_s));
+    PlainLabel path(u"/first/"_s + QString(5000, u'x') + u"/last"_s, Typography::body(), Colours::primary,
+                    PlainLabel::Fit::elideMiddle);
+    EXPECT_TRUE(path.text().startsWith(u"/first/"_s));
+    EXPECT_TRUE(path.text().endsWith(u"/last"_s));
+    EXPECT_LT(path.text().size(), 1100);
+}
+
+TEST(PlainLabel, FollowsASwitchOfLightAndDark)
+{
+    QWidget window;
+    PlainLabel label(u"x"_s, Typography::body(), Colours::red, PlainLabel::Fit::wrap, &window);
+    EXPECT_EQ(label.palette().color(QPalette::WindowText), Colours::red(window.palette()));
+    window.setPalette(darkPalette());
+    EXPECT_EQ(label.palette().color(QPalette::WindowText), Colours::red(darkPalette()));
+    EXPECT_NE(Colours::red(darkPalette()), Colours::red(QPalette(Qt::white)));
+}
+
+TEST(StatusDot, SaysItsStateInWords)
+{
+    StatusDot dot(12);
+    dot.setState(StatusDot::Colour::green, u"OrbStack running"_s);
+    EXPECT_EQ(ByName::nameOf(&dot), u"OrbStack running"_s);
+    EXPECT_EQ(dot.size(), QSize(12, 12));
+    const QImage picture = dot.grab().toImage();
+    const QColor middle = picture.pixelColor(picture.width() / 2, picture.height() / 2);
+    EXPECT_GT(middle.green(), middle.red());
+    EXPECT_GT(middle.green(), middle.blue());
+}
+
+TEST(LogBox, ShowsAGrowingTextOncePerFrameAndFollowsItsEnd)
+{
+    QString text = u"start\n"_s;
+    int asked = 0;
+    LogBox box(u"Log"_s, 90, [&] {
+        ++asked;
+        return text;
+    });
+    box.resize(400, 90);
+    box.show();
+    EXPECT_EQ(box.shownText(), u"start\n"_s);
+    EXPECT_EQ(asked, 1);
+    for (int line = 0; line < 1000; ++line) {
+        text += u"line %1\n"_s.arg(line);
+        box.reload();
+    }
+    EXPECT_EQ(asked, 1);
+    EXPECT_TRUE(waitUntil([&] { return box.shownText() == text; }));
+    EXPECT_EQ(asked, 2);
+    EXPECT_GT(box.verticalScrollBar()->maximum(), 0);
+    EXPECT_EQ(box.verticalScrollBar()->value(), box.verticalScrollBar()->maximum());
+}
+
+TEST(LogBox, KeepsSelectionAndPlaceWhileItGrows)
+{
+    QString text = u"line\n"_s.repeated(500);
+    LogBox box(u"Log"_s, 90, [&] { return text; });
+    box.resize(400, 90);
+    box.show();
+    box.moveCursor(QTextCursor::Start);
+    box.moveCursor(QTextCursor::EndOfLine, QTextCursor::KeepAnchor);
+    box.verticalScrollBar()->setValue(3);
+    text += u"more\n"_s;
+    box.reload();
+    EXPECT_TRUE(waitUntil([&] { return box.shownText() == text; }));
+    EXPECT_EQ(box.textCursor().selectedText(), u"line"_s);
+    EXPECT_EQ(box.verticalScrollBar()->value(), 3);
+}
+
+TEST(LogBox, ShowsATextThatLostItsFront)
+{
+    QString text = u"old\n"_s.repeated(100);
+    LogBox box(u"Log"_s, 90, [&] { return text; });
+    text = text.sliced(40) + u"new\n"_s;
+    box.reload();
+    EXPECT_TRUE(waitUntil([&] { return box.shownText() == text; }));
+    EXPECT_EQ(box.toPlainText(), text);
+}
+
+TEST(LogBox, IsHiddenWhileEmptyWhereAsked)
+{
+    QWidget window;
+    QString text;
+    LogBox box(u"Log"_s, 90, [&] { return text; }, &window);
+    window.show();
+    EXPECT_TRUE(box.isVisible());
+    box.hideWhileEmpty();
+    EXPECT_FALSE(box.isVisible());
+    text = u"x"_s;
+    box.reload();
+    EXPECT_TRUE(waitUntil([&] { return box.isVisible(); }));
+}
+
+TEST(PlainTextBox, CopiesALineOfAnyLengthAsOne)
+{
+    const QString text = QString(9001, u'x') + u"\n<b>second</b>\n\n"_s + u"😀"_s.repeated(3000);
+    LogBox box(u"Log"_s, 90, [&] { return text; });
+    EXPECT_EQ(selectAllAndCopy(box), text);
+    EXPECT_GT(box.blockCount(), 6);
+    QTextCursor part = box.textCursor();
+    part.setPosition(1990);
+    part.setPosition(2021, QTextCursor::KeepAnchor);
+    box.setTextCursor(part);
+    box.copy();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QString(30, u'x'));
+}
+
+TEST(PlainTextBox, GrowsWithinALongLineAndAcrossItsEnds)
+{
+    QString text;
+    LogBox box(u"Log"_s, 90, [&] { return text; });
+    for (const QString &piece : {QString(1500, u'a'), QString(1500, u'b'), u"\r"_s, u"\nc\r"_s, u"d"_s}) {
+        text += piece;
+        box.showText(text);
+    }
+    EXPECT_EQ(selectAllAndCopy(box), QString(1500, u'a') + QString(1500, u'b') + u"\nc\nd"_s);
+}
+
+TEST(PlainTextBox, TakesTwoHundredThousandCharactersInOneLine)
+{
+    const QString text(200000, u'x');
+    LogBox box(u"Log"_s, 90, [] { return QString(); });
+    box.resize(600, 90);
+    box.show();
+    QElapsedTimer timer;
+    timer.start();
+    box.showText(text);
+    QCoreApplication::processEvents();
+    // Generous; it takes about 40 ms.
+    EXPECT_LT(timer.elapsed(), 2000);
+    EXPECT_EQ(box.shownText(), text);
+}
+
+TEST(NoteText, IsAsHighAsItsTextUpToSixLines)
+{
+    QWidget window;
+    window.resize(400, 400);
+    QVBoxLayout layout(&window);
+    auto *note = new NoteText(Typography::callout(), Colours::secondary, &window);
+    layout.addWidget(note);
+    layout.addStretch();
+    window.show();
+    const int line = note->fontMetrics().lineSpacing();
+    note->setText(u"one"_s);
+    EXPECT_NEAR(note->height(), line, 2);
+    note->setText(u"one\ntwo"_s);
+    EXPECT_NEAR(note->height(), 2 * line, 2);
+    note->setText(u"many\n"_s.repeated(100000));
+    EXPECT_NEAR(note->height(), 6 * line, 2);
+    EXPECT_EQ(note->verticalScrollBar()->value(), 0);
+    EXPECT_EQ(note->focusPolicy(), Qt::StrongFocus);
+    note->setText(QString(1000000, u'x'));
+    EXPECT_EQ(window.width(), 400);
+    EXPECT_NEAR(note->height(), 6 * line, 2);
+    note->setText(u"<b>one</b>"_s);
+    EXPECT_EQ(ByName::nameOf(note), u"<b>one</b>"_s);
+    EXPECT_EQ(note->toPlainText(), u"<b>one</b>"_s);
+    EXPECT_NEAR(note->height(), line, 2);
+}
+
+TEST(NoteText, FollowsASwitchOfLightAndDark)
+{
+    QWidget window;
+    NoteText note(Typography::callout(), Colours::orange, &window);
+    window.setPalette(darkPalette());
+    EXPECT_EQ(note.palette().color(QPalette::Text), Colours::orange(darkPalette()));
+}
