@@ -16,7 +16,8 @@ icu::Locale localeNamed(const QByteArray &name)
 {
     if (name.isEmpty() || name == "C" || name.startsWith("C.") || name == "POSIX")
         return icu::Locale::getUS();
-    return icu::Locale::createCanonical(name.constData());
+    const icu::Locale locale = icu::Locale::createCanonical(name.constData());
+    return locale.isBogus() ? icu::Locale::getUS() : locale;
 }
 
 } // namespace

@@ -14,14 +14,16 @@ const auto confirmedKey = u"disposableConfirmed"_s;
 
 } // namespace
 
-DisposableToggle::DisposableToggle(QWidget *parent) : QCheckBox(u"Disposable mode"_s, parent) {}
-
-void DisposableToggle::nextCheckState()
+DisposableToggle::DisposableToggle(QWidget *parent) : QCheckBox(u"Disposable mode"_s, parent)
 {
-    if (isChecked() || QSettings().value(confirmedKey, false).toBool())
-        setChecked(!isChecked());
-    else if (!m_alert || !m_alert->isVisible())
-        ask();
+    // Here and not where a click arrives: assistive technology switches a box without one.
+    connect(this, &QCheckBox::toggled, this, [this](bool isOn) {
+        if (!isOn || QSettings().value(confirmedKey, false).toBool())
+            return;
+        setChecked(false);
+        if (!m_alert || !m_alert->isVisible())
+            ask();
+    });
 }
 
 void DisposableToggle::ask()

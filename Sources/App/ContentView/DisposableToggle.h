@@ -1,7 +1,8 @@
 #pragma once
 
 // The toggle of disposable mode. The first time ever that the user turns it on it asks whether that is meant, and stays
-// off until the answer is yes; the consent is remembered in the user's preferences ("disposableConfirmed").
+// off until the answer is yes; the consent is remembered in the user's preferences ("disposableConfirmed"). Whoever
+// follows `toggled` asks `isChecked()`: the box may have gone back meanwhile.
 
 #include <QCheckBox>
 #include <QPointer>
@@ -14,9 +15,6 @@ class DisposableToggle : public QCheckBox
 
 public:
     explicit DisposableToggle(QWidget *parent = nullptr);
-
-protected:
-    void nextCheckState() override;
 
 private:
     void ask();

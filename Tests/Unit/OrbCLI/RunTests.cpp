@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 using namespace Qt::StringLiterals;
 
 TEST(Run, ReturnsNothingButStatusZeroForASilentTool)
@@ -17,4 +19,92 @@ TEST(Run, ReturnsNothingButStatusZeroForASilentTool)
     EXPECT_EQ(result->combined(), QString());
     EXPECT_FALSE(result->timedOut);
     EXPECT_EQ(result->launchError, std::nullopt);
+}
+
+TEST(Run, CollectsBothStreamsAndTheStatus)
+{
+    TestTools tools;
+    const QString tool = tools.addTool(u"talker"_s, u"cat; echo err >&2; echo \"$1\"; exit 3"_s);
+    const auto result = waitFor(OrbCLI::run(tool, {u"argument"_s}, u"\uFEFFinput\n"_s, 10));
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, 3);
+    EXPECT_EQ(result->stdout, u"\uFEFFinput\nargument\n"_s);
+    EXPECT_EQ(result->stderr, u"err\n"_s);
+}
+
+TEST(Run, ReturnsWhatWasPrintedBeforeTheTimeLimit)
+{
+    TestTools tools;
+    const QString tool = tools.addTool(u"slow"_s, u"echo begun; exec sleep 60"_s);
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 0.5));
+    ASSERT_TRUE(result);
+    EXPECT_TRUE(result->timedOut);
+    EXPECT_EQ(result->status, SIGTERM);
+    EXPECT_EQ(result->stdout, u"begun\n"_s);
+    EXPECT_EQ(result->launchError, std::nullopt);
+}
+
+TEST(Run, MayRunManyTimesAtOnce)
+{
+    TestTools tools;
+    const QString tool = tools.addTool(u"echoes"_s, u"echo \"$1\""_s);
+    std::vector<QCoro::Task<CLIResult>> tasks;
+    for (int number = 0; number < 10; ++number)
+        tasks.push_back(OrbCLI::run(tool, {QString::number(number)}, std::nullopt, 20));
+    for (int number = 0; number < 10; ++number) {
+        const auto result = waitFor(std::move(tasks[static_cast<std::size_t>(number)]));
+        ASSERT_TRUE(result);
+        EXPECT_EQ(result->stdout, u"%1\n"_s.arg(number));
+    }
+}
+
+TEST(StreamAsync, HandsOverTheHandleBeforeAnyOutputAndReturnsTheEnd)
+{
+    TestTools tools;
+    QStringList events;
+    ProcessHandlePointer handle;
+    auto task = OrbCLI::streamAsync(
+        tools.addTool(u"talker"_s, u"echo out; exit 4"_s), {}, std::nullopt, 10.0,
+        [&](const ProcessHandlePointer &started) {
+            handle = started;
+            events << u"started"_s;
+        },
+        [&](QUtf8StringView, bool) { events << u"output"_s; });
+    EXPECT_EQ(events, QStringList{u"started"_s});
+    EXPECT_TRUE(handle);
+    const auto result = waitFor(std::move(task));
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, 4);
+    EXPECT_FALSE(result->timedOut);
+    EXPECT_EQ(events, (QStringList{u"started"_s, u"output"_s}));
+}
+
+TEST(StreamAsync, TellsATimeoutFromACancel)
+{
+    TestTools tools;
+    const QString tool = tools.addTool(u"sleeper"_s, u"exec sleep 60"_s);
+    const auto timedOut = waitFor(OrbCLI::streamAsync(tool, {}, std::nullopt, 0.2, nullptr, nullptr));
+    ASSERT_TRUE(timedOut);
+    EXPECT_TRUE(timedOut->timedOut);
+    EXPECT_EQ(timedOut->status, SIGTERM);
+    const auto cancelled = waitFor(OrbCLI::streamAsync(
+        tool, {}, std::nullopt, std::nullopt, [](const ProcessHandlePointer &handle) { handle->cancel(); }, nullptr));
+    ASSERT_TRUE(cancelled);
+    EXPECT_FALSE(cancelled->timedOut);
+    EXPECT_EQ(cancelled->status, SIGTERM);
+}
+
+TEST(StreamAsync, ReturnsMinusOneForAToolThatCannotBeStarted)
+{
+    TestTools tools;
+    QString heard;
+    int starts = 0;
+    const auto result = waitFor(OrbCLI::streamAsync(
+        tools.path(u"missing"_s), {}, std::nullopt, std::nullopt, [&](const ProcessHandlePointer &) { ++starts; },
+        [&](QUtf8StringView text, bool) { heard += text.toString(); }));
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, -1);
+    EXPECT_FALSE(result->timedOut);
+    EXPECT_EQ(starts, 1);
+    EXPECT_EQ(heard, u"Could not start missing: No such file or directory\n"_s);
 }

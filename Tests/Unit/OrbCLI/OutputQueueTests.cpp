@@ -1,0 +1,100 @@
+#include "OrbCLI/OutputQueue.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+
+struct Heard {
+    std::string text;
+    bool isError;
+    bool operator==(const Heard &) const = default;
+};
+
+class OutputQueueTest : public testing::Test
+{
+protected:
+    OutputQueue::Delivered deliverAll()
+    {
+        OutputQueue::Delivered delivered;
+        do {
+            delivered = queue.deliverNext();
+        } while (delivered.more);
+        return delivered;
+    }
+
+    std::vector<Heard> heard;
+    std::vector<int> ends;
+    OutputQueue queue{nullptr,
+                      [this](QUtf8StringView text, bool isError) {
+                          heard.push_back({std::string(text.data(), static_cast<std::size_t>(text.size())), isError});
+                      },
+                      [this](int status, const ProcessHandlePointer &) { ends.push_back(status); }};
+};
+
+} // namespace
+
+TEST_F(OutputQueueTest, AsksToBeAnnouncedOnlyWhenItHadNothingToDeliver)
+{
+    EXPECT_TRUE(queue.append("a", false));
+    EXPECT_FALSE(queue.append("b", true));
+    EXPECT_FALSE(queue.end(0));
+    deliverAll();
+    EXPECT_EQ(ends, std::vector<int>{0});
+}
+
+TEST_F(OutputQueueTest, JoinsShortNeighboursOfOneStreamAndKeepsTheOrder)
+{
+    EXPECT_TRUE(queue.append("a", false));
+    EXPECT_FALSE(queue.append("b", false));
+    EXPECT_FALSE(queue.append("c", true));
+    EXPECT_FALSE(queue.append("d", false));
+    deliverAll();
+    EXPECT_EQ(heard, (std::vector<Heard>{{"ab", false}, {"c", true}, {"d", false}}));
+    EXPECT_TRUE(queue.append("e", false));
+}
+
+TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
+{
+    QByteArray block("x");
+    while (block.size() < 300'000)
+        block += "\xE2\x82\xAC";
+    EXPECT_TRUE(queue.adopt(block, block.size(), false));
+    deliverAll();
+    std::string joined;
+    for (const Heard &chunk : heard) {
+        EXPECT_LE(chunk.text.size(), 64U * 1024U);
+        EXPECT_TRUE(QByteArrayView(chunk.text.data(), static_cast<qsizetype>(chunk.text.size())).isValidUtf8());
+        joined += chunk.text;
+    }
+    EXPECT_EQ(joined, block.toStdString());
+}
+
+TEST_F(OutputQueueTest, TakesOnlyTheFilledPartOfABlock)
+{
+    QByteArray block("textrest");
+    EXPECT_TRUE(queue.adopt(block, 4, true));
+    EXPECT_FALSE(queue.append("more", true)); // must not be joined to what the block holds behind its text
+    deliverAll();
+    EXPECT_EQ(heard, (std::vector<Heard>{{"text", true}, {"more", true}}));
+}
+
+TEST_F(OutputQueueTest, BoundsWhatWaitsAndSaysWhenThereIsRoomAgain)
+{
+    const QByteArray block(1024 * 1024, 'x');
+    int blocks = 0;
+    while (queue.hasRoom() && blocks < 1000) {
+        static_cast<void>(queue.adopt(block, block.size(), false));
+        ++blocks;
+    }
+    EXPECT_EQ(blocks, 4);
+    int deliveries = 0;
+    while (!queue.deliverNext().madeRoom && deliveries < 1000)
+        ++deliveries;
+    EXPECT_LT(deliveries, 1000);
+    EXPECT_TRUE(queue.hasRoom());
+    EXPECT_FALSE(deliverAll().madeRoom); // nobody has asked since
+}
