@@ -1,6 +1,5 @@
 """What the engine's tests share: an `orb` with a state folder of its own, and the closing line of a test file."""
 
-import faulthandler
 import json
 import os
 import shutil
@@ -21,11 +20,22 @@ def scratch_folder():
     return tempfile.mkdtemp(prefix="tidewell-", dir="/dev/shm" if kind.stdout.startswith("overlay") else None)
 
 
+def watch(seconds):
+    """The watchdog: raises in the test when it takes longer, so that what it started still ends with it."""
+
+    def too_long(*_):
+        raise TimeoutError(f"the test took longer than {seconds} s")
+
+    signal.signal(signal.SIGALRM, too_long)
+    signal.alarm(seconds)
+
+
 class EngineCase(unittest.TestCase):
     """Every test has an engine of its own, ended with everything in it when the test ends."""
 
     def setUp(self):
-        faulthandler.dump_traceback_later(LIMIT_SECONDS, exit=True)
+        watch(LIMIT_SECONDS)
+        self.addCleanup(signal.alarm, 0)
         self.scratch = scratch_folder()
         self.state = os.path.join(self.scratch, "state")
         self.environment = os.environ | {"TIDEWELL_ENGINE_STATE": self.state}
@@ -38,7 +48,6 @@ class EngineCase(unittest.TestCase):
         while self.keepers() != []:
             pass
         shutil.rmtree(self.scratch)
-        faulthandler.cancel_dump_traceback_later()
 
     def orb(self, *arguments, text=None, **options):
         """Runs `orb` to its end. Without `text` its standard input is empty."""
@@ -109,22 +118,28 @@ class EngineCase(unittest.TestCase):
 
 def namespaces_refused():
     """Why this computer cannot run machines; nothing when it can."""
-    with tempfile.TemporaryDirectory(dir=os.path.dirname(scratch := scratch_folder())) as state:
-        os.rmdir(scratch)
-        environment = os.environ | {"TIDEWELL_ENGINE_STATE": state}
-        made = subprocess.run([ORB, "create", "debian", "probe"], env=environment, capture_output=True, text=True)
-        subprocess.run([ORB, "delete", "-f", "probe"], env=environment, capture_output=True)
-        return made.stderr.strip() if made.returncode else ""
+    scratch = scratch_folder()
+    environment = os.environ | {"TIDEWELL_ENGINE_STATE": scratch}
+    made = subprocess.run([ORB, "create", "debian", "probe"], env=environment, capture_output=True, text=True)
+    subprocess.run([ORB, "delete", "-f", "probe"], env=environment, capture_output=True)
+    shutil.rmtree(scratch)
+    return made.stderr.strip() if made.returncode else ""
+
+
+def skip(reason):
+    print(f"skipped: {reason}")
+    sys.exit(SKIPPED)
 
 
 def main():
     """Runs the tests of the calling file."""
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
-    refused = namespaces_refused()
-    if refused:
-        print(f"skipped: {refused}")
-        sys.exit(SKIPPED)
+    if refused := namespaces_refused():
+        skip(refused)
     result = unittest.main(verbosity=2, exit=False).result
     failed = len(result.failures) + len(result.errors) + len(result.unexpectedSuccesses)
-    print(f"{result.testsRun - failed - len(result.skipped)} passed, {failed} failed")
+    passed = result.testsRun - failed - len(result.skipped)
+    print(f"{passed} passed, {failed} failed" + (f", {len(result.skipped)} skipped" if result.skipped else ""))
+    if not failed and not passed and result.skipped:
+        skip(result.skipped[0][1])
     sys.exit(1 if failed or not result.testsRun else 0)

@@ -10,6 +10,7 @@ from .waiting import LIMIT_SECONDS, NotInTime, wait_until
 
 _REPLY_MILLISECONDS = LIMIT_SECONDS * 1000
 _PREFIX = "org.a11y.atspi."
+_LABELLED_BY = 2
 _STATES = {"active": 1, "checked": 4, "editable": 7, "enabled": 8, "focusable": 11, "focused": 12, "modal": 16,
            "multi-line": 17, "selected": 23, "sensitive": 24, "showing": 25, "visible": 30}  # fmt: skip
 
@@ -75,6 +76,12 @@ class Node:
     @property
     def interfaces(self):
         return [name.removeprefix(_PREFIX) for name in self._call("Accessible", "GetInterfaces")[0]]
+
+    @property
+    def labels(self):
+        """The things that label this one."""
+        relations = self._call("Accessible", "GetRelationSet")[0]
+        return [Node(self._bus, *target) for kind, targets in relations if kind == _LABELLED_BY for target in targets]
 
     @property
     def text(self):

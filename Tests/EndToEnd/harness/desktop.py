@@ -11,6 +11,8 @@ from gi.repository import Gio
 from .waiting import LIMIT_SECONDS, NotInTime, wait_until
 
 _NEEDED = ("Xvfb", "openbox", "dbus-daemon", "xdotool", "import")
+# However this process may end, what it started ends too.
+ENDS_WITH_US = ("setpriv", "--pdeathsig", "TERM")
 
 
 def missing_tools():
@@ -60,7 +62,8 @@ class Desktop:
         log = open(os.path.join(self._folder, os.path.basename(command[0]) + ".log"), "wb")
         with log:
             self._processes.append(
-                subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=log, stderr=log, **options)
+                subprocess.Popen([*ENDS_WITH_US, *command], env=self.environment, stdin=subprocess.DEVNULL,
+                                 stdout=log, stderr=log, **options)  # fmt: skip
             )
 
     def _start_reporting(self, *command):

@@ -9,19 +9,22 @@ import engine_case
 
 from . import REPOSITORY
 from .accessibility import Gone, application
-from .waiting import wait_until
+from .desktop import ENDS_WITH_US
+from .waiting import LIMIT_SECONDS, NotInTime, wait_until
 
 ORB = engine_case.ORB
 _BUTTON_ROLES = ("push button", "button")
-_WITH_TOOLS = os.path.join(REPOSITORY, "Tools", "with-tools")
+WITH_TOOLS = os.path.join(REPOSITORY, "Tools", "with-tools")
 
 
 class Tidewell:
     """Lives in a `with` block. Its engine is started unless told otherwise; every machine ends with it."""
 
-    def __init__(self, program, desktop, tools=("orb",), engine_started=True, environment=None):
+    def __init__(self, program, desktop, tools=("orb",), engine_started=True, environment=None, before=None):
+        """`before` is called with this object just before the program is started."""
         self.program, self.desktop = os.path.realpath(program), desktop
         self._wanted_tools, self._engine_started, self._extra = tools, engine_started, environment or {}
+        self._before = before
         self.process = None
 
     def __enter__(self):
@@ -46,6 +49,8 @@ class Tidewell:
         try:
             if self._engine_started:
                 self.orb("start")
+            if self._before:
+                self._before(self)
             self.launch()
         except BaseException:
             self.__exit__()
@@ -66,8 +71,8 @@ class Tidewell:
     def launch(self):
         """Starts the program (again); the window is there when this returns."""
         with open(self.path("tidewell.log"), "ab") as log:
-            self.process = subprocess.Popen([_WITH_TOOLS, "--alone", self.tools, self.program], env=self.environment,
-                                            stdin=subprocess.DEVNULL, stdout=log, stderr=log)  # fmt: skip
+            self.process = subprocess.Popen([*ENDS_WITH_US, WITH_TOOLS, "--alone", self.tools, self.program],
+                                            env=self.environment, stdin=subprocess.DEVNULL, stdout=log, stderr=log)  # fmt: skip
         self.root = application(self.desktop.accessibility, self.process.pid)
         wait_until(lambda: self.root.children, "a window")
 
@@ -84,6 +89,16 @@ class Tidewell:
             os.replace(path + ".new", path)
         else:
             os.symlink(ORB if name == "orb" else shutil.which(name), path)
+
+    orb_path = ORB
+
+    def make_pipe(self, name):
+        """A named pipe in the scratch folder, at which a tool can be made to wait; a script finds it under /mnt/mac."""
+        os.mkfifo(self.path(name))
+
+    def write_pipe(self, name, text="\n"):
+        with open(self.path(name), "w", encoding="utf-8") as pipe:
+            pipe.write(text)
 
     def remove_tool(self, name):
         os.remove(os.path.join(self.tools, name))
@@ -110,70 +125,104 @@ class Tidewell:
     def find(self, name=None, role=None, description=None, **options):
         return self.root.find(name, role, description, **options)
 
-    def button(self, label, description=None, **options):
+    def button(self, label, description=None):
         """A shown button; where two share a label, the description tells which."""
 
         def find():
-            return [node for node in self.root.find_all(name=label, description=description) if node.role in _BUTTON_ROLES]
+            return [node for node in self.root.find_all(label, description=description) if node.role in _BUTTON_ROLES]
 
-        found = self._only(find, f"a button {label!r} {description or ''}", **options)
-        return found
-
-    def _only(self, find, what, **options):
-        try:
-            found = wait_until(find, what, **options)
-        except AssertionError as error:
-            raise type(error)(f"{error}\n{self.root.outline()}") from None
+        what = f"a button {label!r} {description or ''}"
+        found = self._waited_for(find, what)
         if len(found) > 1:
             raise AssertionError(f"{len(found)} times {what}:\n{self.root.outline()}")
         return found[0]
 
+    def _waited_for(self, condition, what):
+        """As wait_until, but a question to something that has just gone counts as not yet."""
+
+        def ask():
+            try:
+                return condition()
+            except Gone:
+                return None
+
+        try:
+            return wait_until(ask, what)
+        except NotInTime as error:
+            raise NotInTime(f"{error}\n{self.root.outline()}") from None
+
     def press(self, label, description=None):
         """Presses a button once it can be pressed."""
-        wait_until(lambda: self._try(lambda: self.button(label, description).is_enabled), f"{label} can be pressed")
-        self.button(label, description).press()
-
-    @staticmethod
-    def _try(question):
-        try:
-            return question()
-        except Gone:
-            return None
+        button = self.button(label, description)
+        self._waited_for(lambda: button.is_enabled and button.is_shown, f"{label!r} can be pressed")
+        button.press()
 
     def shows(self, name):
         """Whether a thing with this name is shown now."""
-        return bool(self.root.find_all(name=name))
+        return bool(self.root.find_all(name))
 
     def wait_for(self, name):
-        return wait_until(lambda: self.root.find_all(name=name), f"{name!r} is shown")[0]
+        return self._waited_for(lambda: self.root.find_all(name), f"{name!r} is shown")[0]
+
+    def wait_until_gone(self, name):
+        self._waited_for(lambda: not self.root.find_all(name), f"{name!r} is gone")
 
     def select_tab(self, label):
-        tabs = [node for node in self.root.find_all(name=label) if node.role not in _BUTTON_ROLES + ("label",)]
-        if len(tabs) != 1:
-            raise AssertionError(f"{len(tabs)} tabs {label!r}:\n{self.root.outline()}")
-        tabs[0].press()
+        self.find(label, role="page tab").press()
+
+    def picker(self, label):
+        """A combo box. Qt names one on Linux by its current item; its label is another thing, or there is none."""
+        boxes = self.root.find_all(role="combo box")
+        labelled = [box for box in boxes if label in [node.name for node in box.labels]]
+        return labelled[0] if labelled else next(box for box in boxes if not box.labels)
+
+    def choose(self, label, item):
+        """Chooses an item of a combo box by the keyboard."""
+        box = self.picker(label)
+        items = [node.name for node in box.find_all(role="list item")]
+        box.press()
+        self._waited_for(lambda: box.find_all(role="list"), "the list of items")
+        self.press_keys("Home", *["Down"] * items.index(item), "Return")
+        self._waited_for(lambda: box.name == item, f"{item!r} is chosen")
 
     def write_script(self, script):
-        self.find(name="Script").set_text(script)
+        self.find("Script").set_text(script)
+
+    def turn_on_disposable_mode(self):
+        self.find("Disposable mode").press()
+        self.press("Turn on")
+        self._waited_for(lambda: "checked" in self.find("Disposable mode").states, "disposable mode is on")
+
+    def share_folder(self, folder):
+        """Chooses a folder in the dialog."""
+        self.press("Share a folder…")
+        self.find("Directory:", role="text").set_text(folder)
+        self.press("Share")
+        self.wait_until_gone("Directory:")
 
     @property
     def output(self):
-        return self.find(name="Output", role="text").text
+        return self.find("Output", role="text").text
 
     def wait_for_output(self, part):
         """The output, once it holds the part."""
         try:
-            return wait_until(lambda: self._output_with(part), f"{part!r} in the output")
-        except AssertionError as error:
-            raise AssertionError(f"{error}; it holds: {self.output!r}") from None
+            self._waited_for(lambda: part in self.output, f"{part!r} in the output")
+        except NotInTime as error:
+            raise NotInTime(f"{error}; it holds: {self.output!r}") from None
+        return self.output
 
-    def _output_with(self, part):
-        output = self.output
-        return output if part in output else None
+    def press_keys(self, *keys):
+        self.desktop.wait_for_focus(self.process.pid)
+        self.desktop.press_keys(*keys)
+
+    def close_window(self):
+        """Asks the window to close, as its close button does."""
+        self.press_keys("alt+F4")
 
     def wait_for_end(self):
-        """Waits until this program has ended by itself; its exit status."""
-        return self.process.wait(30)
+        """Waits until the program has ended by itself; its exit status."""
+        return self.process.wait(LIMIT_SECONDS)
 
     def take_picture(self, path):
         self.desktop.take_picture(path)
