@@ -88,12 +88,14 @@ QCoro::Task<> MachineStore::performCreate(QString orb, QString distro, QString n
 {
     const QPointer<MachineStore> self(this);
     const QStringList arguments{u"create"_s, distro, name};
-    const OrbCLI::StreamResult result = co_await OrbCLI::streamAsync(
-        orb, arguments, std::nullopt, m_limits.creation, [](const ProcessHandlePointer &) {},
-        [self](QUtf8StringView text, bool) {
-            if (self)
-                self->appendLog(text);
-        });
+    // Named, because GCC 12 destroys a closure that is a temporary of a co_await expression twice.
+    const OrbCLI::StartHandler onStart = [](const ProcessHandlePointer &) {};
+    const OrbCLI::OutputHandler onOutput = [self](QUtf8StringView text, bool) {
+        if (self)
+            self->appendLog(text);
+    };
+    const OrbCLI::StreamResult result =
+        co_await OrbCLI::streamAsync(orb, arguments, std::nullopt, m_limits.creation, onStart, onOutput);
     if (!self)
         co_return;
     if (result.timedOut)
