@@ -16,6 +16,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -168,9 +169,11 @@ void MachinesView::press(const QString &machine, int button)
 
 void MachinesView::confirmDeletion(const QString &machine)
 {
+    if (m_question != nullptr)
+        return;
     const QString shown =
         VisibleText::oneLine(machine.size() > longestNameAsked ? machine.first(longestNameAsked) + u'…' : machine);
-    Alert::open(
+    m_question = Alert::open(
         this, u"Delete "_s + shown + u'?', u"The machine and everything inside it will be removed permanently."_s,
         u"Delete"_s, u"Cancel"_s, [this, machine] { m_machines.remove(machine); }, Alert::Kind::destructive);
 }

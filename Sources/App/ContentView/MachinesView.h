@@ -5,6 +5,7 @@
 
 #include "ContentView/Controllers.h"
 
+#include <QPointer>
 #include <QWidget>
 
 class LogBox;
@@ -12,6 +13,7 @@ class NoteText;
 class PlainLabel;
 class QComboBox;
 class QLineEdit;
+class QMessageBox;
 class QProgressBar;
 class QPushButton;
 class RowList;
@@ -43,4 +45,5 @@ private:
     NoteText *m_error = nullptr;
     PlainLabel *m_hint = nullptr;
     RowList *m_list = nullptr;
+    QPointer<QMessageBox> m_question;
 };
