@@ -7,13 +7,15 @@ import subprocess
 
 import engine_case
 
-from . import REPOSITORY
+from . import REPOSITORY, docker
 from .accessibility import Gone, application
 from .desktop import ENDS_WITH_US
 from .waiting import LIMIT_SECONDS, NotInTime, wait_until
 
 ORB = engine_case.ORB
+# Qt's words, older and newer.
 _BUTTON_ROLES = ("push button", "button")
+_ALERT_ROLES = ("alert message", "alert", "notification")
 WITH_TOOLS = os.path.join(REPOSITORY, "Tools", "with-tools")
 
 
@@ -80,7 +82,7 @@ class Tidewell:
         return os.path.join(self.scratch, *parts)
 
     def add_tool(self, name, script=None):
-        """Puts a tool where the program looks first: the engine's `orb`, the host's tool of that name, or a script."""
+        """Puts a tool where the program looks first: the engine's `orb`, the host's `docker`, or a script."""
         path = os.path.join(self.tools, name)
         if script is not None:
             with open(path + ".new", "w", encoding="utf-8") as file:
@@ -88,7 +90,8 @@ class Tidewell:
             os.chmod(path + ".new", 0o755)
             os.replace(path + ".new", path)
         else:
-            os.symlink(ORB if name == "orb" else shutil.which(name), path)
+            # A copy, since a client in /usr/local/bin is out of sight for the program.
+            os.symlink(ORB, path) if name == "orb" else shutil.copy(docker.client(), path)
 
     orb_path = ORB
 
@@ -138,9 +141,12 @@ class Tidewell:
         return found[0]
 
     def _waited_for(self, condition, what):
-        """As wait_until, but a question to something that has just gone counts as not yet."""
+        """As wait_until, but a question to something that has just gone counts as not yet, and a crash as the end."""
 
         def ask():
+            if self.process.poll() is not None:
+                with open(self.path("tidewell.log"), encoding="utf-8", errors="replace") as log:
+                    raise AssertionError(f"waiting for {what}: the program ended with {self.process.returncode}\n{log.read()}")
             try:
                 return condition()
             except Gone:
@@ -157,12 +163,35 @@ class Tidewell:
         self._waited_for(lambda: button.is_enabled and button.is_shown, f"{label!r} can be pressed")
         button.press()
 
+    def press_in_alert(self, label):
+        """Presses a button of the alert that is open."""
+
+        def find():
+            return [node for node in self.root.children if node.role in _ALERT_ROLES and node.is_shown]
+
+        alert = self._waited_for(find, "an alert")[0]
+        next(node for node in alert.find_all(label) if node.role in _BUTTON_ROLES).press()
+
     def shows(self, name):
         """Whether a thing with this name is shown now."""
         return bool(self.root.find_all(name))
 
     def wait_for(self, name):
         return self._waited_for(lambda: self.root.find_all(name), f"{name!r} is shown")[0]
+
+    def _says(self, parts):
+        return [node for node in self.root.find_all(role="text") if all(part in node.text for part in parts)]
+
+    def wait_for_text(self, *parts):
+        """Waits for a read-only text, such as an error, that holds the parts."""
+        return self._waited_for(lambda: self._says(parts), f"a text with {parts}")[0].text
+
+    def wait_until_text_is_gone(self, *parts):
+        self._waited_for(lambda: not self._says(parts), f"the text with {parts} is gone")
+
+    def rows(self, name):
+        """The rows of a list, from top to bottom."""
+        return self.find(name, role="list").children
 
     def wait_until_gone(self, name):
         self._waited_for(lambda: not self.root.find_all(name), f"{name!r} is gone")
