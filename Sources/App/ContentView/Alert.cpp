@@ -1,9 +1,19 @@
 #include "ContentView/Alert.h"
 
+#include "ContentView/Typography.h"
+
 #include <QAbstractButton>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+
+namespace
+{
+
+constexpr int textWidth = 360;
+
+} // namespace
 
 QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &message, const QString &acceptLabel,
                          const QString &cancelLabel, const std::function<void()> &accepted, Kind kind)
@@ -19,6 +29,13 @@ QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &m
     QPushButton *cancel = alert->addButton(cancelLabel, QMessageBox::RejectRole);
     alert->setDefaultButton(cancel);
     alert->setEscapeButton(cancel);
+    // Left alone, the box breaks its texts into a narrow column.
+    for (QLabel *label : alert->findChildren<QLabel *>()) {
+        if (label->text().isEmpty())
+            continue;
+        label->setMinimumWidth(textWidth);
+        label->setFont(label->text() == title ? Typography::headline() : Typography::body());
+    }
     const QPointer<QWidget> focused = parent->window()->focusWidget();
     QObject::connect(alert, &QMessageBox::finished, parent, [alert, accept, accepted, focused] {
         if (focused)

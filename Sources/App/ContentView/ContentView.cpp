@@ -1,6 +1,7 @@
 #include "ContentView/ContentView.h"
 
 #include "ContainerStore/ContainerStore.h"
+#include "ContentView/Colours.h"
 #include "ContentView/ContainersView.h"
 #include "ContentView/HistoryView.h"
 #include "ContentView/MachinesView.h"
@@ -11,6 +12,7 @@
 #include "RunController/RunController.h"
 #include "SetupController/SetupController.h"
 
+#include <QPainter>
 #include <QPointer>
 #include <QScrollArea>
 #include <QShowEvent>
@@ -34,15 +36,20 @@ QCoro::Task<> refreshAll(Controllers controllers)
         co_await refreshLists(controllers);
 }
 
-QWidget *divider(QWidget *parent)
+/// A line one point high, to be seen in light and dark.
+class Divider : public QWidget
 {
-    auto *line = new QFrame(parent);
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Plain);
-    line->setFixedHeight(1);
-    line->setForegroundRole(QPalette::Mid);
-    return line;
-}
+public:
+    explicit Divider(QWidget *parent) : QWidget(parent) { setFixedHeight(1); }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QColor colour = Colours::secondary(palette());
+        colour.setAlphaF(0.4F);
+        QPainter(this).fillRect(rect(), colour);
+    }
+};
 
 } // namespace
 
@@ -59,7 +66,7 @@ ContentView::ContentView(const Controllers &controllers, QWidget *parent, std::c
     auto *header = new SetupHeader(controllers.setup, this);
     header->layout()->setContentsMargins(12, 12, 12, 12);
     layout->addWidget(header);
-    layout->addWidget(divider(this));
+    layout->addWidget(new Divider(this));
 
     m_selector = new TabSelector(this);
     for (const AppTab tab : allAppTabs)

@@ -1,5 +1,7 @@
 #include "ContentView/Controls.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 QPushButton *Controls::button(const QString &label, const QString &description, QWidget *parent)
@@ -8,6 +10,10 @@ QPushButton *Controls::button(const QString &label, const QString &description, 
     // Return belongs to the text field or the alert that has the focus.
     button->setAutoDefault(false);
     button->setAccessibleDescription(description);
+#ifndef Q_OS_MACOS
+    // Outside macOS the style leaves hardly any room around a long label.
+    button->setMinimumWidth(std::max(80, button->fontMetrics().horizontalAdvance(label) + 28));
+#endif
     return button;
 }
 

@@ -23,6 +23,7 @@ FolderPicker::FolderPicker(QWidget *parent) : QWidget(parent)
 
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(12);
     row->addWidget(m_share);
     row->addWidget(m_path);
     row->addWidget(m_clear);

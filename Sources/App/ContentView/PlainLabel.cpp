@@ -87,8 +87,7 @@ QSize PlainLabel::sizeHint() const
 QSize PlainLabel::minimumSizeHint() const
 {
     const int least = fontMetrics().horizontalAdvance(u'…');
-    if (m_fit == Fit::wrap)
-        return {least, QLabel::minimumSizeHint().height()};
+    // One line also for a wrapped text: how many it needs is a matter of its width.
     return {std::min(least, sizeHint().width()), fontMetrics().height()};
 }
 

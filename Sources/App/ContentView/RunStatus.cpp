@@ -24,10 +24,12 @@ RunStatus::RunStatus(RunController &run, QWidget *parent) : QWidget(parent), m_r
 
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(8);
     row->addWidget(stop);
     row->addWidget(new Spinner(this));
     row->addWidget(m_phase);
     row->addWidget(m_elapsed);
+    row->addStretch();
 
     connect(&run, &RunController::phaseChanged, this, [this] { m_phase->setText(m_run.phase()); });
     m_phase->setText(run.phase());

@@ -30,6 +30,7 @@ namespace
 
 constexpr int sectionSpacing = 12;
 constexpr int captionSpacing = 4;
+constexpr int controlSpacing = 12;
 
 bool isBlankOrBreak(QChar character)
 {
@@ -102,6 +103,7 @@ QLayout *RunView::makeMachineSection()
     m_machineLabel->setBuddy(m_machine);
     auto *labelledRow = new QHBoxLayout(labelled);
     labelledRow->setContentsMargins(0, 0, 0, 0);
+    labelledRow->setSpacing(8);
     labelledRow->addWidget(m_machineLabel);
     labelledRow->addWidget(m_machine, 1);
 
@@ -120,6 +122,7 @@ QLayout *RunView::makeMachineSection()
     connect(m_disposable, &QCheckBox::toggled, this, &RunView::showFields);
 
     auto *row = new QHBoxLayout;
+    row->setSpacing(controlSpacing);
     row->addWidget(labelled, 1);
     row->addWidget(m_disposable);
     row->addWidget(m_distribution);
@@ -142,6 +145,7 @@ QLayout *RunView::makeFolderSection()
     connect(m_folder, &FolderPicker::folderChanged, this, &RunView::showFields);
 
     auto *row = new QHBoxLayout;
+    row->setSpacing(controlSpacing);
     row->addWidget(m_folder);
     row->addWidget(m_timeLimit);
     row->addStretch();
@@ -164,6 +168,7 @@ QLayout *RunView::makePackageRow()
     connect(m_install, &QPushButton::clicked, this, &RunView::installPackages);
 
     auto *row = new QHBoxLayout;
+    row->setSpacing(controlSpacing);
     row->addWidget(m_packages, 1);
     row->addWidget(m_install);
     row->addStretch(1);
@@ -184,6 +189,7 @@ QLayout *RunView::makeRunRow()
     });
 
     auto *row = new QHBoxLayout;
+    row->setSpacing(controlSpacing);
     row->addWidget(m_run);
     row->addWidget(m_status);
     row->addWidget(m_startHint, 1, Qt::AlignVCenter);
@@ -202,6 +208,7 @@ QLayout *RunView::makeOutputHeader()
     connect(clear, &QPushButton::clicked, &m_controllers.run, &RunController::clearTranscript);
 
     auto *row = new QHBoxLayout;
+    row->setSpacing(controlSpacing);
     row->addWidget(title);
     row->addStretch();
     row->addWidget(copy);

@@ -36,6 +36,11 @@ ScriptEditor::ScriptEditor(RunController &run, QWidget *parent) : QPlainTextEdit
     connect(&run, &RunController::scriptChanged, this, &ScriptEditor::takeScript);
 }
 
+QSize ScriptEditor::sizeHint() const
+{
+    return {QPlainTextEdit::sizeHint().width(), minimumHeight()};
+}
+
 bool ScriptEditor::event(QEvent *event)
 {
     if (event->type() == QEvent::Paint) {

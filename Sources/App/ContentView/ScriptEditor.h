@@ -14,6 +14,9 @@ class ScriptEditor : public QPlainTextEdit
 public:
     explicit ScriptEditor(RunController &run, QWidget *parent = nullptr);
 
+    /// Its smallest height: whatever more it gets comes from the window's size.
+    QSize sizeHint() const override;
+
 protected:
     bool event(QEvent *event) override;
     bool canInsertFromMimeData(const QMimeData *source) const override;
