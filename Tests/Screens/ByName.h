@@ -17,7 +17,11 @@ namespace ByName
 inline QString nameOf(const QWidget *widget)
 {
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(const_cast<QWidget *>(widget));
-    return accessible == nullptr ? QString() : accessible->text(QAccessible::Name);
+    if (accessible == nullptr)
+        return {};
+    // A list of choices is named by its label; its name, on Linux, is the choice.
+    const auto labels = accessible->relations(QAccessible::Label);
+    return (labels.isEmpty() ? accessible : labels.first().first)->text(QAccessible::Name);
 }
 
 inline QString descriptionOf(const QWidget *widget)

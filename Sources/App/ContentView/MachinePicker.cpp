@@ -21,7 +21,7 @@ QString shown(const QString &name)
 
 } // namespace
 
-MachinePicker::MachinePicker(QWidget *parent) : Picker(u"Machine"_s, parent)
+MachinePicker::MachinePicker(QWidget *parent) : Picker(u"Machine"_s, Label::visible, parent)
 {
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(16);

@@ -5,6 +5,7 @@
 #include "ContentView/Controls.h"
 #include "ContentView/LogBox.h"
 #include "ContentView/NoteText.h"
+#include "ContentView/Picker.h"
 #include "ContentView/PlainLabel.h"
 #include "ContentView/RowList.h"
 #include "ContentView/Typography.h"
@@ -12,7 +13,6 @@
 #include "MachineStore/MachineStore.h"
 #include "SetupController/SetupController.h"
 
-#include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -86,10 +86,9 @@ QWidget *MachinesView::makeCreationBox()
     auto *box = new QGroupBox(u"New sandbox"_s, this);
     auto *picker = new QWidget(box);
     picker->setFixedWidth(pickerWidth);
-    m_distro = new QComboBox(picker);
+    m_distro = new Picker(u"Distro"_s, Picker::Label::visible, picker);
     for (const Distro distro : allDistros)
         m_distro->addItem(rawValue(distro));
-    m_distro->setAccessibleName(u"Distro"_s);
     auto *pickerRow = new QHBoxLayout(picker);
     pickerRow->setContentsMargins(0, 0, 0, 0);
     auto *label = new PlainLabel(u"Distro"_s, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd, picker);

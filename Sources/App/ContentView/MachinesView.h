@@ -11,7 +11,7 @@
 class LogBox;
 class NoteText;
 class PlainLabel;
-class QComboBox;
+class Picker;
 class QLineEdit;
 class QMessageBox;
 class QProgressBar;
@@ -37,7 +37,7 @@ private:
 
     MachineStore &m_machines;
     SetupController &m_setup;
-    QComboBox *m_distro = nullptr;
+    Picker *m_distro = nullptr;
     QLineEdit *m_name = nullptr;
     QPushButton *m_create = nullptr;
     QProgressBar *m_progress = nullptr;

@@ -1,7 +1,9 @@
 #pragma once
 
-// A pop-up list of choices. Its accessible name is its label on every system (Qt alone would give the current choice on
-// Linux, so that a list without a visible label had no name), and scrolling the screen over it chooses nothing.
+// A pop-up list of choices. Scrolling the screen over it chooses nothing.
+//
+// Where the platform names such a list by its current choice (Linux), its label is what a QLabel that has it as its
+// buddy says; one without a visible label gets an invisible one.
 
 #include <QComboBox>
 
@@ -10,8 +12,10 @@ class Picker : public QComboBox
     Q_OBJECT
 
 public:
-    /// `label` is the accessible name.
-    explicit Picker(const QString &label, QWidget *parent = nullptr);
+    enum class Label { visible, invisible };
+
+    /// `label` is the accessible name; the screen shows a visible one, and makes this its buddy.
+    Picker(const QString &label, Label kind, QWidget *parent);
 
 protected:
     void wheelEvent(QWheelEvent *event) override;

@@ -108,7 +108,7 @@ QLayout *RunView::makeMachineSection()
     labelledRow->addWidget(m_machine, 1);
 
     m_disposable = new DisposableToggle(this);
-    m_distribution = new Picker(u"Distribution"_s, this);
+    m_distribution = new Picker(u"Distribution"_s, Picker::Label::invisible, this);
     m_distribution->setFixedWidth(100);
     for (const Distro distro : allDistros)
         m_distribution->addItem(rawValue(distro));
