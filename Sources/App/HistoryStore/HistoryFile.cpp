@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include <QRegularExpression>
+#include <QTimeZone>
 
 #include <cmath>
 #include <limits>
@@ -70,14 +71,16 @@ std::optional<QUuid> uuidFrom(const std::optional<QString> &text)
 std::optional<QDateTime> dateFrom(const std::optional<QString> &text)
 {
     static const QRegularExpression form(
-        QRegularExpression::anchoredPattern(u"[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z"_s));
-    if (!text || !form.match(*text).hasMatch())
+        QRegularExpression::anchoredPattern(u"([0-9]{4})-([0-9]{2})-([0-9]{2})T([0-9]{2}):([0-9]{2}):([0-9]{2})Z"_s));
+    const QRegularExpressionMatch match = form.match(text.value_or(QString()));
+    if (!match.hasMatch())
         return std::nullopt;
-    const QDate day = QDate::fromString(text->left(10), Qt::ISODate);
-    const QTime time = QTime::fromString(text->mid(11, 8), Qt::ISODate);
+    const auto number = [&match](int group) { return match.capturedView(group).toInt(); };
+    const QDate day(number(1), number(2), number(3));
+    const QTime time(number(4), number(5), number(6));
     if (!day.isValid() || !time.isValid())
         return std::nullopt;
-    return QDateTime(day, time, Qt::UTC);
+    return QDateTime(day, time, QTimeZone::utc());
 }
 
 /// A whole number that fits 64 signed bits.

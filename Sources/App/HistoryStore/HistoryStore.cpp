@@ -69,8 +69,10 @@ void HistoryStore::save() const
     QSaveFile file(*m_fileURL);
     if (!file.open(QIODevice::WriteOnly))
         return;
-    file.write(HistoryFile::encode(m_entries));
-    file.commit();
+    // A disk that fills in the middle is told by a short count alone.
+    const QByteArray content = HistoryFile::encode(m_entries);
+    if (file.write(content) == content.size())
+        file.commit();
 }
 
 std::optional<QString> HistoryStore::applicationSupportFolder()
