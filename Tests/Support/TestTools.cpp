@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSaveFile>
 
 #include <stdexcept>
 
@@ -69,6 +70,36 @@ QString TestTools::addTool(const QString &name, const QString &body, int directo
     file.close();
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     return toolPath;
+}
+
+void TestTools::setInterpreter(const QString &name, const QString &interpreter, int directoryIndex)
+{
+    QFile file(directory(directoryIndex) + u'/' + name);
+    if (!file.open(QIODevice::ReadWrite))
+        throw std::runtime_error("no such tool");
+    const QByteArray script = file.readAll();
+    file.resize(0);
+    file.seek(0);
+    file.write("#!" + interpreter.toUtf8() + script.mid(script.indexOf('\n')));
+}
+
+QString TestTools::addFile(const QString &name, const QByteArray &content)
+{
+    // Whoever waits for the file finds it whole.
+    QSaveFile file(path(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
+        throw std::runtime_error("cannot write the file");
+    return path(name);
+}
+
+QString TestTools::waitForFile(const QString &name) const
+{
+    return QStringLiteral("while [ ! -e '%1' ]; do sleep 0.01; done\n").arg(path(name));
+}
+
+QString TestTools::untilTerminated(int status)
+{
+    return QStringLiteral("trap 'exit %1' TERM; while :; do sleep 0.01; done\n").arg(status);
 }
 
 QStringList TestTools::calls(const QString &name) const

@@ -30,6 +30,19 @@ public:
     /// per call to "NAME.calls": its arguments, each in <angle brackets>.
     QString addTool(const QString &name, const QString &body, int directoryIndex = 0);
 
+    /// Makes the tool name another interpreter in its first line: a missing one gives a tool that is found but cannot
+    /// be started.
+    void setInterpreter(const QString &name, const QString &interpreter, int directoryIndex = 0);
+
+    /// Writes a file outside the tool directories, for tools to read or to wait for, and returns its path.
+    QString addFile(const QString &name, const QByteArray &content = {});
+
+    /// Script text that goes on until the file `name` exists.
+    QString waitForFile(const QString &name) const;
+
+    /// Script text that goes on until the tool is asked to terminate, and then ends it with `status`.
+    static QString untilTerminated(int status);
+
     /// The calls recorded so far, oldest first: "<list><-f><json>".
     QStringList calls(const QString &name) const;
 

@@ -2,7 +2,6 @@
 
 #include "OrbCLI/DeleteMachine.h"
 #include "OrbCLI/MachineList.h"
-#include "OrbCLI/OrbCLI.h"
 #include "OrbCLI/ToolLocation.h"
 
 #include <QPointer>
@@ -88,14 +87,7 @@ QCoro::Task<> MachineStore::performCreate(QString orb, QString distro, QString n
 {
     const QPointer<MachineStore> self(this);
     const QStringList arguments{u"create"_s, distro, name};
-    // Named, because GCC 12 destroys a closure that is a temporary of a co_await expression twice.
-    const OrbCLI::StartHandler onStart = [](const ProcessHandlePointer &) {};
-    const OrbCLI::OutputHandler onOutput = [self](QUtf8StringView text, bool) {
-        if (self)
-            self->appendLog(text);
-    };
-    const OrbCLI::StreamResult result =
-        co_await OrbCLI::streamAsync(orb, arguments, std::nullopt, m_limits.creation, onStart, onOutput);
+    const OrbCLI::StreamResult result = co_await streamToLog(orb, arguments);
     if (!self)
         co_return;
     if (result.timedOut)
@@ -106,6 +98,17 @@ QCoro::Task<> MachineStore::performCreate(QString orb, QString distro, QString n
         appendLog(("\nFailed (exit " + QByteArray::number(result.status) + ").\n"));
     m_busy = false;
     co_await refresh();
+}
+
+QCoro::Task<OrbCLI::StreamResult> MachineStore::streamToLog(const QString &orb, const QStringList &arguments)
+{
+    // A function of its own and not a coroutine: GCC 12 destroys twice what a lambda holds when the lambda stands
+    // inside an awaited expression.
+    return OrbCLI::streamAsync(orb, arguments, std::nullopt, m_limits.creation, {},
+                               [self = QPointer(this)](QUtf8StringView text, bool) {
+                                   if (self)
+                                       self->appendLog(text);
+                               });
 }
 
 void MachineStore::simple(const QStringList &arguments)

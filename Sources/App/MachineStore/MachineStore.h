@@ -11,6 +11,7 @@
 #include "MachineStore/Distro.h"
 #include "MachineStore/Machine.h"
 #include "OrbCLI/CappedLog.h"
+#include "OrbCLI/OrbCLI.h"
 
 #include <QCoroTask>
 #include <QList>
@@ -64,6 +65,7 @@ private:
     QCoro::Task<> performCreate(QString orb, QString distro, QString name);
     QCoro::Task<> performSimple(QString orb, QStringList arguments);
     QCoro::Task<> performRemove(QString orb, QString name);
+    QCoro::Task<OrbCLI::StreamResult> streamToLog(const QString &orb, const QStringList &arguments);
     void setMachines(const QList<Machine> &machines);
     void setLog(const QString &text);
     void appendLog(QUtf8StringView text);

@@ -1,37 +1,47 @@
 #include "OrbCLI/CappedLog.h"
 
-#include <QTextBoundaryFinder>
+#include "RunController/GraphemeBreaker.h"
+#include "RunController/Utf8.h"
+
+namespace
+{
+
+/// Where the text goes on behind its first `characters`, of which it has more.
+qsizetype endOfFirst(int characters, QByteArrayView text)
+{
+    GraphemeBreaker breaker;
+    qsizetype at = 0;
+    for (qsizetype next = 0;; at = next) {
+        if (breaker.startsCluster(Utf8::next(text, next)) && characters-- == 0)
+            return at;
+    }
+}
+
+} // namespace
 
 void CappedLog::append(QUtf8StringView text)
 {
-    const qsizetype from = m_lastCharacter;
     m_text += text.toString();
-    m_characters -= m_characters > 0 ? 1 : 0;
-    count(from);
-    if (m_characters <= capacity)
-        return;
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, m_text);
-    for (qsizetype dropped = m_characters - keptCharacters; dropped > 0; --dropped)
-        finder.toNextBoundary();
-    replace(m_text.mid(finder.position()));
+    m_counter.add(QByteArrayView(text.data(), text.size()));
+    if (m_counter.count() > capacity)
+        keepLast(keptCharacters);
 }
 
 void CappedLog::replace(const QString &text)
 {
     m_text = text;
-    m_characters = 0;
-    m_lastCharacter = 0;
-    count(0);
+    m_counter = GraphemeCounter(std::numeric_limits<int>::max());
+    m_counter.add(text.toUtf8());
 }
 
-void CappedLog::count(qsizetype from)
+void CappedLog::keepLast(int characters)
 {
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, m_text);
-    finder.setPosition(from);
-    qsizetype start = from;
-    for (qsizetype next = finder.toNextBoundary(); next > start; next = finder.toNextBoundary()) {
-        ++m_characters;
-        m_lastCharacter = start;
-        start = next;
+    const int dropped = m_counter.count() - characters;
+    // Where every character is one unit, as in plain ASCII, there is nothing to look for.
+    if (m_counter.count() == m_text.size()) {
+        replace(m_text.sliced(dropped));
+        return;
     }
+    const QByteArray utf8 = m_text.toUtf8();
+    replace(QString::fromUtf8(QByteArrayView(utf8).sliced(endOfFirst(dropped, utf8))));
 }

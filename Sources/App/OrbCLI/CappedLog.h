@@ -4,14 +4,19 @@
 // last 150,000 stay. Characters are those a reader sees (grapheme clusters). Appending costs what the new text costs,
 // whatever the log already holds.
 
+#include "RunController/GraphemeCounter.h"
+
+#include <QByteArrayView>
 #include <QString>
 #include <QUtf8StringView>
+
+#include <limits>
 
 class CappedLog
 {
 public:
-    static constexpr qsizetype capacity = 200'000;
-    static constexpr qsizetype keptCharacters = 150'000;
+    static constexpr int capacity = 200'000;
+    static constexpr int keptCharacters = 150'000;
 
     const QString &text() const { return m_text; }
 
@@ -22,10 +27,8 @@ public:
     void replace(const QString &text);
 
 private:
-    void count(qsizetype from);
+    void keepLast(int characters);
 
     QString m_text;
-    qsizetype m_characters = 0;
-    /// Where the last character starts: text that comes next may still join it.
-    qsizetype m_lastCharacter = 0;
+    GraphemeCounter m_counter{std::numeric_limits<int>::max()};
 };

@@ -63,17 +63,19 @@ void RunController::stop()
     m_cancellation.request();
 }
 
-OrbCLI::StartHandler RunController::keepHandle()
+QCoro::Task<OrbCLI::StreamResult> RunController::stream(const QString &orb, const QStringList &arguments,
+                                                        const std::optional<QString> &input,
+                                                        std::optional<double> timeLimit, OutputKind kindOfOutput)
 {
-    return [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); };
-}
-
-OrbCLI::OutputHandler RunController::appendAs(OutputKind kindOfOutput)
-{
-    return [self = QPointer(this), kindOfOutput](QUtf8StringView text, bool isError) {
-        if (self)
-            self->append(text, isError ? OutputKind::err : kindOfOutput);
-    };
+    // A function of its own and not a coroutine: GCC 12 destroys twice what a lambda holds when the lambda stands
+    // inside an awaited expression.
+    return OrbCLI::streamAsync(
+        orb, arguments, input, timeLimit,
+        [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); },
+        [self = QPointer(this), kindOfOutput](QUtf8StringView text, bool isError) {
+            if (self)
+                self->append(text, isError ? OutputKind::err : kindOfOutput);
+        });
 }
 
 QCoro::Task<> RunController::execute(RunJob job, QPointer<HistoryStore> history)
@@ -132,8 +134,8 @@ QCoro::Task<bool> RunController::createMachine(QString orb, QString name, QStrin
     m_phase = u"Creating "_s + name + u'…';
     append(u"Creating disposable machine "_s + name + u" ("_s + distro + u")…\n"_s, OutputKind::info);
     const QStringList arguments{u"create"_s, distro, name};
-    const OrbCLI::StreamResult result = co_await OrbCLI::streamAsync(orb, arguments, std::nullopt, m_limits.creation,
-                                                                     keepHandle(), appendAs(OutputKind::info));
+    const OrbCLI::StreamResult result =
+        co_await stream(orb, arguments, std::nullopt, m_limits.creation, OutputKind::info);
     co_return self &&result.status == 0 && !m_cancellation.isRequested();
 }
 
@@ -146,8 +148,7 @@ QCoro::Task<RunController::Outcome> RunController::runScript(QString orb, QStrin
     append(ScriptComposition::echoedCommand(machine, shell, job.folder), OutputKind::info);
     const QStringList arguments{u"-m"_s, machine, shell, u"-s"_s};
     const std::optional<double> timeLimit = job.timeoutEnabled ? std::optional(m_limits.script) : std::nullopt;
-    const OrbCLI::StreamResult result =
-        co_await OrbCLI::streamAsync(orb, arguments, script, timeLimit, keepHandle(), appendAs(OutputKind::out));
+    const OrbCLI::StreamResult result = co_await stream(orb, arguments, script, timeLimit, OutputKind::out);
     if (!self)
         co_return Outcome();
 

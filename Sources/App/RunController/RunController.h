@@ -97,8 +97,9 @@ private:
     QCoro::Task<bool> createMachine(QString orb, QString name, QString distro);
     QCoro::Task<Outcome> runScript(QString orb, QString machine, RunJob job);
     QCoro::Task<> deleteMachine(QString orb, QString name);
-    OrbCLI::StartHandler keepHandle();
-    OrbCLI::OutputHandler appendAs(OutputKind kindOfOutput);
+    QCoro::Task<OrbCLI::StreamResult> stream(const QString &orb, const QStringList &arguments,
+                                             const std::optional<QString> &input, std::optional<double> timeLimit,
+                                             OutputKind kindOfOutput);
 
     const RunTimeLimits m_limits;
     Transcript m_transcript;

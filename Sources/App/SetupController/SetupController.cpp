@@ -83,8 +83,7 @@ QCoro::Task<> SetupController::performInstall(QString brew)
 {
     const QPointer<SetupController> self(this);
     const QStringList arguments{u"install"_s, u"--cask"_s, u"orbstack"_s};
-    const OrbCLI::StreamResult result =
-        co_await OrbCLI::streamAsync(brew, arguments, std::nullopt, m_limits.install, keepHandle(), outputToLog());
+    const OrbCLI::StreamResult result = co_await streamToLog(brew, arguments, m_limits.install);
     if (!self)
         co_return;
     m_cancellation.childEnded();
@@ -132,7 +131,7 @@ QCoro::Task<> SetupController::bringUp()
     const QDeadlineTimer deadline(duration(m_limits.start), Qt::PreciseTimer);
     const QStringList arguments{u"start"_s};
     // How the command ends does not matter: only what OrbStack reports afterwards does.
-    co_await OrbCLI::streamAsync(*orb, arguments, std::nullopt, m_limits.start, keepHandle(), outputToLog());
+    co_await streamToLog(*orb, arguments, m_limits.start);
     if (!self)
         co_return;
     m_cancellation.childEnded();
@@ -201,17 +200,18 @@ bool SetupController::isMacSupported()
 #endif
 }
 
-OrbCLI::StartHandler SetupController::keepHandle()
+QCoro::Task<OrbCLI::StreamResult> SetupController::streamToLog(const QString &tool, const QStringList &arguments,
+                                                               double timeLimit)
 {
-    return [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); };
-}
-
-OrbCLI::OutputHandler SetupController::outputToLog()
-{
-    return [self = QPointer(this)](QUtf8StringView text, bool) {
-        if (self)
-            self->appendLog(text);
-    };
+    // A function of its own and not a coroutine: GCC 12 destroys twice what a lambda holds when the lambda stands
+    // inside an awaited expression.
+    return OrbCLI::streamAsync(
+        tool, arguments, std::nullopt, timeLimit,
+        [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); },
+        [self = QPointer(this)](QUtf8StringView text, bool) {
+            if (self)
+                self->appendLog(text);
+        });
 }
 
 void SetupController::appendLog(QUtf8StringView text)

@@ -86,8 +86,7 @@ private:
     QCoro::Task<> performInstall(QString brew);
     QCoro::Task<> performStop(QString orb);
     QCoro::Task<> bringUp();
-    OrbCLI::StartHandler keepHandle();
-    OrbCLI::OutputHandler outputToLog();
+    QCoro::Task<OrbCLI::StreamResult> streamToLog(const QString &tool, const QStringList &arguments, double timeLimit);
     void appendLog(QUtf8StringView text);
     void clearLog();
 
