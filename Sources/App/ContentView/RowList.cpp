@@ -50,14 +50,11 @@ void RowList::setRows(const QList<RowContent> &rows)
     const int focusedButton = focused != nullptr ? focused->focusedButton().value_or(0) : 0;
     const bool focusedStays = focused == nullptr || indexes.contains(m_keys[focusedIndex]);
 
-    const std::map<int, RowWidget *> widgets = std::exchange(m_widgets, {});
-    const QList<Key> formerKeys = std::exchange(m_keys, keys);
-    m_rows = rows;
     QList<RowWidget *> leaving;
     bool isOrderKept = true;
     int last = -1;
-    for (const auto &[index, row] : widgets) {
-        const int later = indexes.value(formerKeys[index], -1);
+    for (const auto &[index, row] : std::exchange(m_widgets, {})) {
+        const int later = indexes.value(m_keys[index], -1);
         row->setIndex(later);
         if (later < 0) {
             leaving.append(row);
@@ -66,11 +63,17 @@ void RowList::setRows(const QList<RowContent> &rows)
         isOrderKept = isOrderKept && later > last;
         last = later;
         m_widgets.emplace(later, row);
-        row->setContent(m_rows[later]);
     }
+    m_rows = rows;
+    m_keys = keys;
     measure();
-    for (const auto &[index, row] : m_widgets)
-        place(row);
+    // A copy, because a row that moves the focus makes or retires others.
+    const std::map<int, RowWidget *> staying = m_widgets;
+    for (const auto &[index, row] : staying) {
+        row->setContent(m_rows[index]);
+        if (row->index() >= 0)
+            place(row);
+    }
     if (!isOrderKept) {
         for (auto position = m_widgets.begin(); position != m_widgets.end(); ++position)
             linkIntoTabOrder(position);
