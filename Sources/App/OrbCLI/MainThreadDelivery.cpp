@@ -9,8 +9,8 @@
 namespace
 {
 
-/// A quarter of a frame: the rest of it is for painting and for the user.
-constexpr auto sliceLength = std::chrono::milliseconds(4);
+/// An eighth of a frame; the rest is for painting and for the user. An event loop may give two slices a turn.
+constexpr auto sliceLength = std::chrono::milliseconds(2);
 
 } // namespace
 
