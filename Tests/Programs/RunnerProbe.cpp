@@ -48,7 +48,7 @@ int report()
         struct sigaction action = {};
         if (::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
             ignored += u' ' + QString::number(signal);
-        if (::sigismember(&mask, signal) == 1)
+        if (sigismember(&mask, signal) == 1)
             blocked += u' ' + QString::number(signal);
     }
     const QString text = u"input: "_s + inputKind() + u"\ndescriptors:"_s + descriptors + u"\nignored:"_s + ignored +

@@ -50,12 +50,12 @@ public:
     {
         ::posix_spawnattr_init(&m_attributes);
         sigset_t signals;
-        ::sigemptyset(&signals);
+        sigemptyset(&signals);
         ::posix_spawnattr_setsigmask(&m_attributes, &signals);
         // Ignored signals are inherited, and this program ignores the broken-pipe signal.
-        ::sigfillset(&signals);
-        ::sigdelset(&signals, SIGKILL);
-        ::sigdelset(&signals, SIGSTOP);
+        sigfillset(&signals);
+        sigdelset(&signals, SIGKILL);
+        sigdelset(&signals, SIGSTOP);
         ::posix_spawnattr_setsigdefault(&m_attributes, &signals);
         int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
 #ifdef POSIX_SPAWN_CLOEXEC_DEFAULT

@@ -51,7 +51,7 @@ std::vector<std::string> toUtf8(const QStringList &texts)
 void blockSignals(sigset_t *before)
 {
     sigset_t all;
-    ::sigfillset(&all);
+    sigfillset(&all);
     ::pthread_sigmask(SIG_SETMASK, &all, before);
 }
 

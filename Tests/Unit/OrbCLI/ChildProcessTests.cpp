@@ -31,8 +31,8 @@ TEST(ChildProcess, GetsOnlyItsStandardStreamsAndPlainSignals)
     ASSERT_GE(inheritable, 0);
     sigset_t signals;
     sigset_t before;
-    ::sigemptyset(&signals);
-    ::sigaddset(&signals, SIGUSR1);
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGUSR1);
     ::pthread_sigmask(SIG_BLOCK, &signals, &before);
     const auto recording = record(probe(), {u"report"_s}, u"input"_s);
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
