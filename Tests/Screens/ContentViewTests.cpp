@@ -235,13 +235,14 @@ TEST(ContentView, ReadsFromTopToBottomWithTheTabKey)
     ByName::find<QLineEdit>(content, u"Packages, e.g. git curl"_s)->setText(u"git"_s);
     ByName::find<QAbstractButton>(content, u"Stop"_s, u"Stop OrbStack"_s)->setFocus();
     QStringList order;
-    for (int step = 0; step < 13; ++step) {
+    for (int step = 0; step < 14; ++step) {
         order.append(ByName::nameOf(content.focusWidget()));
         QTest::keyClick(content.focusWidget(), Qt::Key_Tab);
     }
-    EXPECT_EQ(order, QStringList({u"Stop"_s, u"Run"_s, u"Script"_s, u"Machine"_s, u"Disposable mode"_s,
-                                  u"Share a folder…"_s, u"10 minute time limit"_s, u"Packages, e.g. git curl"_s,
-                                  u"Install packages"_s, u"Run"_s, u"Copy output"_s, u"Clear"_s, u"Stop"_s}));
+    EXPECT_EQ(order,
+              QStringList({u"Stop"_s, u"Run"_s, u"Script"_s, u"Machine"_s, u"Disposable mode"_s, u"Share a folder…"_s,
+                           u"10 minute time limit"_s, u"Packages, e.g. git curl"_s, u"Install packages"_s, u"Run"_s,
+                           u"Copy output"_s, u"Clear"_s, u"Output"_s, u"Stop"_s}));
 }
 
 TEST(ContentView, FitsItsSmallestSizeByScrollingTheScreen)

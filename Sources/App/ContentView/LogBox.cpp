@@ -1,9 +1,7 @@
 #include "ContentView/LogBox.h"
 
-#include "ContentView/Colours.h"
+#include "ContentView/PaneFrame.h"
 #include "ContentView/Typography.h"
-
-#include <QPainter>
 
 #include <chrono>
 
@@ -11,7 +9,6 @@ namespace
 {
 
 constexpr auto frame = std::chrono::milliseconds(16);
-constexpr double cornerRadius = 6;
 
 } // namespace
 
@@ -49,13 +46,8 @@ void LogBox::showNow()
 
 bool LogBox::event(QEvent *event)
 {
-    if (event->type() == QEvent::Paint) {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight)) : QPen(Qt::NoPen));
-        painter.setBrush(Colours::paneTint(palette()));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
-    }
+    if (event->type() == QEvent::Paint)
+        PaneFrame::paint(*this);
     if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
         update();
     return PlainTextBox::event(event);

@@ -5,6 +5,7 @@
 #include "ContentView/DisposableToggle.h"
 #include "ContentView/FolderPicker.h"
 #include "ContentView/MachinePicker.h"
+#include "ContentView/OutputPane.h"
 #include "ContentView/Picker.h"
 #include "ContentView/PlainLabel.h"
 #include "ContentView/RunStatus.h"
@@ -69,10 +70,7 @@ RunView::RunView(const Controllers &controllers, QWidget *parent) : QWidget(pare
     auto *output = new QVBoxLayout;
     output->setSpacing(6);
     output->addLayout(makeOutputHeader());
-    auto *pane = new QWidget(this);
-    pane->setAccessibleName(u"Output"_s);
-    pane->setMinimumHeight(160);
-    output->addWidget(pane, 1);
+    output->addWidget(new OutputPane(controllers.run, this), 1);
     layout->addLayout(output, 2);
 
     followControllers();

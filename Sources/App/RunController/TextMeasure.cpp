@@ -20,11 +20,33 @@ const char *lineFeedIn(const char *from, const char *end)
     return found ? static_cast<const char *>(found) : end;
 }
 
+/// True when there is nothing but printable ASCII and line feeds. Without a branch, so that many bytes go at once.
+bool isPlain(QByteArrayView text)
+{
+    unsigned char special = 0;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        const bool isSpecial = byte >= 0x7fU || (byte < 0x20U && byte != '\n');
+        special = static_cast<unsigned char>(special | static_cast<unsigned char>(isSpecial));
+    }
+    return special == 0;
+}
+
+/// The cells of the character that begins at `at`, a tab excepted.
+std::int32_t cellsOf(QByteArrayView text, qsizetype at)
+{
+    const auto byte = static_cast<unsigned char>(text[at]);
+    if (byte == '\r' && at + 1 < text.size() && text[at + 1] == '\n')
+        return 0;
+    const bool isControl = byte < 0x20U || byte == 0x7fU;
+    return isControl || Utf8::lengthOf(text[at]) > 2 ? 2 : 1;
+}
+
 } // namespace
 
 void TextMeasure::add(QByteArrayView text)
 {
-    if (Utf8::asciiPrefix(text) == text.size() && !text.contains('\t'))
+    if (isPlain(text))
         addPlain(text);
     else
         addAny(text);
@@ -49,18 +71,17 @@ void TextMeasure::addPlain(QByteArrayView text)
 
 void TextMeasure::addAny(QByteArrayView text)
 {
-    for (const char byte : text) {
-        if (byte == '\n') {
-            endLine();
-            ++m_utf16Length;
-            continue;
-        }
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const char byte = text[at];
         if (Utf8::isContinuation(byte))
             continue;
-        const int length = Utf8::lengthOf(byte);
-        const std::int32_t width = byte == '\t' ? tabWidth - m_openLine % tabWidth : length > 2 ? 2 : 1;
+        m_utf16Length += Utf8::lengthOf(byte) == 4 ? 2 : 1;
+        if (byte == '\n') {
+            endLine();
+            continue;
+        }
+        const std::int32_t width = byte == '\t' ? tabWidth - m_openLine % tabWidth : cellsOf(text, at);
         m_openLine += width;
         m_cells += width;
-        m_utf16Length += length == 4 ? 2 : 1;
     }
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-// How wide lines of UTF-8 may become in cells of a fixed-width font, quickly and never too little: exact for printable
-// ASCII and tabs, two cells for any code point that might take two.
+// How wide lines of UTF-8 may become in cells of a fixed-width font, quickly: exact for ASCII, where a control
+// character is shown in caret notation and takes two cells; two cells for any other code point that might take two.
+// Only marks without a shape, which are shown by their numbers, take more.
 
 #include <QByteArrayView>
 

@@ -146,10 +146,22 @@ QByteArrayView TextStore::bytesBetween(BlockNumber number, Position from, Positi
     return bytes(number).sliced(first - facts.begin, last - first);
 }
 
+/// The position itself or the next at which a code point begins, within the text.
+TextStore::Position TextStore::codePointAt(Position position) const
+{
+    position = std::clamp(position, m_begin, m_end);
+    if (isEmpty())
+        return position;
+    const BlockNumber number = blockAt(position);
+    const QByteArrayView after = bytesBetween(number, position, block(number).end());
+    const auto start = std::find_if_not(after.begin(), after.end(), Utf8::isContinuation);
+    return position + (start - after.begin());
+}
+
 QString TextStore::text(Position from, Position to) const
 {
-    from = std::max(from, m_begin);
-    to = std::min(to, m_end);
+    from = codePointAt(from);
+    to = codePointAt(to);
     if (from >= to)
         return {};
     QString result(utf16Offset(to) - utf16Offset(from), Qt::Uninitialized);

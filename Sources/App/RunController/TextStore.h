@@ -31,7 +31,8 @@ public:
     static constexpr std::int32_t blockCapacity = 128 * 1024;
     static constexpr std::int32_t longestMovedLine = 16 * 1024;
 
-    /// What is known of a block without looking at its bytes. Widths are upper bounds, in cells of a fixed-width font.
+    /// What is known of a block without looking at its bytes. Widths are in cells of a fixed-width font, as
+    /// TextMeasure finds them: hardly ever too small.
     struct Block {
         Position begin = 0;
         /// The UTF-16 code units of all text before the block, since the first byte ever appended.
@@ -69,7 +70,7 @@ public:
     /// The block that holds `position`; the last one for the end. The store must not be empty.
     BlockNumber blockAt(Position position) const;
 
-    /// A copy of the text between two positions at code points.
+    /// A copy of the text between two positions.
     QString text(Position from, Position to) const;
 
     /// UTF-16 code units between begin() and `position`.
@@ -104,6 +105,7 @@ private:
     qsizetype fill(QByteArrayView text);
     void startBlock();
     void add(StoredBlock &block, QByteArrayView text);
+    Position codePointAt(Position position) const;
     QByteArrayView bytesBetween(BlockNumber number, Position from, Position to) const;
 
     std::deque<StoredBlock> m_blocks;

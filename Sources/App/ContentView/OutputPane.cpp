@@ -1,0 +1,297 @@
+#include "ContentView/OutputPane.h"
+
+#include "ContentView/Colours.h"
+#include "ContentView/OutputPanePainter.h"
+#include "ContentView/PaneFrame.h"
+#include "ContentView/Typography.h"
+#include "RunController/RunController.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr int fontSize = 12;
+constexpr int frameThickness = 2;
+constexpr int lowest = 160;
+constexpr int millisecondsPerFrame = 16;
+/// The scroll bar counts in int; beyond this many pixels each of its steps is several.
+constexpr qint64 mostSteps = 1'000'000'000;
+
+} // namespace
+
+OutputPane::OutputPane(RunController &controller, QWidget *parent)
+    : QAbstractScrollArea(parent),
+      m_controller(controller),
+      m_font(Typography::monospaced(fontSize)),
+      m_rows(controller.transcript().text()),
+      m_view(m_rows),
+      m_navigation(m_rows, m_font),
+      m_announcer(m_rows.text())
+{
+    OutputPaneAccessible::install();
+    setAccessibleName(u"Output"_s);
+    setFocusPolicy(Qt::StrongFocus);
+    // A frame of its own keeps the scroll bar's corners within the rounded ones.
+    setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
+    setLineWidth(frameThickness);
+    setMinimumHeight(lowest);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    viewport()->setAutoFillBackground(false);
+    viewport()->setCursor(Qt::IBeamCursor);
+    m_selection.moveTo({transcript().end(), false});
+
+    m_frame.setSingleShot(true);
+    m_frame.setTimerType(Qt::PreciseTimer);
+    connect(&m_frame, &QTimer::timeout, this, &OutputPane::showChanges);
+    connect(&controller, &RunController::revisionChanged, this, [this] {
+        m_wantsEnd = true;
+        requestFrame();
+    });
+    connect(&controller, &RunController::transcriptCleared, this, [this] {
+        m_wantsEnd = true;
+        m_caretAtEnd = true;
+        requestFrame();
+    });
+    connect(verticalScrollBar(), &QScrollBar::actionTriggered, this, &OutputPane::scrollByStep);
+    connect(verticalScrollBar(), &QScrollBar::sliderReleased, this, &OutputPane::requestFrame);
+}
+
+const Transcript &OutputPane::transcript() const
+{
+    return m_controller.transcript();
+}
+
+QSize OutputPane::sizeHint() const
+{
+    return {400, lowest};
+}
+
+/// However many changes come, they are shown once a frame, the first of them at once.
+void OutputPane::requestFrame()
+{
+    if (m_frame.isActive())
+        return;
+    const qint64 elapsed = m_sinceFrame.isValid() ? m_sinceFrame.elapsed() : millisecondsPerFrame;
+    m_frame.start(static_cast<int>(std::clamp<qint64>(millisecondsPerFrame - elapsed, 0, millisecondsPerFrame)));
+}
+
+void OutputPane::showChanges()
+{
+    m_sinceFrame.start();
+    const bool held = m_dragUnit != Unit::none || verticalScrollBar()->isSliderDown();
+    if (m_wantsEnd && !held) {
+        m_wantsEnd = false;
+        m_view.scrollToEnd();
+    }
+    m_selection.keepWithin(transcript().begin(), transcript().end());
+    if (m_caretAtEnd && m_selection.isEmpty() && !held)
+        m_selection.moveTo({transcript().end(), false});
+    m_announcer.announceText(*this);
+    if (isVisible())
+        updateView();
+}
+
+void OutputPane::updateView()
+{
+    updateScrollBar();
+    viewport()->update();
+}
+
+void OutputPane::updateScrollBar()
+{
+    QScrollBar *const bar = verticalScrollBar();
+    // A slider in the user's hand stays where it is.
+    if (bar->isSliderDown())
+        return;
+    const QScopedValueRollback updating(m_updatesScrollBar, true);
+    const qint64 height = m_view.contentHeight();
+    m_pixelsPerStep = 1 + height / mostSteps;
+    const auto steps = [this](qint64 pixels) { return static_cast<int>(pixels / m_pixelsPerStep); };
+    bar->setRange(0, steps(std::max<qint64>(0, height - viewport()->height())));
+    bar->setPageStep(std::max(1, steps(viewport()->height())));
+    bar->setSingleStep(std::max(1, steps(m_font.rowHeight())));
+    bar->setValue(m_view.isAtEnd() ? bar->maximum() : steps(m_view.contentAbove()));
+}
+
+/// The bar was moved by the user, or by a program that drives it.
+void OutputPane::scrollContentsBy(int /*dx*/, int dy)
+{
+    if (m_updatesScrollBar || dy == 0)
+        return;
+    const QScrollBar *const bar = verticalScrollBar();
+    if (bar->value() == bar->maximum())
+        m_view.scrollToEnd();
+    else
+        m_view.scrollTo(bar->value() * m_pixelsPerStep);
+    viewport()->update();
+}
+
+/// Steps and pages go by true pixels, also where the bar's own steps are coarser or its length only estimated.
+void OutputPane::scrollByStep(int action)
+{
+    const int page = std::max(m_font.rowHeight(), viewport()->height() - m_font.rowHeight());
+    switch (action) {
+    case QAbstractSlider::SliderSingleStepAdd:
+        m_view.scrollBy(m_font.rowHeight());
+        break;
+    case QAbstractSlider::SliderSingleStepSub:
+        m_view.scrollBy(-m_font.rowHeight());
+        break;
+    case QAbstractSlider::SliderPageStepAdd:
+        m_view.scrollBy(page);
+        break;
+    case QAbstractSlider::SliderPageStepSub:
+        m_view.scrollBy(-page);
+        break;
+    default:
+        return;
+    }
+    updateView();
+}
+
+bool OutputPane::event(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::Paint:
+        PaneFrame::paint(*this);
+        return true;
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        update();
+        viewport()->update();
+        break;
+    case QEvent::ShortcutOverride: {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (key->matches(QKeySequence::Copy) || key->matches(QKeySequence::SelectAll) || OutputPaneKeys::moveFor(*key))
+            event->accept();
+        break;
+    }
+    default:
+        break;
+    }
+    return QAbstractScrollArea::event(event);
+}
+
+void OutputPane::resizeEvent(QResizeEvent *event)
+{
+    QAbstractScrollArea::resizeEvent(event);
+    const double width = viewport()->width() - 2 * OutputPaneViewport::padding;
+    m_rows.setColumns(static_cast<int>(std::floor(width / m_font.cellWidth())));
+    m_view.setHeights(viewport()->height(), m_font.rowHeight());
+    m_wantedX.reset();
+    if (isVisible())
+        updateView();
+}
+
+void OutputPane::showEvent(QShowEvent *event)
+{
+    QAbstractScrollArea::showEvent(event);
+    showChanges();
+}
+
+void OutputPane::changeEvent(QEvent *event)
+{
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ActivationChange)
+        viewport()->update();
+}
+
+void OutputPane::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(viewport());
+    if (!transcript().isEmpty()) {
+        paintRows(painter, event->rect());
+        return;
+    }
+    painter.setFont(m_font.font());
+    painter.setPen(Colours::secondary(palette()));
+    painter.drawText(QPointF(OutputPaneViewport::padding, OutputPaneViewport::padding + m_font.ascent()),
+                     u"Output appears here."_s);
+}
+
+void OutputPane::paintRows(QPainter &painter, const QRect &area)
+{
+    OutputPanePainter rowPainter(painter, m_font, palette());
+    std::vector<OutputPanePainter::Style> styles;
+    for (const OutputPaneViewport::VisibleRow &visible : m_view.visibleRows()) {
+        if (visible.y > area.bottom() || visible.y + m_font.rowHeight() <= area.top())
+            continue;
+        const Position begin = m_rows.begin(visible.row);
+        const OutputPaneRow row = m_navigation.layOut(visible.row);
+        Transcript::Run run = transcript().runAt(begin);
+        styles.clear();
+        for (const OutputCluster &cluster : row.clusters()) {
+            const Position position = begin + cluster.begin;
+            if (position >= run.end)
+                run = transcript().runAt(position);
+            styles.push_back({run.kind, position >= m_selection.begin() && position < m_selection.end()});
+        }
+        rowPainter.draw(row, m_rows.bytes(visible.row), styles, QPointF(OutputPaneViewport::padding, visible.y));
+    }
+    paintCaret(painter);
+}
+
+void OutputPane::paintCaret(QPainter &painter)
+{
+    if (!hasFocus() || !m_selection.isEmpty() || m_rows.isEmpty())
+        return;
+    const OutputPaneRows::Row row = m_navigation.rowOf(m_selection.caret());
+    for (const OutputPaneViewport::VisibleRow &visible : m_view.visibleRows()) {
+        if (visible.row == row) {
+            const double x = OutputPaneViewport::padding + m_navigation.xOf(m_selection.caret());
+            painter.fillRect(QRectF(x, visible.y, 1, m_font.rowHeight()), Colours::primary(palette()));
+        }
+    }
+}
+
+OutputPane::Position OutputPane::positionAt(QPoint point)
+{
+    if (m_rows.isEmpty())
+        return transcript().begin();
+    const std::vector<OutputPaneViewport::VisibleRow> visible = m_view.visibleRows();
+    auto found = std::find_if(visible.begin(), visible.end(), [&](const OutputPaneViewport::VisibleRow &each) {
+        return point.y() < each.y + m_font.rowHeight();
+    });
+    if (found == visible.end())
+        --found;
+    const OutputPaneRow row = m_navigation.layOut(found->row);
+    return m_rows.begin(found->row) + row.byteAt(point.x() - OutputPaneViewport::padding);
+}
+
+QRect OutputPane::characterRect(Position position)
+{
+    if (m_rows.isEmpty())
+        return {};
+    const OutputPaneRows::Row row = m_rows.at(position);
+    for (const OutputPaneViewport::VisibleRow &visible : m_view.visibleRows()) {
+        if (!(visible.row == row))
+            continue;
+        const OutputPaneRow laidOut = m_navigation.layOut(row);
+        const qint64 byte = position - m_rows.begin(row);
+        const std::size_t index = laidOut.indexOf(byte);
+        const double one = laidOut.xOf(byte);
+        const double other = index < laidOut.clusters().size() ? laidOut.xOf(laidOut.clusters()[index].end()) : one;
+        return QRectF(OutputPaneViewport::padding + std::min(one, other), visible.y, std::abs(other - one),
+                      m_font.rowHeight())
+            .toAlignedRect();
+    }
+    return {};
+}
+
+void OutputPane::scrollTo(Position position)
+{
+    if (m_rows.isEmpty())
+        return;
+    m_view.show(m_rows.at(position));
+    updateView();
+}

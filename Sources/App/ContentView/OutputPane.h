@@ -1,0 +1,120 @@
+#pragma once
+
+// The scrolling view of a run's transcript: one selectable text, each piece coloured by its kind, wrapped at the pane's
+// width. It is a view only: it draws the rows that are visible straight from the transcript, keeps no copy, and never
+// writes to the controller. Every append brings the end into view, unless the user holds a mouse button here: then as
+// soon as the button is released. However much arrives, the pane is brought up to date at most once a frame.
+
+#include "ContentView/OutputPaneAccessible.h"
+#include "ContentView/OutputPaneFont.h"
+#include "ContentView/OutputPaneKeys.h"
+#include "ContentView/OutputPaneNavigation.h"
+#include "ContentView/OutputPaneRows.h"
+#include "ContentView/OutputPaneSelection.h"
+#include "ContentView/OutputPaneViewport.h"
+
+#include <QAbstractScrollArea>
+#include <QBasicTimer>
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include <optional>
+
+class RunController;
+class Transcript;
+
+class OutputPane : public QAbstractScrollArea
+{
+    Q_OBJECT
+
+public:
+    using Position = TextStore::Position;
+
+    /// `controller` must outlive the pane.
+    explicit OutputPane(RunController &controller, QWidget *parent = nullptr);
+
+    const Transcript &transcript() const;
+
+    const OutputPaneSelection &selection() const { return m_selection; }
+    /// Selects from one position to another, where the caret comes to stand.
+    void select(Position from, Position to);
+    /// The original characters, of all kinds of output alike.
+    QString selectedText() const;
+
+    const OutputPaneNavigation &navigation() const { return m_navigation; }
+    /// The position under a point of the viewport, or the nearest.
+    Position positionAt(QPoint point);
+    /// Where the character at a position is drawn in the viewport; empty when it is not in view.
+    QRect characterRect(Position position);
+    void scrollTo(Position position);
+
+    QSize sizeHint() const override;
+
+public Q_SLOTS:
+    /// Copies the selection to the clipboard; does nothing when there is none.
+    void copy();
+    void selectAll();
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+
+private:
+    /// What a drag of the mouse selects by.
+    enum class Unit { none, character, word, line };
+
+    void requestFrame();
+    void showChanges();
+    void updateView();
+    void updateScrollBar();
+    void scrollByStep(int action);
+    void paintRows(QPainter &painter, const QRect &area);
+    void paintCaret(QPainter &painter);
+
+    void move(OutputMove move);
+    OutputCaret goalOf(OutputMove::Goal goal);
+    OutputCaret rowsAway(int rows);
+    void press(QPoint point, Unit unit, bool extends);
+    void dragTo(QPoint point);
+    void selectionMoved();
+    OutputCaret caretAt(QPoint point);
+    OutputRange unitAt(QPoint point);
+
+    RunController &m_controller;
+    OutputPaneFont m_font;
+    OutputPaneRows m_rows;
+    OutputPaneViewport m_view;
+    OutputPaneNavigation m_navigation;
+    OutputPaneSelection m_selection;
+    OutputPaneAccessible::Announcer m_announcer;
+
+    QTimer m_frame;
+    QElapsedTimer m_sinceFrame;
+    /// The end must come into view with the next frame in which no button is held.
+    bool m_wantsEnd = true;
+    /// The caret stands at the end and goes with it.
+    bool m_caretAtEnd = true;
+    bool m_updatesScrollBar = false;
+    /// Content pixels for one step of the scroll bar, more than one where an int would not do.
+    qint64 m_pixelsPerStep = 1;
+
+    Unit m_dragUnit = Unit::none;
+    QPoint m_dragPoint;
+    QBasicTimer m_autoScroll;
+    QElapsedTimer m_sinceDoubleClick;
+    QPoint m_doubleClickPoint;
+    /// The column, in pixels, that moves up and down keep to.
+    std::optional<double> m_wantedX;
+};

@@ -1,0 +1,55 @@
+#pragma once
+
+// Where the caret goes in the output: by characters, words, rows and lines. A caret stands before a position; at a soft
+// wrap it may as well stand at the end of the row before.
+
+#include "ContentView/OutputPaneFont.h"
+#include "ContentView/OutputPaneRow.h"
+#include "ContentView/OutputPaneRows.h"
+
+struct OutputCaret {
+    TextStore::Position position = 0;
+    /// At a soft wrap: at the end of the row before, not at the start of the row that begins here.
+    bool endsRow = false;
+};
+
+struct OutputRange {
+    TextStore::Position begin = 0;
+    TextStore::Position end = 0;
+};
+
+/// Asked only while there is text. Positions may lie anywhere in it.
+class OutputPaneNavigation
+{
+public:
+    using Position = TextStore::Position;
+    using Row = OutputPaneRows::Row;
+
+    OutputPaneNavigation(OutputPaneRows &rows, const OutputPaneFont &font) : m_rows(rows), m_font(font) {}
+
+    OutputPaneRow layOut(const Row &row) const { return {m_rows.bytes(row), m_rows.columns(), m_font}; }
+    Row rowOf(OutputCaret caret) const;
+    double xOf(OutputCaret caret) const;
+    /// The place in that row nearest to `x`.
+    OutputCaret nearest(const Row &row, double x) const;
+
+    Position nextCharacter(Position position) const;
+    Position previousCharacter(Position position) const;
+    /// The start of the word after.
+    Position nextWord(Position position) const;
+    /// The start of this word, or of the one before.
+    Position previousWord(Position position) const;
+    OutputCaret rowBegin(OutputCaret caret) const;
+    OutputCaret rowEnd(OutputCaret caret) const;
+
+    /// The run of letters and digits, of blanks or of other signs around a position; empty at a line end.
+    OutputRange wordAt(Position position) const;
+    /// The row, with its line end if it has one.
+    OutputRange rowAt(Position position) const;
+    /// The line with its line end.
+    OutputRange lineAt(Position position) const;
+
+private:
+    OutputPaneRows &m_rows;
+    const OutputPaneFont &m_font;
+};

@@ -1,0 +1,50 @@
+#pragma once
+
+// Draws rows of the output pane: selection, runs of ASCII straight from their glyph numbers, other characters from the
+// font's memory, joined scripts as shaped texts.
+
+#include "ContentView/OutputPaneRow.h"
+#include "RunController/OutputKind.h"
+
+#include <QColor>
+#include <QPainter>
+#include <QPalette>
+
+#include <array>
+#include <vector>
+
+class OutputPanePainter
+{
+public:
+    /// How one cluster looks beside its shape.
+    struct Style {
+        OutputKind kind = OutputKind::out;
+        bool isSelected = false;
+
+        friend bool operator==(const Style &, const Style &) = default;
+    };
+
+    OutputPanePainter(QPainter &painter, OutputPaneFont &font, const QPalette &palette);
+
+    /// Draws a row with its top left corner at `place`; one style for each of its clusters.
+    void draw(const OutputPaneRow &row, QByteArrayView text, const std::vector<Style> &styles, QPointF place);
+
+private:
+    const QColor &colour(Style style) const;
+    void drawSelection(const OutputPaneRow &row, const std::vector<Style> &styles, QPointF place);
+    void drawClusters(const OutputPaneRow &row, QByteArrayView text, const std::vector<Style> &styles, QPointF place);
+    void drawJoined(const OutputPaneRow::Joined &joined, const std::vector<Style> &styles, QPointF place);
+    void addGlyph(char32_t character, QPointF place);
+    void addSymbol(const OutputCluster &cluster, Style style, QPointF place);
+    void drawAlone(const OutputCluster &cluster, QByteArrayView text, QPointF place);
+    void flush(Style style);
+
+    QPainter &m_painter;
+    OutputPaneFont &m_font;
+    std::array<QColor, 6> m_kinds;
+    QColor m_highlight;
+    QColor m_highlightedText;
+    /// The ASCII glyphs of one style that wait to be drawn together.
+    QList<quint32> m_glyphs;
+    QList<QPointF> m_places;
+};

@@ -1,0 +1,168 @@
+#include "ContentView/OutputPaneRow.h"
+
+#include "ContentView/OutputPaneRowBreak.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+using Look = OutputCluster::Look;
+
+/// Blanks, digits and signs stand within right-to-left text as part of it.
+bool isNeutral(const OutputCluster &cluster)
+{
+    const char32_t lower = cluster.first | 0x20U;
+    return cluster.look == Look::plain && (lower < U'a' || lower > U'z');
+}
+
+bool opens(char32_t character)
+{
+    return character == U'(' || character == U'[' || character == U'{';
+}
+
+bool closes(char32_t character)
+{
+    return character == U')' || character == U']' || character == U'}';
+}
+
+} // namespace
+
+OutputPaneRow::OutputPaneRow(QByteArrayView text, int columns, const OutputPaneFont &font) : m_text(text), m_font(font)
+{
+    OutputPaneClusters clusters(text);
+    OutputCluster cluster;
+    int column = 0;
+    bool joins = false;
+    while (clusters.next(cluster) && OutputPaneRowBreak::place(cluster, column, columns)) {
+        joins = joins || cluster.look == Look::joined || cluster.look == Look::rightToLeft;
+        m_clusters.push_back(cluster);
+    }
+    if (joins)
+        join();
+}
+
+void OutputPaneRow::join()
+{
+    for (std::size_t index = 0; index < m_clusters.size();) {
+        const Look look = m_clusters[index].look;
+        std::size_t end = index + 1;
+        if (look == Look::joined) {
+            while (end < m_clusters.size() && m_clusters[end].look == look)
+                ++end;
+            addJoined(index, end, Qt::LeftToRight);
+        } else if (look == Look::rightToLeft) {
+            end = rightToLeftEnd(index);
+            addJoined(index, end, Qt::RightToLeft);
+        }
+        index = end;
+    }
+}
+
+/// Right-to-left text goes on over blanks, digits and signs to the next letter of its direction, and takes in the
+/// bracket that closes one it opened.
+std::size_t OutputPaneRow::rightToLeftEnd(std::size_t first) const
+{
+    std::size_t end = first + 1;
+    int openBrackets = 0;
+    for (std::size_t ahead = end; ahead < m_clusters.size(); ++ahead) {
+        const OutputCluster &cluster = m_clusters[ahead];
+        if (cluster.look != Look::rightToLeft && !isNeutral(cluster))
+            break;
+        if (opens(cluster.first))
+            ++openBrackets;
+        const bool closesOwn = closes(cluster.first) && openBrackets > 0;
+        if (closesOwn)
+            --openBrackets;
+        if (cluster.look == Look::rightToLeft || (closesOwn && ahead == end))
+            end = ahead + 1;
+    }
+    return end;
+}
+
+void OutputPaneRow::addJoined(std::size_t first, std::size_t end, Qt::LayoutDirection direction)
+{
+    Joined joined{.first = first, .end = end};
+    QString text;
+    for (std::size_t index = first; index < end; ++index) {
+        joined.starts.push_back(static_cast<int>(text.size()));
+        text += QString::fromUtf8(m_text.sliced(m_clusters[index].begin, m_clusters[index].size));
+    }
+    joined.starts.push_back(static_cast<int>(text.size()));
+    const OutputCluster &last = m_clusters[end - 1];
+    joined.x = m_clusters[first].column * m_font.cellWidth();
+    joined.width = (last.column + last.cells) * m_font.cellWidth() - joined.x;
+    joined.layout = m_font.layout(text, direction);
+    const double natural = joined.layout->lineAt(0).naturalTextWidth();
+    joined.scale = natural > joined.width ? joined.width / natural : 1;
+    m_joined.push_back(std::move(joined));
+}
+
+const OutputPaneRow::Joined *OutputPaneRow::joinedAt(std::size_t index) const
+{
+    const auto found = std::find_if(m_joined.begin(), m_joined.end(),
+                                    [index](const Joined &each) { return each.first <= index && index < each.end; });
+    return found == m_joined.end() ? nullptr : &*found;
+}
+
+/// Where the caret stands before a cluster; in right-to-left text that is its right edge.
+double OutputPaneRow::left(std::size_t index) const
+{
+    if (const Joined *joined = joinedAt(index))
+        return joined->x + joined->scale * joined->layout->lineAt(0).cursorToX(joined->starts[index - joined->first]);
+    return m_clusters[index].column * m_font.cellWidth();
+}
+
+double OutputPaneRow::right(std::size_t index) const
+{
+    if (const Joined *joined = joinedAt(index)) {
+        const int next = joined->starts[index - joined->first + 1];
+        return joined->x + joined->scale * joined->layout->lineAt(0).cursorToX(next);
+    }
+    return (m_clusters[index].column + m_clusters[index].cells) * m_font.cellWidth();
+}
+
+std::size_t OutputPaneRow::indexOf(qint64 byte) const
+{
+    const auto found = std::find_if(m_clusters.begin(), m_clusters.end(),
+                                    [byte](const OutputCluster &cluster) { return byte < cluster.end(); });
+    return static_cast<std::size_t>(found - m_clusters.begin());
+}
+
+double OutputPaneRow::xOf(qint64 byte) const
+{
+    if (m_clusters.empty())
+        return 0;
+    const std::size_t index = indexOf(byte);
+    return index < m_clusters.size() ? left(index) : right(m_clusters.size() - 1);
+}
+
+qint64 OutputPaneRow::byteAt(double x) const
+{
+    for (std::size_t index = 0; index < m_clusters.size(); ++index) {
+        const double before = left(index);
+        const double after = right(index);
+        if (x < std::max(before, after) && (x >= std::min(before, after) || index == 0))
+            return m_clusters[index].begin;
+    }
+    return m_clusters.empty() ? 0 : m_clusters.back().begin;
+}
+
+qint64 OutputPaneRow::byteNearest(double x) const
+{
+    for (std::size_t index = 0; index < m_clusters.size(); ++index) {
+        const double before = left(index);
+        const double after = right(index);
+        if (x < std::max(before, after) && (x >= std::min(before, after) || index == 0))
+            return std::abs(x - before) <= std::abs(x - after) ? m_clusters[index].begin : m_clusters[index].end();
+    }
+    return endOfText();
+}
+
+qint64 OutputPaneRow::endOfText() const
+{
+    if (m_clusters.empty())
+        return 0;
+    return m_clusters.back().look == Look::lineEnd ? m_clusters.back().begin : m_clusters.back().end();
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+// One row of the output pane, laid out: its characters in their cells, and the stretches that must be shaped together
+// because their script joins letters or runs from right to left. Everything is measured from the row's left edge.
+
+#include "ContentView/OutputPaneClusters.h"
+#include "ContentView/OutputPaneFont.h"
+
+#include <QByteArrayView>
+
+#include <memory>
+#include <vector>
+
+class OutputPaneRow
+{
+public:
+    /// A stretch of clusters that is shaped as one text and pressed into its cells.
+    struct Joined {
+        std::size_t first = 0;
+        std::size_t end = 0;
+        double x = 0;
+        double width = 0;
+        /// Horizontal scale, below 1 where the font is wider than the cells.
+        double scale = 1;
+        std::unique_ptr<QTextLayout> layout = {};
+        /// Where each cluster starts in the layout's text, and its length at last.
+        std::vector<int> starts = {};
+    };
+
+    /// `text` is the row's bytes; `columns` the width at which it was broken.
+    OutputPaneRow(QByteArrayView text, int columns, const OutputPaneFont &font);
+
+    const std::vector<OutputCluster> &clusters() const { return m_clusters; }
+    const std::vector<Joined> &joined() const { return m_joined; }
+
+    /// The joined stretch that holds the cluster, if any.
+    const Joined *joinedAt(std::size_t index) const;
+
+    /// The index of the cluster that holds the byte, or the number of clusters behind the last.
+    std::size_t indexOf(qint64 byte) const;
+    /// Where the caret stands before that byte.
+    double xOf(qint64 byte) const;
+    /// The byte before which the caret comes to stand nearest to `x`: never behind a line end.
+    qint64 byteNearest(double x) const;
+    /// The byte of the cluster drawn at `x`, the nearest one beside the text.
+    qint64 byteAt(double x) const;
+    /// Behind the last character that is not a line end.
+    qint64 endOfText() const;
+
+private:
+    void join();
+    std::size_t rightToLeftEnd(std::size_t first) const;
+    void addJoined(std::size_t first, std::size_t end, Qt::LayoutDirection direction);
+    double left(std::size_t index) const;
+    double right(std::size_t index) const;
+
+    QByteArrayView m_text;
+    const OutputPaneFont &m_font;
+    std::vector<OutputCluster> m_clusters;
+    std::vector<Joined> m_joined;
+};

@@ -1,0 +1,123 @@
+#include "ContentView/OutputPaneViewport.h"
+
+#include <algorithm>
+
+namespace
+{
+
+/// Below the last row.
+constexpr int bottomSpace = OutputPaneViewport::padding + 1;
+
+} // namespace
+
+void OutputPaneViewport::setHeights(int viewport, int row)
+{
+    m_viewportHeight = viewport;
+    m_rowHeight = row;
+}
+
+std::vector<OutputPaneViewport::VisibleRow> OutputPaneViewport::visibleRows()
+{
+    std::vector<VisibleRow> visible;
+    if (m_rows.isEmpty())
+        return visible;
+    Top place = top();
+    auto y = static_cast<int>(-place.above);
+    do {
+        visible.push_back({place.row, y});
+        y += m_rowHeight;
+    } while (y < m_viewportHeight && m_rows.next(place.row));
+    return visible;
+}
+
+void OutputPaneViewport::scrollBy(qint64 pixels)
+{
+    if (m_rows.isEmpty())
+        return;
+    Top place = top();
+    place.above += pixels;
+    setTop(place);
+}
+
+void OutputPaneViewport::scrollTo(qint64 pixels)
+{
+    if (m_rows.isEmpty())
+        return;
+    if (pixels < padding) {
+        setTop({m_rows.first(), pixels - padding});
+        return;
+    }
+    const qint64 rows = (pixels - padding) / m_rowHeight;
+    setTop({m_rows.atCount(rows), (pixels - padding) % m_rowHeight});
+}
+
+void OutputPaneViewport::show(const Row &row)
+{
+    const Top place = top();
+    const auto isBefore = [](const Row &one, const Row &other) {
+        return one.block != other.block ? one.block < other.block : one.index < other.index;
+    };
+    if (isBefore(row, place.row) || (row == place.row && place.above > 0)) {
+        setTop({row, row == m_rows.first() ? -padding : 0});
+        return;
+    }
+    const std::vector<VisibleRow> visible = visibleRows();
+    const auto found =
+        std::find_if(visible.begin(), visible.end(), [&](const VisibleRow &each) { return each.row == row; });
+    if (found != visible.end() && found->y + m_rowHeight <= m_viewportHeight)
+        return;
+    setTop({row, m_rowHeight - m_viewportHeight + (row == m_rows.last() ? bottomSpace : 0)});
+}
+
+qint64 OutputPaneViewport::contentHeight()
+{
+    return m_rows.count() * m_rowHeight + padding + bottomSpace;
+}
+
+qint64 OutputPaneViewport::contentAbove()
+{
+    if (m_rows.isEmpty())
+        return 0;
+    const Top place = top();
+    return padding + m_rows.countBefore(place.row) * m_rowHeight + place.above;
+}
+
+OutputPaneViewport::Top OutputPaneViewport::top()
+{
+    if (m_isAtEnd)
+        return topAtEnd();
+    // What was there may have been dropped since, or stand in another row at another width.
+    if (m_topPosition < m_rows.text().begin())
+        setTop({m_rows.first(), -padding});
+    else
+        setTop({m_rows.at(m_topPosition), m_above});
+    return m_isAtEnd ? topAtEnd() : Top{m_rows.at(m_topPosition), m_above};
+}
+
+/// The place from which the rows reach exactly to the bottom; the start when they do not fill the viewport.
+OutputPaneViewport::Top OutputPaneViewport::topAtEnd()
+{
+    Top place{m_rows.last(), m_rowHeight + bottomSpace - m_viewportHeight};
+    while (place.above < 0 && m_rows.previous(place.row))
+        place.above += m_rowHeight;
+    place.above = std::max<qint64>(place.above, -padding);
+    return place;
+}
+
+/// Takes a place whose distance may be any number, and brings it within the row and the content.
+void OutputPaneViewport::setTop(Top top)
+{
+    while (top.above < 0 && m_rows.previous(top.row))
+        top.above += m_rowHeight;
+    while (top.above >= m_rowHeight && m_rows.next(top.row))
+        top.above -= m_rowHeight;
+    if (top.row == m_rows.first())
+        top.above = std::max<qint64>(top.above, -padding);
+
+    const Top last = topAtEnd();
+    m_isAtEnd = top.row.block > last.row.block ||
+                (top.row.block == last.row.block &&
+                 (top.row.index > last.row.index || (top.row.index == last.row.index && top.above >= last.above)));
+    m_topPosition = m_rows.begin(top.row);
+    m_above = top.above;
+}
