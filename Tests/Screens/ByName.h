@@ -19,9 +19,11 @@ inline QString nameOf(const QWidget *widget)
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(const_cast<QWidget *>(widget));
     if (accessible == nullptr)
         return {};
-    // A list of choices is named by its label; its name, on Linux, is the choice.
+    // A list of choices is named by its label; its own name, on Linux, is the choice.
     const auto labels = accessible->relations(QAccessible::Label);
-    return (labels.isEmpty() ? accessible : labels.first().first)->text(QAccessible::Name);
+    if (accessible->role() == QAccessible::ComboBox && !labels.isEmpty())
+        return labels.first().first->text(QAccessible::Name);
+    return accessible->text(QAccessible::Name);
 }
 
 inline QString descriptionOf(const QWidget *widget)
