@@ -200,10 +200,17 @@ class Tidewell:
         self.find(label, role="page tab").press()
 
     def picker(self, label):
-        """A combo box. Qt names one on Linux by its current item; its label is another thing, or there is none."""
+        """A combo box by its label, which is its name or another thing's."""
         boxes = self.root.find_all(role="combo box")
-        labelled = [box for box in boxes if label in [node.name for node in box.labels]]
-        return labelled[0] if labelled else next(box for box in boxes if not box.labels)
+        return next(box for box in boxes if label in [box.name, *(node.name for node in box.labels)])
+
+    def choice(self, label):
+        """What a combo box stands on."""
+        box = self.picker(label)
+        return box.description if box.name == label else box.name
+
+    def wait_for_choice(self, label, item):
+        self._waited_for(lambda: self.choice(label) == item, f"{label} stands on {item!r}")
 
     def choose(self, label, item):
         """Chooses an item of a combo box by the keyboard."""
@@ -212,7 +219,7 @@ class Tidewell:
         box.press()
         self._waited_for(lambda: box.find_all(role="list"), "the list of items")
         self.press_keys("Home", *["Down"] * items.index(item), "Return")
-        self._waited_for(lambda: box.name == item, f"{item!r} is chosen")
+        self.wait_for_choice(label, item)
 
     def write_script(self, script):
         self.find("Script").set_text(script)
@@ -231,7 +238,8 @@ class Tidewell:
 
     @property
     def output(self):
-        return self.find("Output", role="text").text
+        """What the output pane says now."""
+        return "".join(node.text for node in self.root.find_all("Output", role="text"))
 
     def wait_for_output(self, part):
         """The output, once it holds the part."""
