@@ -200,17 +200,12 @@ class Tidewell:
         self.find(label, role="page tab").press()
 
     def picker(self, label):
-        """A combo box by its label, which is its name or another thing's."""
+        """A combo box, whose name on Linux is its choice, by what labels it."""
         boxes = self.root.find_all(role="combo box")
-        return next(box for box in boxes if label in [box.name, *(node.name for node in box.labels)])
-
-    def choice(self, label):
-        """What a combo box stands on."""
-        box = self.picker(label)
-        return box.description if box.name == label else box.name
+        return next(box for box in boxes if label in [node.name for node in box.labels])
 
     def wait_for_choice(self, label, item):
-        self._waited_for(lambda: self.choice(label) == item, f"{label} stands on {item!r}")
+        self._waited_for(lambda: self.picker(label).name == item, f"{label} stands on {item!r}")
 
     def choose(self, label, item):
         """Chooses an item of a combo box by the keyboard."""
