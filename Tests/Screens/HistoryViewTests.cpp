@@ -107,7 +107,7 @@ TEST_F(HistoryViewTest, ShowsTheNewestRunFirstWithItsFourFacts)
     EXPECT_TRUE(isOffered(view(), u"Clear all"_s));
     const QList<PlainLabel *> labels = list().row(0)->findChildren<PlainLabel *>();
     EXPECT_EQ(labels[0]->font().pixelSize(), 12);
-    EXPECT_EQ(labels[1]->palette().color(QPalette::WindowText), Colours::secondary(view().palette()));
+    EXPECT_EQ(labels[1]->palette().color(labels[1]->foregroundRole()), Colours::secondary(view().palette()));
 }
 
 TEST_F(HistoryViewTest, ShowsTheDateInTheUsersLanguage)

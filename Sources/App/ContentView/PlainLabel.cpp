@@ -36,6 +36,7 @@ PlainLabel::PlainLabel(const QString &text, const QFont &font, ColourOfPalette c
       m_colour(colour)
 {
     setTextFormat(Qt::PlainText);
+    setForegroundRole(QPalette::WindowText); // which applyColour sets; on a list the role would be another
     setFont(font);
     setWordWrap(fit == Fit::wrap);
     if (fit == Fit::wrap) {
