@@ -176,3 +176,20 @@ TEST(TidewellApp, SharesItsFiveControllersWithTheWindow)
     EXPECT_EQ(ByName::find<QPlainTextEdit>(application.window(), u"Script"_s)->toPlainText(), u"shared"_s);
     EXPECT_TRUE(waitUntil([&] { return application.controllers().setup.state() == OrbState::stopped; }));
 }
+
+TEST(TidewellApp, MayEndWhileAToolIsStillAnswering)
+{
+    TestWindow tools;
+    tools.orbStack.tools().addTool(u"orb"_s, u"while [ ! -e '%1' ]; do sleep 0.02; done; echo Running"_s.arg(
+                                                 tools.orbStack.tools().path(u"go"_s)));
+    {
+        TidewellApp application;
+        application.window().show();
+        EXPECT_TRUE(waitUntil([&] { return tools.orbStack.calls(u"<status>"_s) == 1; }));
+    }
+    // The answer finds nobody; a second one, asked for by somebody else, shows that it has come by.
+    EXPECT_TRUE(QFile(tools.orbStack.tools().path(u"go"_s)).open(QIODevice::WriteOnly));
+    EXPECT_TRUE(waitFor(tools.setup.refresh()));
+    EXPECT_TRUE(waitFor(tools.setup.refresh()));
+    EXPECT_EQ(tools.orbStack.calls(u"<list><-f><json>"_s), 0);
+}

@@ -21,19 +21,22 @@
 namespace
 {
 
-// The controllers outlive every task, so these may finish after their window is gone.
+// A task may wake after the window, and at the application's end after a controller, is gone.
 
-QCoro::Task<> refreshLists(Controllers controllers)
+QCoro::Task<> refreshLists(QPointer<MachineStore> machines, QPointer<ContainerStore> containers)
 {
-    co_await controllers.machines.refresh();
-    co_await controllers.containers.refresh();
+    if (machines)
+        co_await machines->refresh();
+    if (containers)
+        co_await containers->refresh();
 }
 
-QCoro::Task<> refreshAll(Controllers controllers)
+QCoro::Task<> refreshAll(QPointer<SetupController> setup, QPointer<MachineStore> machines,
+                         QPointer<ContainerStore> containers)
 {
-    co_await controllers.setup.refresh();
-    if (controllers.setup.state() == OrbState::running)
-        co_await refreshLists(controllers);
+    co_await setup->refresh();
+    if (setup && setup->state() == OrbState::running)
+        co_await refreshLists(machines, containers);
 }
 
 /// A line one point high, to be seen in light and dark.
@@ -99,7 +102,7 @@ ContentView::ContentView(const Controllers &controllers, QWidget *parent, std::c
 
     connect(&controllers.setup, &SetupController::stateChanged, this, [this] {
         if (m_controllers.setup.state() == OrbState::running)
-            refreshLists(m_controllers);
+            refreshLists(&m_controllers.machines, &m_controllers.containers);
     });
     // A disposable machine that a run deleted leaves the list at once.
     connect(&controllers.run, &RunController::isRunningChanged, this, [this] {
@@ -180,7 +183,7 @@ void ContentView::focusScreen()
 QCoro::Task<> ContentView::poll(int appearance)
 {
     const QPointer<ContentView> self(this);
-    co_await refreshAll(m_controllers);
+    co_await refreshAll(&m_controllers.setup, &m_controllers.machines, &m_controllers.containers);
     if (self && appearance == m_appearance)
         m_sleep.start();
 }
