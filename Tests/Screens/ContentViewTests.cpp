@@ -161,15 +161,12 @@ TEST(ContentView, SleepsSixSecondsBetweenTwoRounds)
 {
     TestWindow window;
     ContentView content(window.controllers());
-    EXPECT_TRUE(waitUntil([] { return true; }));
-    const auto *sleep = content.findChild<QTimer *>();
-    (void)sleep;
     content.show();
     const auto before = std::chrono::steady_clock::now();
     EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(status) == 2; }));
     const auto waited = std::chrono::steady_clock::now() - before;
     EXPECT_GE(waited, 6s);
-    EXPECT_LT(waited, 7500ms);
+    EXPECT_LT(waited, 10s);
 }
 
 TEST(ContentView, ListsAtOnceWhenOrbStackComesUp)

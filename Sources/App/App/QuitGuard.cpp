@@ -18,7 +18,15 @@ QuitGuard::QuitGuard(RunController &run, QWidget &window, Closing closing)
     QApplication::setQuitOnLastWindowClosed(closing == Closing::quits);
     connect(&run, &RunController::isRunningChanged, this, &QuitGuard::runEnded);
     connect(
-        qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager &manager) { guardSessionEnd(manager); },
+        qApp, &QGuiApplication::commitDataRequest, this,
+        [this](QSessionManager &manager) {
+            if (!m_run.isRunning() || !manager.allowsInteraction())
+                return;
+            // The end of the session is given up in favour of the question.
+            manager.cancel();
+            manager.release();
+            mayQuit();
+        },
         Qt::DirectConnection);
 }
 
@@ -82,13 +90,4 @@ void QuitGuard::showWindow()
     m_window.show();
     m_window.raise();
     m_window.activateWindow();
-}
-
-void QuitGuard::guardSessionEnd(QSessionManager &manager)
-{
-    if (!m_run.isRunning() || !manager.allowsInteraction())
-        return;
-    manager.cancel();
-    manager.release();
-    mayQuit();
 }

@@ -14,7 +14,6 @@
 #include <QPointer>
 
 class QMessageBox;
-class QSessionManager;
 class QWidget;
 class RunController;
 
@@ -39,7 +38,6 @@ private:
     void stopAndQuit();
     void runEnded();
     void showWindow();
-    void guardSessionEnd(QSessionManager &manager);
 
     RunController &m_run;
     QWidget &m_window;
