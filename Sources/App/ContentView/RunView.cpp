@@ -32,6 +32,8 @@ namespace
 constexpr int sectionSpacing = 12;
 constexpr int captionSpacing = 4;
 constexpr int controlSpacing = 12;
+/// A stretch factor: up to its greatest width before anything is left for the empty end of the row.
+constexpr int mostOfTheRow = 100;
 
 bool isBlankOrBreak(QChar character)
 {
@@ -121,7 +123,7 @@ QLayout *RunView::makeMachineSection()
 
     auto *row = new QHBoxLayout;
     row->setSpacing(controlSpacing);
-    row->addWidget(labelled, 1);
+    row->addWidget(labelled, mostOfTheRow);
     row->addWidget(m_disposable);
     row->addWidget(m_distribution);
     row->addStretch(1);
@@ -167,7 +169,7 @@ QLayout *RunView::makePackageRow()
 
     auto *row = new QHBoxLayout;
     row->setSpacing(controlSpacing);
-    row->addWidget(m_packages, 1);
+    row->addWidget(m_packages, mostOfTheRow);
     row->addWidget(m_install);
     row->addStretch(1);
     return row;
