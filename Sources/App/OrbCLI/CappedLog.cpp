@@ -1,5 +1,6 @@
 #include "OrbCLI/CappedLog.h"
 
+#include "OrbCLI/Utf8Text.h"
 #include "RunController/GraphemeBreaker.h"
 #include "RunController/Utf8.h"
 
@@ -21,7 +22,7 @@ qsizetype endOfFirst(int characters, QByteArrayView text)
 
 void CappedLog::append(QUtf8StringView text)
 {
-    m_text += text.toString();
+    m_text += textFromUtf8(text);
     m_counter.add(QByteArrayView(text.data(), text.size()));
     if (m_counter.count() > capacity)
         keepLast(keptCharacters);
@@ -43,5 +44,5 @@ void CappedLog::keepLast(int characters)
         return;
     }
     const QByteArray utf8 = m_text.toUtf8();
-    replace(QString::fromUtf8(QByteArrayView(utf8).sliced(endOfFirst(dropped, utf8))));
+    replace(textFromUtf8(QByteArrayView(utf8).sliced(endOfFirst(dropped, utf8))));
 }

@@ -101,7 +101,7 @@ int ChildProcess::start(const std::string &tool, const std::vector<std::string> 
     std::vector<std::string> variableTexts;
     variableTexts.reserve(environment.size());
     for (const auto &[name, value] : environment)
-        variableTexts.push_back(name + '=' + value);
+        variableTexts.emplace_back(name).append("=").append(value);
 
     FileActions actions;
     if (streams.input)

@@ -6,9 +6,9 @@
 namespace
 {
 
-constexpr qsizetype maximumSize = 4 * 1024 * 1024;
+constexpr qsizetype maximumSize = qsizetype{4} * 1024 * 1024;
 /// One call of a handler gets no more than this, so that the main thread can look up often enough.
-constexpr qsizetype maximumChunk = 64 * 1024;
+constexpr qsizetype maximumChunk = qsizetype{64} * 1024;
 
 } // namespace
 

@@ -9,7 +9,7 @@
 namespace
 {
 
-constexpr qsizetype largestPipeSize = 1024 * 1024;
+constexpr qsizetype largestPipeSize = qsizetype{1024} * 1024;
 
 } // namespace
 

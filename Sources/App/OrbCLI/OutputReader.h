@@ -29,6 +29,6 @@ public:
 
 private:
     FileDescriptor m_end;
-    qsizetype m_pipeSize = 64 * 1024;
+    qsizetype m_pipeSize = qsizetype{64} * 1024;
     bool m_isError = false;
 };

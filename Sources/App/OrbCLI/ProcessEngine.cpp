@@ -34,7 +34,7 @@ int waitUntil(RunningChild::Moment moment)
     if (moment == RunningChild::never)
         return -1;
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(moment - Clock::now()).count();
-    constexpr decltype(wait) longest = 60 * 60 * 1000; // waking early is harmless: the thread looks and waits again
+    constexpr decltype(wait) longest = 3'600'000; // waking early is harmless: the thread looks and waits again
     return static_cast<int>(std::clamp<decltype(wait)>(wait, 0, longest));
 }
 
@@ -242,7 +242,7 @@ void ProcessEngine::attendToEvents()
 
 void ProcessEngine::gatherSmallWrites(qsizetype bytesRead)
 {
-    constexpr qsizetype small = 16 * 1024;
+    constexpr qsizetype small = 16'384;
     constexpr int manyReads = 16;
     constexpr auto nap = std::chrono::microseconds(100);
     if (bytesRead == 0)

@@ -36,6 +36,7 @@ std::optional<QByteArray> repairedUtf8(QByteArrayView bytes)
     while (position < size) {
         const qsizetype start = position;
         UChar32 character = 0;
+        // NOLINTNEXTLINE(bugprone-inc-dec-in-conditions): the macro is the library's
         U8_NEXT(reinterpret_cast<const std::uint8_t *>(data), position, size, character);
         if (character < 0) {
             if (!repaired) {

@@ -96,6 +96,14 @@ TEST(CappedLog, CountsACharacterThatArrivesInPiecesOnce)
     EXPECT_EQ(characters(log.text()), 150'000);
 }
 
+TEST(CappedLog, KeepsAByteOrderMarkAtTheFrontOfAChunk)
+{
+    CappedLog log;
+    append(log, u"\uFEFFa"_s);
+    append(log, u"\uFEFFb"_s);
+    EXPECT_EQ(log.text(), u"\uFEFFa\uFEFFb"_s);
+}
+
 TEST(CappedLog, ReplacesItsTextWhateverItsLength)
 {
     CappedLog log;

@@ -84,7 +84,7 @@ TEST_F(OutputQueueTest, TakesOnlyTheFilledPartOfABlock)
 
 TEST_F(OutputQueueTest, BoundsWhatWaitsAndSaysWhenThereIsRoomAgain)
 {
-    const QByteArray block(1024 * 1024, 'x');
+    const QByteArray block(qsizetype{1024} * 1024, 'x');
     int blocks = 0;
     while (queue.hasRoom() && blocks < 1000) {
         static_cast<void>(queue.adopt(block, block.size(), false));

@@ -49,6 +49,7 @@ TEST(Run, MayRunManyTimesAtOnce)
     TestTools tools;
     const QString tool = tools.addTool(u"echoes"_s, u"echo \"$1\""_s);
     std::vector<QCoro::Task<CLIResult>> tasks;
+    tasks.reserve(10);
     for (int number = 0; number < 10; ++number)
         tasks.push_back(OrbCLI::run(tool, {QString::number(number)}, std::nullopt, 20));
     for (int number = 0; number < 10; ++number) {

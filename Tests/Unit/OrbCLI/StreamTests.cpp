@@ -204,6 +204,7 @@ TEST(Stream, RunsTwoHundredChildrenAtOnce)
     const QString tool = tools.addTool(
         u"numbered"_s, u"echo up $1; while [ ! -e '%1' ]; do sleep 0.2; done; exit $(($1 % 100))"_s.arg(go));
     std::vector<std::shared_ptr<StreamRecording>> recordings;
+    recordings.reserve(200);
     for (int number = 0; number < 200; ++number)
         recordings.push_back(record(tool, {QString::number(number)}));
     const auto all = [&](const auto &condition) {
@@ -246,6 +247,7 @@ TEST(Stream, MayBeCalledOnAnyThreadAndAnswersOnTheMainOne)
     const QString tool = tools.addTool(u"talker"_s, u"echo \"$1\"; exit 0"_s);
     std::vector<std::shared_ptr<StreamRecording>> recordings(8);
     std::vector<std::thread> threads;
+    threads.reserve(recordings.size());
     for (std::size_t index = 0; index < recordings.size(); ++index)
         threads.emplace_back([&, index] { recordings[index] = record(tool, {QString::number(index)}); });
     for (std::thread &thread : threads)
