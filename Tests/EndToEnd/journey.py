@@ -13,7 +13,7 @@ from harness.desktop import Desktop, missing_tools
 from harness.tidewell import Tidewell
 
 SCRIPT = """\
-echo "Hello from $(hostname), whose first process is $(ps -o comm= -p 1)."
+echo "Hello from $(hostname), whose first process is $(cat /proc/1/comm)."
 touch /etc/only-in-here && ls -l /etc/only-in-here
 echo "This line went to standard error." >&2
 """

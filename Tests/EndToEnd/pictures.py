@@ -1,0 +1,55 @@
+#!/usr/bin/python3
+"""pictures.py PROGRAM FOLDER [SCENE...]: pictures of every screen in every state, to be looked at.
+
+Each scene (see scenes.py) is brought about in a fresh window and pictured light and dark, at the smallest size and large:
+FOLDER/SCENE-light-small.png and so on.
+"""
+
+import os
+import sys
+
+from harness import themes
+from harness.desktop import Desktop
+from harness.tidewell import Tidewell
+from scenes import SCENES
+
+SIZES = {"small": (820, 640), "large": (1500, 950)}
+# Room around the window for its frame.
+MARGIN = (20, 60)
+
+
+def picture(program, desktop, size, theme, name, path):
+    bring, options = SCENES[name]
+
+    def before(tidewell):
+        themes.prepare(theme, tidewell)
+        if options.get("before"):
+            options["before"](tidewell)
+
+    with Tidewell(program, desktop, **options | {"before": before, "environment": themes.environment(theme)}) as tidewell:
+        desktop.wait_for_focus(tidewell.process.pid)
+        desktop.resize_window(tidewell.process.pid, *SIZES[size])
+        bring(tidewell)
+        tidewell.take_picture(path)
+
+
+def main():
+    program, folder, *names = sys.argv[1:]
+    os.makedirs(folder, exist_ok=True)
+    failures = 0
+    for size, (width, height) in SIZES.items():
+        with Desktop(width + MARGIN[0], height + MARGIN[1]) as desktop:
+            for theme in themes.NAMES:
+                for name in names or SCENES:
+                    path = os.path.join(folder, f"{name}-{theme}-{size}.png")
+                    try:
+                        picture(program, desktop, size, theme, name, path)
+                        print(path, flush=True)
+                    except AssertionError as error:
+                        failures += 1
+                        print(f"{path}: {error}", file=sys.stderr, flush=True)
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
