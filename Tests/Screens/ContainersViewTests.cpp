@@ -359,6 +359,8 @@ TEST_F(ContainersViewTest, StaysAsItIsWhenTheEngineDiesDuringAnAction)
     show();
     hold();
     press(view(), u"Stop"_s, u"Stop web"_s);
+    // The tool is under way, and not merely about to be read, when another takes its place.
+    ASSERT_TRUE(waitUntil([this] { return tools().calls(u"docker"_s).contains(u"<stop><web>"_s); }));
     tools().addTool(u"docker"_s, u"echo 'Cannot connect to the Docker daemon.' >&2; exit 1"_s);
     write(u"fail"_s, "error during connect: EOF");
     release();

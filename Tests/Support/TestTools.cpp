@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <cstdio>
 #include <stdexcept>
 
 namespace
@@ -58,7 +59,8 @@ QString TestTools::addTool(const QString &name, const QString &body, int directo
 {
     const QString toolPath = directory(directoryIndex) + u'/' + name;
     const QString callsPath = path(name + QStringLiteral(".calls"));
-    QFile file(toolPath);
+    // Put in place as a whole: a shell may still be reading the tool that was here.
+    QFile file(toolPath + QStringLiteral(".new"));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         throw std::runtime_error("cannot write the tool");
     // One write per call, so that calls made at the same time do not mix.
@@ -69,6 +71,8 @@ QString TestTools::addTool(const QString &name, const QString &body, int directo
                    .toUtf8());
     file.close();
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    if (std::rename(file.fileName().toUtf8().constData(), toolPath.toUtf8().constData()) != 0)
+        throw std::runtime_error("cannot put the tool in place");
     return toolPath;
 }
 
