@@ -159,9 +159,19 @@ class Tidewell:
 
     def press(self, label, description=None):
         """Presses a button once it can be pressed."""
-        button = self.button(label, description)
-        self._waited_for(lambda: button.is_enabled and button.is_shown, f"{label!r} can be pressed")
-        button.press()
+        self.wait_until_enabled(label, description).press()
+
+    def wait_until_enabled(self, label, description=None):
+        """The button, or other thing to press, once it can be pressed."""
+
+        def find():
+            nodes = self.root.find_all(label, description=description)
+            return [node for node in nodes if node.role in _BUTTON_ROLES + ("check box",) and node.is_enabled]
+
+        found = self._waited_for(find, f"{label!r} {description or ''} can be pressed")
+        if len(found) > 1:
+            raise AssertionError(f"{len(found)} times {label!r} {description or ''}:\n{self.root.outline()}")
+        return found[0]
 
     def press_in_alert(self, label):
         """Presses a button of the alert that is open."""
