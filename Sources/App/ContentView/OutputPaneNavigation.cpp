@@ -1,6 +1,6 @@
 #include "ContentView/OutputPaneNavigation.h"
 
-#include "RunController/Utf8.h"
+#include "OrbCLI/Utf8.h"
 
 #include <unicode/uchar.h>
 

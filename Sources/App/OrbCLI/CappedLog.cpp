@@ -1,8 +1,8 @@
 #include "OrbCLI/CappedLog.h"
 
+#include "OrbCLI/GraphemeBreaker.h"
+#include "OrbCLI/Utf8.h"
 #include "OrbCLI/Utf8Text.h"
-#include "RunController/GraphemeBreaker.h"
-#include "RunController/Utf8.h"
 
 namespace
 {

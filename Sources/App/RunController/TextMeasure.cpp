@@ -1,6 +1,6 @@
 #include "RunController/TextMeasure.h"
 
-#include "RunController/Utf8.h"
+#include "OrbCLI/Utf8.h"
 
 #include <cstring>
 

@@ -1,8 +1,8 @@
 #include "RunController/TextStore.h"
 
-#include "RunController/GraphemeBreaker.h"
+#include "OrbCLI/GraphemeBreaker.h"
+#include "OrbCLI/Utf8.h"
 #include "RunController/TextMeasure.h"
-#include "RunController/Utf8.h"
 
 #include <QStringDecoder>
 

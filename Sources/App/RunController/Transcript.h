@@ -10,7 +10,7 @@
 // call and never the last one: a soft bound on purpose. Characters are counted segment by segment, so a character that
 // two segments share counts in both.
 
-#include "RunController/GraphemeCounter.h"
+#include "OrbCLI/GraphemeCounter.h"
 #include "RunController/OutputSegment.h"
 #include "RunController/TextStore.h"
 

@@ -1,4 +1,4 @@
-#include "RunController/GraphemeCounter.h"
+#include "OrbCLI/GraphemeCounter.h"
 
 #include "Unit/RunController/RandomText.h"
 

@@ -1,4 +1,4 @@
-#include "RunController/GraphemeBreaker.h"
+#include "OrbCLI/GraphemeBreaker.h"
 
 #include <unicode/uchar.h>
 

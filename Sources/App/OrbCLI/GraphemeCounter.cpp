@@ -1,6 +1,6 @@
-#include "RunController/GraphemeCounter.h"
+#include "OrbCLI/GraphemeCounter.h"
 
-#include "RunController/Utf8.h"
+#include "OrbCLI/Utf8.h"
 
 #include <algorithm>
 
