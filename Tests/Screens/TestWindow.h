@@ -74,7 +74,8 @@ public:
     ContainerStore containers;
 
 private:
-    bool hasListed() { return orbStack.tools().calls(QStringLiteral("docker")).size() > 0; }
+    /// Both the round and the watcher of the state list everything once.
+    bool hasListed() { return orbStack.tools().calls(QStringLiteral("docker")).size() >= 2; }
 
     std::unique_ptr<ContentView> m_content;
 };
