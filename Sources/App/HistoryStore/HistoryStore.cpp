@@ -67,9 +67,9 @@ void HistoryStore::save() const
     if (!m_fileURL)
         return;
     QSaveFile file(*m_fileURL);
-    if (!file.open(QIODevice::WriteOnly))
+    // Unbuffered, because a disk that fills in the middle is told by a short count alone, and only to the write itself.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return;
-    // A disk that fills in the middle is told by a short count alone.
     const QByteArray content = HistoryFile::encode(m_entries);
     if (file.write(content) == content.size())
         file.commit();

@@ -250,22 +250,25 @@ TEST_F(HistoryStoreTest, LeavesTheFileAsItWasWhenTheDiskIsFull)
     store.add(entryNumber(1));
     const QByteArray before = fileContent();
 
-    // A limit on the size of files stands for the full disk: a write fails in the middle.
+    // A limit on the size of files stands for the full disk: a write stops in the middle. A small content is written
+    // at another moment than a large one.
     rlimit unlimited{};
     getrlimit(RLIMIT_FSIZE, &unlimited);
     const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small{.rlim_cur = 4096, .rlim_max = unlimited.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    HistoryEntry large = entryNumber(2);
-    large.command = QString(100'000, u'x');
-    store.add(large);
-    setrlimit(RLIMIT_FSIZE, &unlimited);
+    for (const qsizetype size : {1, 10'000, 100'000}) {
+        HistoryEntry next = entryNumber(2);
+        next.command = QString(size, u'x');
+        const rlimit small{.rlim_cur = 64, .rlim_max = unlimited.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+        store.add(next);
+        setrlimit(RLIMIT_FSIZE, &unlimited);
+        EXPECT_EQ(fileContent(), before) << size;
+        EXPECT_EQ(store.entries().first(), next);
+        EXPECT_EQ(QDir(folder.filePath(u"Tidewell"_s)).entryList(QDir::Files), QStringList{u"history.json"_s})
+            << "nothing is left over";
+    }
     std::signal(SIGXFSZ, previous);
 
-    EXPECT_EQ(fileContent(), before);
-    EXPECT_EQ(store.entries().size(), 2);
-    EXPECT_EQ(QDir(folder.filePath(u"Tidewell"_s)).entryList(QDir::Files), QStringList{u"history.json"_s})
-        << "nothing is left over";
     store.save();
     EXPECT_EQ(reloaded(), store.entries()) << "the next write has room again";
 }
