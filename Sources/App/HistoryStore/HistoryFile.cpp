@@ -1,5 +1,7 @@
 #include "HistoryStore/HistoryFile.h"
 
+#include "OrbCLI/JsonText.h"
+
 #include <nlohmann/json.hpp>
 
 #include <QRegularExpression>
@@ -50,14 +52,6 @@ Json jsonFrom(const HistoryEntry &entry)
 }
 
 // ---- Reading. Each reader yields nothing when the member is missing or not in its form.
-
-std::optional<QString> textMember(const Json &object, const char *key)
-{
-    const auto member = object.find(key);
-    if (member == object.end() || !member->is_string())
-        return std::nullopt;
-    return QString::fromStdString(member->get_ref<const std::string &>());
-}
 
 std::optional<QUuid> uuidFrom(const std::optional<QString> &text)
 {

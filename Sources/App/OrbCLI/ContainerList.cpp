@@ -1,5 +1,7 @@
 #include "OrbCLI/ContainerList.h"
 
+#include "OrbCLI/Utf8Text.h"
+
 #include <nlohmann/json.hpp>
 
 #include <QStringView>
@@ -33,7 +35,7 @@ public:
 
     bool string(string_t &text) override
     {
-        value(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+        value(textFromUtf8(text));
         return m_depth > 0;
     }
 

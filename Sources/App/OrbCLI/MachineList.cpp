@@ -1,5 +1,7 @@
 #include "OrbCLI/MachineList.h"
 
+#include "OrbCLI/JsonText.h"
+
 #include <nlohmann/json.hpp>
 
 #include <QRegularExpression>
@@ -11,15 +13,6 @@ namespace
 {
 
 using Json = nlohmann::json;
-
-/// The member as a text; nothing when it is missing or anything else than a text.
-std::optional<QString> textMember(const Json &object, const char *key)
-{
-    const auto member = object.find(key);
-    if (member == object.end() || !member->is_string())
-        return std::nullopt;
-    return QString::fromStdString(member->get_ref<const std::string &>());
-}
 
 /// The member when it is an object, else null.
 const Json *objectMember(const Json &object, const char *key)

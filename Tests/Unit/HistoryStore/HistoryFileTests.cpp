@@ -68,6 +68,7 @@ TEST(HistoryFile, ReadsBackWhatItWrote)
     HistoryEntry other = entry();
     other.id = QUuid::createUuid();
     other.command = u"echo \"a\\b\"\n\t\u00e9 \U0001f600 \u202e </script> \u0000 end"_s;
+    other.machine = u"\ufeffdev"_s;
     other.note = u"timed out"_s;
     other.exitCode = std::numeric_limits<std::int64_t>::min();
     HistoryEntry third = entry();

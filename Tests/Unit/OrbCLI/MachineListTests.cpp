@@ -107,6 +107,11 @@ TEST(MachinesInJson, KeepOrderDuplicatesAndEveryCharacter)
     EXPECT_EQ(machines->at(3).name, u"<b>\u202e\0\u00e9"_s);
 }
 
+TEST(MachinesInJson, KeepAByteOrderMarkThatBelongsToAName)
+{
+    EXPECT_EQ(fromJson("[{\"name\":\"\ufeffa\"}]")->first().name, u"\ufeffa"_s);
+}
+
 TEST(MachinesInJson, ReadTheRecordsThatOrbPrints)
 {
     EXPECT_EQ(fromJson(R"([{"id":"01K2G8TY5GM9C3CN95KCB4ZG8B","name":"web","image":{"distro":"ubuntu","version":"jammy",
