@@ -184,7 +184,7 @@ TEST(LogBox, IsHiddenWhileEmptyWhereAsked)
 
 TEST(PlainTextBox, CopiesALineOfAnyLengthAsOne)
 {
-    const QString text = QString(9001, u'x') + u"\n<b>second</b>\n\n"_s + u"😀"_s.repeated(3000);
+    QString text = QString(9001, u'x') + u"\n<b>second</b>\n\n"_s + u"😀"_s.repeated(3000);
     LogBox box(u"Log"_s, 90, [&] { return text; });
     EXPECT_EQ(selectAllAndCopy(box), text);
     EXPECT_GT(box.blockCount(), 6);
