@@ -20,12 +20,24 @@ def scratch_folder():
     return tempfile.mkdtemp(prefix="tidewell-", dir="/dev/shm" if kind.stdout.startswith("overlay") else None)
 
 
+_terminated = False
+
+
 def watch(seconds):
-    """The watchdog: raises in the test when it takes longer, so that what it started still ends with it."""
+    """The watchdog: raises in the test when it takes longer, or when this process is to end, so that what the test
+    started still ends with it."""
 
     def too_long(*_):
         raise TimeoutError(f"the test took longer than {seconds} s")
 
+    def terminate(*_):
+        global _terminated
+        _terminated = True
+        raise TimeoutError("the tests were terminated")
+
+    if _terminated:
+        raise unittest.SkipTest("the tests were terminated")
+    signal.signal(signal.SIGTERM, terminate)
     signal.signal(signal.SIGALRM, too_long)
     signal.alarm(seconds)
 
@@ -133,7 +145,6 @@ def skip(reason):
 
 def main():
     """Runs the tests of the calling file."""
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     if refused := namespaces_refused():
         skip(refused)
     result = unittest.main(verbosity=2, exit=False).result
