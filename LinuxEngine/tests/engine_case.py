@@ -138,6 +138,14 @@ def namespaces_refused():
     return made.stderr.strip() if made.returncode else ""
 
 
+class _CountingResult(unittest.TextTestResult):
+    passed = 0
+
+    def addSuccess(self, test):
+        super().addSuccess(test)
+        self.passed += 1
+
+
 def skip(reason):
     print(f"skipped: {reason}")
     sys.exit(SKIPPED)
@@ -147,10 +155,10 @@ def main():
     """Runs the tests of the calling file."""
     if refused := namespaces_refused():
         skip(refused)
-    result = unittest.main(verbosity=2, exit=False).result
+    runner = unittest.TextTestRunner(verbosity=2, resultclass=_CountingResult)
+    result = unittest.main(testRunner=runner, exit=False).result
     failed = len(result.failures) + len(result.errors) + len(result.unexpectedSuccesses)
-    passed = result.testsRun - failed - len(result.skipped)
-    print(f"{passed} passed, {failed} failed" + (f", {len(result.skipped)} skipped" if result.skipped else ""))
-    if not failed and not passed and result.skipped:
+    print(f"{result.passed} passed, {failed} failed" + (f", {len(result.skipped)} skipped" if result.skipped else ""))
+    if not failed and not result.passed and result.skipped:
         skip(result.skipped[0][1])
-    sys.exit(1 if failed or not result.testsRun else 0)
+    sys.exit(0 if result.passed and not failed else 1)

@@ -9,6 +9,7 @@ each step did what it should.
 import os
 import sys
 
+from harness import enter_own_tools
 from harness.desktop import Desktop, missing_tools
 from harness.tidewell import Tidewell
 
@@ -74,6 +75,7 @@ def journey(tidewell, pictures):
 
 
 def main():
+    enter_own_tools()
     program, pictures = sys.argv[1:]
     if missing := missing_tools():
         sys.exit(f"The journey needs {' '.join(missing)}.")

@@ -8,7 +8,7 @@ FOLDER/SCENE-light-small.png and so on.
 import os
 import sys
 
-from harness import themes
+from harness import enter_own_tools, themes
 from harness.desktop import Desktop
 from harness.tidewell import Tidewell
 from scenes import SCENES
@@ -34,6 +34,7 @@ def picture(program, desktop, size, theme, name, path):
 
 
 def main():
+    enter_own_tools()
     program, folder, *names = sys.argv[1:]
     os.makedirs(folder, exist_ok=True)
     failures = 0

@@ -5,4 +5,15 @@ import os
 import sys
 
 REPOSITORY = os.path.dirname(os.path.dirname(os.path.dirname(os.path.dirname(os.path.realpath(__file__)))))
+_WITH_OWN_TOOLS = os.path.join(REPOSITORY, "Tools", "with-own-tools")
+_INSIDE = "TIDEWELL_HAS_OWN_TOOLS"
+
 sys.path.insert(0, os.path.join(REPOSITORY, "LinuxEngine", "tests"))
+
+
+def enter_own_tools():
+    """Begins this program anew where the tool folders are its own, unless it is there already. What keeps that from being
+    done is told, with exit status 77."""
+    if _INSIDE not in os.environ:
+        os.environ[_INSIDE] = "yes"
+        os.execv(_WITH_OWN_TOOLS, [_WITH_OWN_TOOLS, "--alone", sys.executable, *sys.argv])

@@ -10,7 +10,7 @@ from gi.repository import Gio
 
 from .waiting import LIMIT_SECONDS, NotInTime, wait_until
 
-_NEEDED = ("Xvfb", "openbox", "dbus-daemon", "xdotool", "import")
+_NEEDED = ("Xvfb", "openbox", "dbus-daemon", "xdotool", "wmctrl", "import")
 # However this process may end, what it started ends too.
 ENDS_WITH_US = ("setpriv", "--pdeathsig", "TERM")
 
@@ -100,8 +100,15 @@ class Desktop:
     def type_text(self, text):
         self._tool("xdotool", "type", "--delay", "2", "--file", "-", input=text)
 
+    def _window(self, pid):
+        return self._tool("xdotool", "search", "--onlyvisible", "--pid", str(pid)).split()[0]
+
+    def close_window(self, pid):
+        """Asks the window manager to close the process's window, as the window's close button does."""
+        self._tool("wmctrl", "-i", "-c", self._window(pid))
+
     def resize_window(self, pid, width, height):
-        window = self._tool("xdotool", "search", "--onlyvisible", "--pid", str(pid)).split()[0]
+        window = self._window(pid)
         self._tool("xdotool", "windowsize", "--sync", window, str(width), str(height))
 
     def take_picture(self, path):

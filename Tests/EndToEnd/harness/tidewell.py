@@ -4,10 +4,11 @@ import json
 import os
 import shutil
 import subprocess
+import tempfile
 
 import engine_case
 
-from . import REPOSITORY, docker
+from . import docker
 from .accessibility import Gone, application
 from .desktop import ENDS_WITH_US
 from .waiting import LIMIT_SECONDS, NotInTime, wait_until
@@ -16,7 +17,8 @@ ORB = engine_case.ORB
 # Qt's words, older and newer.
 _BUTTON_ROLES = ("push button", "button")
 _ALERT_ROLES = ("alert message", "alert", "notification")
-WITH_TOOLS = os.path.join(REPOSITORY, "Tools", "with-tools")
+# Empty and ours: see enter_own_tools.
+_TOOLS = "/opt/homebrew/bin"
 
 
 class Tidewell:
@@ -30,15 +32,16 @@ class Tidewell:
         self.process = None
 
     def __enter__(self):
-        self.scratch = engine_case.scratch_folder()
-        self.tools = self.path("tools")
-        for folder in ("tools", "home"):
-            os.mkdir(self.path(folder))
+        # Two folders, since where machines can be kept is not always where they can share files from.
+        self.scratch, self._engine = tempfile.mkdtemp(prefix="tidewell-"), engine_case.scratch_folder()
+        os.mkdir(self.path("home"))
+        for tool in os.listdir(_TOOLS):
+            self.remove_tool(tool)
         self.environment = self.desktop.environment | {
             "HOME": self.path("home"),
             "XDG_CONFIG_HOME": self.path("home", "config"),
             "XDG_DATA_HOME": self.path("home", "data"),
-            "TIDEWELL_ENGINE_STATE": self.path("engine"),
+            "TIDEWELL_ENGINE_STATE": self._engine,
             # No test ever reaches the host's own Docker engine.
             "DOCKER_HOST": f"unix://{self.path('no-docker.sock')}",
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
@@ -67,14 +70,17 @@ class Tidewell:
             except subprocess.TimeoutExpired:
                 self.process.kill()
                 self.process.wait()
+        for name in self.machines():
+            self.orb("delete", "-f", name)
         self.orb("stop")
         shutil.rmtree(self.scratch)
+        shutil.rmtree(self._engine)
 
     def launch(self):
         """Starts the program (again); the window is there when this returns."""
         with open(self.path("tidewell.log"), "ab") as log:
-            self.process = subprocess.Popen([*ENDS_WITH_US, WITH_TOOLS, "--alone", self.tools, self.program],
-                                            env=self.environment, stdin=subprocess.DEVNULL, stdout=log, stderr=log)  # fmt: skip
+            self.process = subprocess.Popen([*ENDS_WITH_US, self.program], env=self.environment,
+                                            stdin=subprocess.DEVNULL, stdout=log, stderr=log)  # fmt: skip
         self.root = application(self.desktop.accessibility, self.process.pid)
         wait_until(lambda: self.root.children, "a window")
 
@@ -83,7 +89,7 @@ class Tidewell:
 
     def add_tool(self, name, script=None):
         """Puts a tool where the program looks first: the engine's `orb`, the host's `docker`, or a script."""
-        path = os.path.join(self.tools, name)
+        path = os.path.join(_TOOLS, name)
         if script is not None:
             with open(path + ".new", "w", encoding="utf-8") as file:
                 file.write("#!/bin/bash\n" + script)
@@ -104,7 +110,7 @@ class Tidewell:
             pipe.write(text)
 
     def remove_tool(self, name):
-        os.remove(os.path.join(self.tools, name))
+        os.remove(os.path.join(_TOOLS, name))
 
     def orb(self, *arguments, text=None):
         """Asks the engine from outside the program."""
@@ -260,11 +266,14 @@ class Tidewell:
 
     def close_window(self):
         """Asks the window to close, as its close button does."""
-        self.press_keys("alt+F4")
+        self.desktop.close_window(self.process.pid)
 
     def wait_for_end(self):
         """Waits until the program has ended by itself; its exit status."""
-        return self.process.wait(LIMIT_SECONDS)
+        try:
+            return self.process.wait(LIMIT_SECONDS)
+        except subprocess.TimeoutExpired:
+            raise NotInTime(f"the program does not end\n{self.root.outline()}") from None
 
     def take_picture(self, path):
         self.desktop.take_picture(path)
