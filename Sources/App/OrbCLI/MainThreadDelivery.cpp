@@ -35,7 +35,13 @@ void MainThreadDelivery::stop()
 
 bool MainThreadDelivery::event(QEvent *event)
 {
-    if (event->type() != QEvent::User)
+    bool isOurs = false;
+    {
+        // Orders the making of the event before its use for a thread checker, too, which does not see Qt's own locks.
+        const std::lock_guard guard(m_lock);
+        isOurs = event->type() == QEvent::User;
+    }
+    if (!isOurs)
         return QObject::event(event);
     deliverSlice();
     return true;

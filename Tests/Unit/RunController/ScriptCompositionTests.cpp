@@ -1,7 +1,8 @@
 #include "RunController/RunController.h"
 #include "RunController/ScriptComposition.h"
 
-#include <QProcess>
+#include "OrbCLI/OrbCLI.h"
+#include "Support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -30,10 +31,10 @@ TEST(ScriptComposition, QuotesSoThatARealShellReadsTheSameTextBack)
 {
     const QString hostile =
         u"it's $HOME `id` \"x\" \\n * ? [a] ~ # ! ; & | < > (y) {z}\n\ttwo ''' lines \u00e9\u202e"_s;
-    QProcess shell;
-    shell.start(u"/bin/sh"_s, {u"-c"_s, u"printf %s "_s + quoted(hostile)});
-    ASSERT_TRUE(shell.waitForFinished());
-    EXPECT_EQ(QString::fromUtf8(shell.readAllStandardOutput()), hostile);
+    const std::optional<CLIResult> result =
+        waitFor(OrbCLI::run(u"/bin/sh"_s, {u"-c"_s, u"printf %s "_s + quoted(hostile)}, std::nullopt, 20));
+    ASSERT_TRUE(result.has_value());
+    EXPECT_EQ(result->stdout, hostile);
 }
 
 TEST(ScriptComposition, EndsTheScriptWithOneLineFeed)
@@ -59,14 +60,12 @@ TEST(ScriptComposition, EntersTheFolderFirst)
 
 TEST(ScriptComposition, EndsInARealShellWithStatus97WhenTheFolderCannotBeEntered)
 {
-    QProcess shell;
-    shell.start(u"/bin/sh"_s, {u"-s"_s});
-    shell.write(compose(u"echo never"_s, u"/nonexistent/o'neil"_s).toUtf8());
-    shell.closeWriteChannel();
-    ASSERT_TRUE(shell.waitForFinished());
-    EXPECT_EQ(shell.exitCode(), 97);
-    EXPECT_EQ(shell.readAllStandardOutput(), QByteArray());
-    EXPECT_TRUE(shell.readAllStandardError().endsWith("Cannot open the shared folder in the machine\n"));
+    const std::optional<CLIResult> result =
+        waitFor(OrbCLI::run(u"/bin/sh"_s, {u"-s"_s}, compose(u"echo never"_s, u"/nonexistent/o'neil"_s), 20));
+    ASSERT_TRUE(result.has_value());
+    EXPECT_EQ(result->status, 97);
+    EXPECT_EQ(result->stdout, QString());
+    EXPECT_TRUE(result->stderr.endsWith(u"Cannot open the shared folder in the machine\n"_s));
 }
 
 TEST(ScriptComposition, EchoesTheCommandLine)
