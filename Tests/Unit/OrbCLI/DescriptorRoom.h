@@ -2,6 +2,9 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <unistd.h>
+
+#include <vector>
 
 /// Leaves this process room for exactly `count` more descriptors for as long as it lives.
 class DescriptorRoom
@@ -9,6 +12,10 @@ class DescriptorRoom
 public:
     explicit DescriptorRoom(int count)
     {
+        // Children inherit the limit, and a shell wants descriptors from 10 on for itself.
+        do
+            m_fillers.push_back(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+        while (m_fillers.back() >= 0 && m_fillers.back() < 20);
         ::getrlimit(RLIMIT_NOFILE, &m_before);
         rlimit tight = m_before;
         tight.rlim_cur = 0;
@@ -16,7 +23,12 @@ public:
             free += isOpen(static_cast<int>(tight.rlim_cur)) ? 0 : 1;
         ::setrlimit(RLIMIT_NOFILE, &tight);
     }
-    ~DescriptorRoom() { ::setrlimit(RLIMIT_NOFILE, &m_before); }
+    ~DescriptorRoom()
+    {
+        ::setrlimit(RLIMIT_NOFILE, &m_before);
+        for (const int filler : m_fillers)
+            ::close(filler);
+    }
     DescriptorRoom(const DescriptorRoom &) = delete;
     DescriptorRoom &operator=(const DescriptorRoom &) = delete;
 
@@ -24,4 +36,5 @@ private:
     static bool isOpen(int number) { return ::fcntl(number, F_GETFD) >= 0; }
 
     rlimit m_before = {};
+    std::vector<int> m_fillers;
 };
