@@ -88,7 +88,9 @@ def _mount_layer(machine, name):
         os.makedirs(upper, exist_ok=True)
         os.makedirs(work, exist_ok=True)
         options = f"lowerdir={source},upperdir={upper},workdir={work}"
-        kernel.mount("overlay", target, "overlay", 0, options + (",userxattr" if _root_is_somebody_else_outside() else ""))
+        if _root_is_somebody_else_outside():
+            options += ",userxattr"
+        kernel.mount("overlay", target, "overlay", 0, options)
 
 
 def _share_host_files(root):

@@ -63,8 +63,8 @@ class EngineCase(unittest.TestCase):
 
     def orb(self, *arguments, text=None, **options):
         """Runs `orb` to its end. Without `text` its standard input is empty."""
-        given = {"stdin": subprocess.DEVNULL} if text is None else {"input": text}
-        return subprocess.run([ORB, *arguments], env=self.environment, capture_output=True, text=True, **given, **options)
+        options |= {"stdin": subprocess.DEVNULL} if text is None else {"input": text}
+        return subprocess.run([ORB, *arguments], env=self.environment, capture_output=True, text=True, **options)
 
     def start_orb(self, *arguments):
         process = subprocess.Popen([ORB, *arguments], env=self.environment, stdin=subprocess.PIPE,

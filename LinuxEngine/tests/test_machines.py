@@ -186,9 +186,10 @@ class Crashes(EngineCase):
         self.create()
         self.orb("stop", "box")
         with subprocess.Popen(["sleep", "1000"]) as stranger:
-            path = os.path.join(self.state, "machines", "box", "keeper.json")
-            with open("/proc/sys/kernel/random/boot_id", encoding="ascii") as boot, open(path, "w", encoding="utf-8") as file:
-                json.dump({"pid": stranger.pid, "started": 1, "boot": boot.read().strip()}, file)
+            with open("/proc/sys/kernel/random/boot_id", encoding="ascii") as file:
+                boot = file.read().strip()
+            with open(os.path.join(self.state, "machines", "box", "keeper.json"), "w", encoding="utf-8") as file:
+                json.dump({"pid": stranger.pid, "started": 1, "boot": boot}, file)
             self.assertEqual(self.states(), {"box": "stopped"})
             self.assert_succeeds(self.orb("delete", "-f", "box"))
             self.assertIsNone(stranger.poll())

@@ -67,7 +67,8 @@ class System(EngineCase):
         self.create()
 
     def test_the_machine_has_a_host_name_and_processes_of_its_own(self):
-        self.assertEqual(self.script("box", "hostname; getent hosts box | wc -l; cat /etc/hostname").stdout, "box\n1\nbox\n")
+        names = self.script("box", "hostname; getent hosts box | wc -l; cat /etc/hostname").stdout
+        self.assertEqual(names, "box\n1\nbox\n")
         first, *others = self.script("box", "ps -e -o pid=,comm=").stdout.split("\n")
         self.assertEqual(first.split(), ["1", "sleep"])
         self.assertLess(len(others), 6)
@@ -178,7 +179,8 @@ class Ends(EngineCase):
         self.assert_nothing_left(process)
 
     def test_a_script_that_starts_processes_without_end_is_ended(self):
-        process = self.start_script("box", f"trap '' TERM; echo ready; while :; do sleep {self.mark} & sleep 0.01; done")
+        endless = f"while :; do sleep {self.mark} & sleep 0.01; done"
+        process = self.start_script("box", f"trap '' TERM; echo ready; {endless}")
         process.terminate()
         process.wait(30)
         self.assert_nothing_left(process)

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """journey.py PROGRAM PICTURES: shows what Tidewell is for, where there is no display to look at.
 
-On a private desktop: write a script, run it in a disposable machine, read the output, find the run in the history; with a
-picture of every tab. Every step is done and read through the real window, from this process. Exit status 0 only when
+On a private desktop: write a script, run it in a disposable machine, read the output, find the run in the history; with
+a picture of every tab. Every step is done and read through the real window, from this process. Exit status 0 only when
 each step did what it should.
 """
 

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """pictures.py PROGRAM FOLDER [SCENE...]: pictures of every screen in every state, to be looked at.
 
-Each scene (see scenes.py) is brought about in a fresh window and pictured light and dark, at the smallest size and large:
-FOLDER/SCENE-light-small.png and so on.
+Each scene (see scenes.py) is brought about in a fresh window and pictured light and dark, at the smallest size and
+large: FOLDER/SCENE-light-small.png and so on.
 """
 
 import os
@@ -20,13 +20,15 @@ MARGIN = (20, 60)
 
 def picture(program, desktop, size, theme, name, path):
     bring, options = SCENES[name]
+    stage = options.get("before")
 
     def before(tidewell):
         themes.prepare(theme, tidewell)
-        if options.get("before"):
-            options["before"](tidewell)
+        if stage:
+            stage(tidewell)
 
-    with Tidewell(program, desktop, **options | {"before": before, "environment": themes.environment(theme)}) as tidewell:
+    options = options | {"before": before, "environment": themes.environment(theme)}
+    with Tidewell(program, desktop, **options) as tidewell:
         desktop.wait_for_focus(tidewell.process.pid)
         desktop.resize_window(tidewell.process.pid, *SIZES[size])
         bring(tidewell)

@@ -6,11 +6,12 @@ import shlex
 
 SCENES = {}
 
+_RUNS = '[ "$1" != status ] || { echo Running; exit; }\n'
 _HANGING = "exec sleep 1000\n"
 _LONG = "a-name-that-goes-on-" * 12
 _CONTAINERS = [
-    {"ID": "1a2b3c4d5e6f", "Names": "web", "Image": "nginx:latest", "State": "running", "Status": "Up 2 hours (healthy)",
-     "Ports": "0.0.0.0:8080->80/tcp, [::]:8080->80/tcp"},
+    {"ID": "1a2b3c4d5e6f", "Names": "web", "Image": "nginx:latest", "State": "running",
+     "Status": "Up 2 hours (healthy)", "Ports": "0.0.0.0:8080->80/tcp, [::]:8080->80/tcp"},
     {"ID": "2a2b3c4d5e6f", "Names": "database", "Image": "postgres:16", "State": "exited",
      "Status": "Exited (137) 5 seconds ago", "Ports": ""},
     {"ID": "3a2b3c4d5e6f", "Names": _LONG, "Image": f"registry.example.org/{_LONG}:latest", "State": "running",
@@ -26,7 +27,8 @@ logs) for i in $(seq 60); do echo "line $i of the log"; done ;;
 esac
 """
 _NO_ENGINE = """\
-echo "Cannot connect to the Docker daemon at unix:///Users/ann/.orbstack/run/docker.sock. Is the docker daemon running?" >&2
+socket=unix:///Users/ann/.orbstack/run/docker.sock
+echo "Cannot connect to the Docker daemon at $socket. Is the docker daemon running?" >&2
 exit 1
 """
 
@@ -166,8 +168,7 @@ def machines_filled(tidewell):
     tidewell.wait_for("debian trixie · stopped")
 
 
-@scene(**staged(orb='[ "$1" != status ] || { echo Running; exit; }\n[ "$1" != list ] || { echo "[]"; exit; }\n'
-                    'echo "downloading the image"\n' + _HANGING))  # fmt: skip
+@scene(**staged(orb=_RUNS + '[ "$1" != list ] || { echo "[]"; exit; }\necho "downloading the image"\n' + _HANGING))
 def machines_busy(tidewell):
     open_tab(tidewell, "Machines")
     tidewell.find("Name (e.g. scratch)").set_text("box")
@@ -175,7 +176,7 @@ def machines_busy(tidewell):
     tidewell.wait_for("In progress")
 
 
-@scene(**staged(orb='[ "$1" != status ] || { echo Running; exit; }\necho "rpc error: connection refused" >&2\nexit 1\n'))
+@scene(**staged(orb=_RUNS + 'echo "rpc error: connection refused" >&2\nexit 1\n'))
 def machines_error(tidewell):
     open_tab(tidewell, "Machines")
     tidewell.wait_for_text("rpc error: connection refused")
@@ -203,9 +204,9 @@ def history_empty(tidewell):
 
 @scene(**with_machines("box"))
 def history_filled(tidewell):
-    for script, end in (("echo one", "exit status 0"), ("exit 127", "exit status 127"), (f"echo {_LONG}", "exit status 0")):
+    for script, status in (("echo one", 0), ("exit 127", 127), (f"echo {_LONG}", 0)):
         run_in_box(tidewell, script)
-        tidewell.wait_for_output(end + " · ")
+        tidewell.wait_for_output(f"exit status {status} · ")
         tidewell.button("Run")
         tidewell.press("Clear", "Clear the output")
     open_tab(tidewell, "History")

@@ -27,7 +27,8 @@ class RunningScripts(WindowCase):
         self.assertEqual(tidewell.machines(), {name: "running"})
         tidewell.write_pipe("go", "the last line\n")
         output = tidewell.wait_for_output(f"Deleted {name}.\n")
-        self.assertRegex(output, rf"the last line\n\nexit status 3 · \d+\.\ds\nDeleting disposable machine {name}…\n")
+        end = rf"the last line\n\nexit status 3 · \d+\.\ds\nDeleting disposable machine {name}…\n"
+        self.assertRegex(output, end)
         self.assertEqual(tidewell.machines(), {})
         (entry,) = wait_until(tidewell.history, "an entry in the history file")
         self.assertEqual((entry["command"], entry["machine"], entry["exitCode"], entry["note"]),
@@ -75,8 +76,10 @@ class RunningScripts(WindowCase):
         os.mkdir(folder)
         tidewell.share_folder(folder)
         self.assertTrue(
-            tidewell.shows("Warning: a script can change or delete files in a shared folder. The command runs with that "
-                           "folder as its working directory.")  # fmt: skip
+            tidewell.shows(
+                "Warning: a script can change or delete files in a shared folder. The command runs with that folder "
+                "as its working directory."
+            )
         )
         tidewell.write_script("echo from the machine > file; echo done")
         tidewell.press("Run")

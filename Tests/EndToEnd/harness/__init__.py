@@ -12,8 +12,8 @@ sys.path.insert(0, os.path.join(REPOSITORY, "LinuxEngine", "tests"))
 
 
 def enter_own_tools():
-    """Begins this program anew where the tool folders are its own, unless it is there already. What keeps that from being
-    done is told, with exit status 77."""
+    """Begins this program anew where the tool folders are its own, unless it is there already. What prevents it is told,
+    with exit status 77."""
     if _INSIDE not in os.environ:
         os.environ[_INSIDE] = "yes"
         os.execv(_WITH_OWN_TOOLS, [_WITH_OWN_TOOLS, "--alone", sys.executable, *sys.argv])

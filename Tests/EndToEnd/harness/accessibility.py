@@ -1,7 +1,7 @@
 """The window as assistive technology sees it, read and driven over the accessibility bus (AT-SPI).
 
-Nothing is cached: every question goes to the program, whose answer is the state of the window at that moment. A node that
-has gone meanwhile raises Gone.
+Nothing is cached: every question goes to the program, whose answer is the state of the window at that moment. A node
+that has gone meanwhile raises Gone.
 """
 
 from gi.repository import Gio, GLib
@@ -86,7 +86,9 @@ class Node:
     @property
     def text(self):
         """What a text field or label says."""
-        return self._call("Text", "GetText", GLib.Variant("(ii)", (0, -1)))[0] if "Text" in self.interfaces else self.name
+        if "Text" not in self.interfaces:
+            return self.name
+        return self._call("Text", "GetText", GLib.Variant("(ii)", (0, -1)))[0]
 
     @property
     def extents(self):
@@ -127,8 +129,8 @@ class Node:
 
     def find(self, name=None, role=None, description=None, limit=LIMIT_SECONDS):
         """The one shown node that has all that is given, waited for; it fails when there are several."""
-        what = ", ".join(f"{key} {value!r}" for key, value in
-                         {"name": name, "role": role, "description": description}.items() if value is not None)  # fmt: skip
+        wanted = {"name": name, "role": role, "description": description}
+        what = ", ".join(f"{key} {value!r}" for key, value in wanted.items() if value is not None)
         try:
             found = wait_until(lambda: self.find_all(name, role, description), f"a shown thing with {what}", limit)
         except NotInTime as error:

@@ -39,7 +39,8 @@ class Desktop:
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
             self._start("openbox", "--sm-disable")
             session = _connect(address)
-            reply = session.call_sync("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress", None, None, 0, -1, None)
+            reply = session.call_sync("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress",
+                                      None, None, Gio.DBusCallFlags.NONE, -1, None)  # fmt: skip
             session.close_sync(None)
             self.accessibility = _connect(reply.unpack()[0])
         except BaseException:
@@ -80,7 +81,8 @@ class Desktop:
         return line
 
     def _tool(self, *command, **options):
-        return subprocess.run(command, env=self.environment, capture_output=True, text=True, check=True, **options).stdout
+        options |= {"env": self.environment, "capture_output": True, "text": True, "check": True}
+        return subprocess.run(command, **options).stdout
 
     def wait_for_focus(self, pid):
         """Waits until a window of the process has the keyboard."""

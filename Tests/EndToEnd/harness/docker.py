@@ -5,6 +5,7 @@ import glob
 import os
 import secrets
 import shutil
+import signal
 import subprocess
 import tarfile
 
@@ -49,9 +50,9 @@ class DockerEngine:
         return self
 
     def __exit__(self, *_):
-        if self._process.poll() is None:
+        if self._process and self._process.poll() is None:
             self.remove_all()
-        self.kill()
+            self.kill()
         for folder in glob.glob(f"/sys/fs/cgroup/**/{self._cgroup}/", recursive=True):
             for inner, _, _ in os.walk(folder, topdown=False):
                 os.rmdir(inner)
@@ -62,7 +63,8 @@ class DockerEngine:
         command = ["dockerd", "--data-root", f"{self._folder}/data", "--exec-root", f"{self._folder}/exec",
                    "--pidfile", f"{self._folder}/pid", "--host", self.address, "--cgroup-parent", f"/{self._cgroup}",
                    "--iptables=false", "--ip6tables=false", "--ip-forward=false", "--ip-masq=false"]  # fmt: skip
-        # In a new process namespace a leftover number would be taken for a living engine's.
+        # In a new process namespace a number left over from the last would be taken for a living process's.
+        shutil.rmtree(f"{self._folder}/exec", ignore_errors=True)
         if os.path.exists(f"{self._folder}/pid"):
             os.remove(f"{self._folder}/pid")
         with open(f"{self._folder}/log", "ab") as log:
@@ -76,18 +78,20 @@ class DockerEngine:
                 raise OSError(f"the Docker engine did not start: {log.read()[-500:]}")
 
     def kill(self):
-        """Ends the engine and all its containers at once."""
-        self._process.kill()
+        """Ends the engine and all its containers at once; none is left when this returns."""
+        pid = self._process.pid
+        with open(f"/proc/{pid}/task/{pid}/children", encoding="ascii") as file:
+            for child in file.read().split():
+                os.kill(int(child), signal.SIGKILL)
         self._process.wait()
-        wait_until(lambda: not self.answers(), "the Docker engine is gone")
 
     def answers(self):
         return self.run("version", check=False).returncode == 0
 
-    def run(self, *arguments, check=True, **options):
+    def run(self, *arguments, check=True):
         """Runs the Docker client."""
         environment = os.environ | {"DOCKER_HOST": self.address}
-        return subprocess.run([client(), *arguments], env=environment, check=check, capture_output=True, text=True, **options)
+        return subprocess.run([client(), *arguments], env=environment, check=check, capture_output=True, text=True)
 
     def remove_all(self):
         if containers := self.run("ps", "-aq", "--no-trunc").stdout.split():

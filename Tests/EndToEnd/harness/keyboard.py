@@ -1,5 +1,5 @@
-"""The program worked by the keyboard alone: what is reached, is reached by Tab and by shortcuts; what is read, is read over
-the accessibility bus."""
+"""The program worked by the keyboard alone: what is reached, is reached by Tab and by shortcuts; what is read, is read
+over the accessibility bus."""
 
 from .accessibility import Gone
 from .waiting import NotInTime, wait_until

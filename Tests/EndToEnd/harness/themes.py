@@ -1,5 +1,5 @@
-"""Light and dark for the program under test. Outside a desktop environment Qt is light; the palette of one that has a dark
-theme makes it dark, by the same way as it would be there."""
+"""Light and dark for the program under test. Outside a desktop environment Qt is light; the palette of one that has a
+dark theme makes it dark, by the same way as it would be there."""
 
 import os
 

@@ -152,7 +152,8 @@ class Tidewell:
         def ask():
             if self.process.poll() is not None:
                 with open(self.path("tidewell.log"), encoding="utf-8", errors="replace") as log:
-                    raise AssertionError(f"waiting for {what}: the program ended with {self.process.returncode}\n{log.read()}")
+                    end = f"the program ended with {self.process.returncode}\n{log.read()}"
+                raise AssertionError(f"waiting for {what}: {end}")
             try:
                 return condition()
             except Gone:
