@@ -119,8 +119,13 @@ QCoro::Task<> RunController::execute(RunJob job, QPointer<HistoryStore> history)
     }
 
     if (history) {
-        history->add({QUuid::createUuid(), job.label, job.disposable ? u"disposable ("_s + job.distro + u')' : machine,
-                      outcome->exitCode, outcome->note, *m_startedAt.value(), secondsSince(*m_startedAt.value())});
+        history->add({.id = QUuid::createUuid(),
+                      .command = job.label,
+                      .machine = job.disposable ? u"disposable ("_s + job.distro + u')' : machine,
+                      .exitCode = outcome->exitCode,
+                      .note = outcome->note,
+                      .date = *m_startedAt.value(),
+                      .duration = secondsSince(*m_startedAt.value())});
     }
     m_cancellation.childEnded();
     m_phase = QString();
@@ -136,7 +141,9 @@ QCoro::Task<bool> RunController::createMachine(QString orb, QString name, QStrin
     const QStringList arguments{u"create"_s, distro, name};
     const OrbCLI::StreamResult result =
         co_await stream(orb, arguments, std::nullopt, m_limits.creation, OutputKind::info);
-    co_return self &&result.status == 0 && !m_cancellation.isRequested();
+    if (!self)
+        co_return false;
+    co_return result.status == 0 && !m_cancellation.isRequested();
 }
 
 QCoro::Task<RunController::Outcome> RunController::runScript(QString orb, QString machine, RunJob job)

@@ -62,7 +62,8 @@ public:
     /// Empties the transcript.
     void clearTranscript();
 
-    /// Starts the job and returns at once; ignored while a run is going. `history` must outlive the run.
+    /// Starts the job and returns at once; ignored while a run is going. The run is added to `history` at its end,
+    /// unless that is gone by then.
     void start(const RunJob &job, HistoryStore *history);
 
     /// Starts the installation of packages, as the user typed them, in a machine; a text or a distribution that cannot
