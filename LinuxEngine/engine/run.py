@@ -9,7 +9,6 @@
 import os
 import select
 import signal
-import sys
 import time
 
 from . import kernel, system

@@ -5,7 +5,6 @@ import json
 import os
 import signal
 import subprocess
-import unittest
 
 from engine_case import ORB, EngineCase, main
 

@@ -5,7 +5,6 @@ import os
 import signal
 import subprocess
 import tempfile
-import unittest
 
 from engine_case import ORB, EngineCase, main
 
