@@ -93,12 +93,10 @@ void HistoryView::press(const QString &id, int button)
                                     [&id](const HistoryEntry &entry) { return entry.id.toString() == id; });
     if (found == entries.cend())
         return;
-    // A copy: the operations change the list.
-    const HistoryEntry entry = *found;
     if (button == deleteButton) {
-        m_history.remove(entry);
+        m_history.remove(*found);
         return;
     }
-    m_run.setScript(entry.command);
+    m_run.setScript(found->command);
     Q_EMIT tabRequested(AppTab::run);
 }
