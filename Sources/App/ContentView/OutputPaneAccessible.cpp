@@ -17,7 +17,7 @@ namespace
 using Position = TextStore::Position;
 
 /// Of a flood of output, this much is read out per frame.
-constexpr Position mostAnnounced = 16 * 1024;
+constexpr Position mostAnnounced = Position{16} * 1024;
 
 int asOffset(qint64 units)
 {
