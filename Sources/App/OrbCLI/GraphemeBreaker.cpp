@@ -28,7 +28,21 @@ bool joinsHangul(int before, int after)
     return after == U_GCB_T;
 }
 
+/// True for marks that belong to the cluster before them, whatever it is.
+bool alwaysContinues(int property)
+{
+    return property == U_GCB_EXTEND || property == U_GCB_ZWJ || property == U_GCB_SPACING_MARK;
+}
+
 } // namespace
+
+bool GraphemeBreaker::joins(int property, bool pictograph) const
+{
+    if (isControl(m_previous) || isControl(property))
+        return m_previous == U_GCB_CR && property == U_GCB_LF;
+    return alwaysContinues(property) || m_previous == U_GCB_PREPEND || (pictograph && m_emoji == Emoji::joined) ||
+           (property == U_GCB_REGIONAL_INDICATOR && m_halfFlag) || joinsHangul(m_previous, property);
+}
 
 bool GraphemeBreaker::startsCluster(char32_t character)
 {
@@ -36,22 +50,7 @@ bool GraphemeBreaker::startsCluster(char32_t character)
     const int property = u_getIntPropertyValue(codePoint, UCHAR_GRAPHEME_CLUSTER_BREAK);
     const bool pictograph = property == U_GCB_OTHER && character >= 0xa9 &&
                             u_hasBinaryProperty(codePoint, UCHAR_EXTENDED_PICTOGRAPHIC) != 0;
-    const bool extends = property == U_GCB_EXTEND || property == U_GCB_ZWJ;
-    const int previous = m_previous;
-
-    bool starts = true;
-    if (previous < 0)
-        starts = true;
-    else if (isControl(previous) || isControl(property))
-        starts = !(previous == U_GCB_CR && property == U_GCB_LF);
-    else if (extends || property == U_GCB_SPACING_MARK || previous == U_GCB_PREPEND)
-        starts = false;
-    else if (pictograph && m_emoji == Emoji::joined)
-        starts = false;
-    else if (property == U_GCB_REGIONAL_INDICATOR && m_halfFlag)
-        starts = false;
-    else
-        starts = !joinsHangul(previous, property);
+    const bool starts = m_previous == atStart || !joins(property, pictograph);
 
     if (pictograph)
         m_emoji = Emoji::pictograph;
@@ -60,6 +59,6 @@ bool GraphemeBreaker::startsCluster(char32_t character)
     else if (property != U_GCB_EXTEND || m_emoji == Emoji::joined)
         m_emoji = Emoji::none;
     m_halfFlag = property == U_GCB_REGIONAL_INDICATOR && !m_halfFlag;
-    m_previous = static_cast<std::int8_t>(property);
+    m_previous = property;
     return starts;
 }

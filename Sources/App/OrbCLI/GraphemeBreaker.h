@@ -15,8 +15,13 @@ public:
 private:
     enum class Emoji : std::uint8_t { none, pictograph, joined };
 
-    /// The cluster-break property of the code point before; -1 at the start of the text.
-    std::int8_t m_previous = -1;
+    static constexpr int atStart = -1;
+
+    /// Whether a character with this cluster-break property belongs to the cluster of the one before.
+    bool joins(int property, bool pictograph) const;
+
+    /// The cluster-break property of the code point before.
+    int m_previous = atStart;
     /// Whether what came before is a pictograph with its extenders, or one followed by a joiner.
     Emoji m_emoji = Emoji::none;
     /// Whether an odd number of regional indicators came just before: the next one completes a flag.
