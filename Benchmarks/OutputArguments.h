@@ -1,0 +1,37 @@
+#pragma once
+
+// The command line that the programs about a child's output share: [--json] [--alternating] FILE.
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QString>
+#include <QStringList>
+
+#include <cstdio>
+#include <cstdlib>
+
+struct OutputArguments {
+    QString file;
+    qint64 bytes = 0;
+    bool asJson = false;
+    /// The shell script that prints the file and does nothing else.
+    QString script;
+
+    /// Ends the program when the command line is not in order.
+    static OutputArguments read()
+    {
+        OutputArguments result;
+        QStringList given = QCoreApplication::arguments().mid(1);
+        result.asJson = given.removeAll(QStringLiteral("--json")) > 0;
+        const bool alternates = given.removeAll(QStringLiteral("--alternating")) > 0;
+        if (given.size() != 1 || !QFileInfo(given.first()).isReadable()) {
+            std::fputs("[--json] [--alternating] FILE\n", stderr);
+            std::exit(2);
+        }
+        result.file = QFileInfo(given.first()).absoluteFilePath();
+        result.bytes = QFileInfo(result.file).size();
+        const QString writer = alternates ? QStringLiteral(ALTERNATING_WRITER) : QStringLiteral("cat");
+        result.script = QStringLiteral("exec '%1' '%2'").arg(writer, result.file);
+        return result;
+    }
+};

@@ -1,0 +1,77 @@
+#pragma once
+
+// The application's own window with its five controllers over an OrbStack whose one machine is this host, driven as a
+// user does it.
+
+#include "App/MainWindow.h"
+#include "App/TidewellApp.h"
+#include "ContentView/ContentView.h"
+#include "ContentView/OutputPane.h"
+#include "ContentView/ScriptEditor.h"
+#include "Screens/ByName.h"
+#include "Screens/FakeOrbStack.h"
+#include "Support/Waiting.h"
+
+#include <QPushButton>
+#include <QSettings>
+
+#include <cstdlib>
+
+class RealWindow
+{
+public:
+    RealWindow() : m_history(m_orbStack.tools().path(QStringLiteral("support")))
+    {
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                           m_orbStack.tools().path(QStringLiteral("settings")));
+        m_orbStack.setRunning(true);
+        m_orbStack.setMachines({QStringLiteral("box")});
+        m_window.show();
+        type(QStringLiteral("true"));
+        expect(waitUntil([this] { return ByName::isOffered(m_window, QStringLiteral("Run")); }));
+    }
+
+    MainWindow &window() { return m_window; }
+    OutputPane &pane() { return *m_window.findChild<OutputPane *>(); }
+    RunController &run() { return m_run; }
+
+    void type(const QString &script)
+    {
+        auto *const editor = m_window.findChild<ScriptEditor *>();
+        editor->selectAll();
+        QTest::keyClicks(editor, script);
+    }
+
+    void press(const QString &name)
+    {
+        auto *const button = ByName::find<QAbstractButton>(m_window, name);
+        expect(button != nullptr && button->isEnabled());
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+
+    /// Whether the pane stands at the end of what arrived, and the end is in view.
+    bool showsEnd()
+    {
+        const QRect last = pane().characterRect(m_run.transcript().end() - 1);
+        return !last.isEmpty() && pane().viewport()->rect().contains(last);
+    }
+
+    /// A figure of something that did not happen is worth nothing.
+    static void expect(bool condition)
+    {
+        if (condition)
+            return;
+        std::fputs("the window did not do what was asked of it\n", stderr);
+        std::abort();
+    }
+
+private:
+    const IgnoredBrokenPipe m_ignoredBrokenPipe;
+    FakeOrbStack m_orbStack;
+    SetupController m_setup{SetupTimeLimits{}, true};
+    MachineStore m_machines;
+    RunController m_run;
+    HistoryStore m_history;
+    ContainerStore m_containers;
+    MainWindow m_window{Controllers{m_setup, m_machines, m_run, m_history, m_containers}};
+};
