@@ -57,6 +57,12 @@ TEST(VisibleText, WritesOutWhatHasNoShape)
     EXPECT_EQ(VisibleText::oneLine(u"héllo 日本 😀"_s), u"héllo 日本 😀"_s);
 }
 
+TEST(VisibleText, WritesOutWhatHasNoShapeBeyondTheFirstPlaneAndHalvesOfCharacters)
+{
+    EXPECT_EQ(VisibleText::oneLine(u"box\U000E0041🐳"_s), u"box⟨U+E0041⟩🐳"_s);
+    EXPECT_EQ(VisibleText::oneLine(u"a"_s + QChar(0xd83d)), u"a\ufffd"_s);
+}
+
 TEST(VisibleText, GivesToolTipsNoMarkup)
 {
     EXPECT_EQ(VisibleText::toolTip(u"<b>&"_s), u"<span>&lt;b&gt;&amp;</span>"_s);

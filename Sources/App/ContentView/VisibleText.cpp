@@ -1,5 +1,7 @@
 #include "ContentView/VisibleText.h"
 
+#include <QList>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -7,9 +9,9 @@ namespace
 
 constexpr qsizetype longestToolTip = 1000;
 
-bool isShapeless(QChar character)
+bool isShapeless(char32_t character)
 {
-    switch (character.category()) {
+    switch (QChar::category(character)) {
     case QChar::Other_Control:
     case QChar::Other_Format:
     case QChar::Separator_Line:
@@ -26,13 +28,14 @@ QString VisibleText::oneLine(const QString &text)
 {
     QString visible;
     visible.reserve(text.size());
-    for (const QChar character : text) {
-        if (character == u'\n' || character == u'\r' || character == u'\t')
+    for (const uint unit : text.toUcs4()) {
+        const char32_t character = unit;
+        if (character == U'\n' || character == U'\r' || character == U'\t')
             visible += u' ';
         else if (isShapeless(character))
-            visible += u"\u27e8U+%1\u27e9"_s.arg(QString::number(character.unicode(), 16).toUpper(), 4, u'0');
+            visible += u"\u27e8U+%1\u27e9"_s.arg(QString::number(unit, 16).toUpper(), 4, u'0');
         else
-            visible += character;
+            visible += QChar::fromUcs4(character);
     }
     return visible;
 }
