@@ -218,6 +218,10 @@ TEST_F(HistoryViewTest, ShowsTwoEntriesOfTheSameIdentity)
     ASSERT_EQ(list().count(), 2);
     EXPECT_EQ(rowTexts(0)[0], u"second"_s);
     EXPECT_EQ(rowTexts(1)[0], u"first"_s);
+    press(view(), u"Load"_s, u"Load first"_s);
+    EXPECT_EQ(window.run.script(), u"first"_s);
+    window.content().setTab(AppTab::history);
+    ASSERT_TRUE(waitUntil([this] { return window.content().findChildren<HistoryView *>().size() == 1; }));
     press(view(), u"Delete"_s, u"Delete first"_s);
     EXPECT_TRUE(window.history.entries().isEmpty());
 }

@@ -16,8 +16,6 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace
@@ -27,6 +25,11 @@ constexpr int portsWidth = 150;
 constexpr int nameWidth = 160;
 
 enum RowButton { startButton, stopButton, logsButton, removeButton };
+
+bool hasDocker()
+{
+    return OrbCLI::find(u"docker"_s).has_value();
+}
 
 RowContent contentOf(const ContainerInfo &container, bool busy)
 {
@@ -107,7 +110,7 @@ QWidget *ContainersView::makeForm()
     row->addWidget(m_name);
     row->addWidget(m_run);
 
-    connect(m_image, &QLineEdit::textChanged, this, &ContainersView::showFields);
+    connect(m_image, &QLineEdit::textChanged, this, &ContainersView::showWhetherToRun);
     connect(m_run, &QPushButton::clicked, this,
             [this] { m_containers.runContainer(m_image->text(), m_name->text(), m_ports->text()); });
     return form;
@@ -124,24 +127,28 @@ QLineEdit *ContainersView::makeField(const QString &placeholder, QWidget *form)
 
 void ContainersView::showFields()
 {
-    const bool hasDocker = OrbCLI::find(u"docker"_s).has_value();
-    const bool canRun =
-        !m_containers.busy() && hasDocker && m_setup.state() == OrbState::running && !m_image->text().isEmpty();
-    // The keyboard stays where what was refused is corrected.
-    if (!canRun && window()->focusWidget() == m_run)
-        m_image->setFocus(Qt::OtherFocusReason);
-    m_run->setEnabled(canRun);
+    showWhetherToRun();
     m_progress->setVisible(m_containers.busy());
 
     m_message->setText(m_containers.message());
     m_message->setVisible(!m_containers.message().isEmpty());
 
     const std::optional<QString> error = m_containers.error();
-    m_error->setColour(hasDocker ? Colours::red : Colours::orange);
+    m_error->setColour(hasDocker() ? Colours::red : Colours::orange);
     m_error->setText(error.value_or(QString()));
     m_error->setVisible(error.has_value());
     m_hint->setVisible(!error && m_containers.containers().isEmpty());
     showRows();
+}
+
+void ContainersView::showWhetherToRun()
+{
+    const bool canRun =
+        !m_containers.busy() && hasDocker() && m_setup.state() == OrbState::running && !m_image->text().isEmpty();
+    // The keyboard stays where what was refused is corrected.
+    if (!canRun && window()->focusWidget() == m_run)
+        m_image->setFocus(Qt::OtherFocusReason);
+    m_run->setEnabled(canRun);
 }
 
 void ContainersView::showRows()
@@ -165,25 +172,21 @@ void ContainersView::showLogSheet()
     }
 }
 
-void ContainersView::press(const QString &id, int button)
+void ContainersView::press(int row, int button)
 {
-    const QList<ContainerInfo> &containers = m_containers.containers();
-    const auto found = std::find_if(containers.cbegin(), containers.cend(),
-                                    [&id](const ContainerInfo &container) { return container.id == id; });
-    if (found == containers.cend())
-        return;
+    const ContainerInfo container = m_containers.containers().at(row);
     switch (button) {
     case startButton:
-        m_containers.action(u"start"_s, *found);
+        m_containers.action(u"start"_s, container);
         break;
     case stopButton:
-        m_containers.action(u"stop"_s, *found);
+        m_containers.action(u"stop"_s, container);
         break;
     case logsButton:
-        m_containers.logs(*found);
+        m_containers.logs(container);
         break;
     case removeButton:
-        m_containers.action(u"rm"_s, *found);
+        m_containers.action(u"rm"_s, container);
         break;
     default:
         Q_UNREACHABLE();

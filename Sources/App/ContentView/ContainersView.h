@@ -28,9 +28,10 @@ private:
     QWidget *makeForm();
     QLineEdit *makeField(const QString &placeholder, QWidget *form);
     void showFields();
+    void showWhetherToRun();
     void showRows();
     void showLogSheet();
-    void press(const QString &id, int button);
+    void press(int row, int button);
 
     ContainerStore &m_containers;
     SetupController &m_setup;

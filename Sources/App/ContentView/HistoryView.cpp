@@ -14,8 +14,6 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace
@@ -26,14 +24,19 @@ constexpr qsizetype longestText = 1000;
 
 enum RowButton { loadButton, deleteButton };
 
+QString shortened(const QString &text)
+{
+    return text.size() > longestText ? text.first(longestText) + u'…' : text;
+}
+
 QString visible(const QString &text)
 {
-    return VisibleText::oneLine(text.size() > longestText ? text.first(longestText) + u'…' : text);
+    return VisibleText::oneLine(shortened(text));
 }
 
 RowContent contentOf(const HistoryEntry &entry, const QByteArray &locale)
 {
-    const QString firstLine = HistoryTexts::firstLine(entry.command);
+    const QString firstLine = shortened(HistoryTexts::firstLine(entry.command));
     const QStringList caption{visible(entry.machine), visible(HistoryTexts::statusText(entry)),
                               HistoryTexts::duration(entry.duration),
                               DateText::mediumDateShortTime(entry.date.toLocalTime(), locale)};
@@ -86,17 +89,13 @@ void HistoryView::showFields()
     m_clear->setEnabled(!rows.isEmpty());
 }
 
-void HistoryView::press(const QString &id, int button)
+void HistoryView::press(int row, int button)
 {
-    const QList<HistoryEntry> &entries = m_history.entries();
-    const auto found = std::find_if(entries.cbegin(), entries.cend(),
-                                    [&id](const HistoryEntry &entry) { return entry.id.toString() == id; });
-    if (found == entries.cend())
-        return;
+    const HistoryEntry entry = m_history.entries().at(row);
     if (button == deleteButton) {
-        m_history.remove(*found);
+        m_history.remove(entry);
         return;
     }
-    m_run.setScript(found->command);
+    m_run.setScript(entry.command);
     Q_EMIT tabRequested(AppTab::run);
 }

@@ -26,7 +26,7 @@ Q_SIGNALS:
 
 private:
     void showFields();
-    void press(const QString &id, int button);
+    void press(int row, int button);
 
     HistoryStore &m_history;
     RunController &m_run;

@@ -107,7 +107,7 @@ QWidget *MachinesView::makeCreationBox()
     row->addWidget(m_name, 1);
     row->addWidget(m_create);
 
-    connect(m_name, &QLineEdit::textChanged, this, &MachinesView::showFields);
+    connect(m_name, &QLineEdit::textChanged, this, &MachinesView::showWhetherToCreate);
     connect(m_name, &QLineEdit::returnPressed, m_create, &QPushButton::click);
     connect(m_create, &QPushButton::clicked, this, &MachinesView::create);
     return box;
@@ -116,11 +116,7 @@ QWidget *MachinesView::makeCreationBox()
 void MachinesView::showFields()
 {
     const bool isRunning = isOrbStackRunning();
-    const bool canCreate = isRunning && !m_machines.busy() && !typedName().isEmpty();
-    // The keyboard stays where a rejected name is corrected.
-    if (!canCreate && window()->focusWidget() == m_create)
-        m_name->setFocus(Qt::OtherFocusReason);
-    m_create->setEnabled(canCreate);
+    showWhetherToCreate();
     m_progress->setVisible(m_machines.busy());
 
     const std::optional<QString> error = m_machines.error();
@@ -133,6 +129,15 @@ void MachinesView::showFields()
     m_hint->setVisible(!isRunning || (isEmpty && !error));
     m_list->setVisible(isRunning && !isEmpty);
     showRows();
+}
+
+void MachinesView::showWhetherToCreate()
+{
+    const bool canCreate = isOrbStackRunning() && !m_machines.busy() && !typedName().isEmpty();
+    // The keyboard stays where a rejected name is corrected.
+    if (!canCreate && window()->focusWidget() == m_create)
+        m_name->setFocus(Qt::OtherFocusReason);
+    m_create->setEnabled(canCreate);
 }
 
 void MachinesView::showRows()
@@ -149,8 +154,9 @@ void MachinesView::create()
     m_machines.create(allDistros.at(static_cast<std::size_t>(m_distro->currentIndex())), typedName());
 }
 
-void MachinesView::press(const QString &machine, int button)
+void MachinesView::press(int row, int button)
 {
+    const QString machine = m_machines.machines().at(row).name;
     switch (button) {
     case startButton:
         m_machines.simple({u"start"_s, machine});

@@ -28,9 +28,10 @@ public:
 private:
     QWidget *makeCreationBox();
     void showFields();
+    void showWhetherToCreate();
     void showRows();
     void create();
-    void press(const QString &machine, int button);
+    void press(int row, int button);
     void confirmDeletion(const QString &machine);
     QString typedName() const;
     bool isOrbStackRunning() const;

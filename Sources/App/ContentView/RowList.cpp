@@ -3,7 +3,6 @@
 #include "ContentView/RowListAccessibility.h"
 
 #include <QAccessible>
-#include <QHash>
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QScrollBar>
@@ -36,19 +35,14 @@ void RowList::setRows(const QList<RowContent> &rows)
     for (int index = 0; index < static_cast<int>(keys.size()); ++index)
         indexes.insert(keys[index], index);
 
-    // The first row in view that stays keeps its place on screen, except at the very top: there the new first row is
-    // what the user wants to see.
-    const int scrolled = verticalScrollBar()->value();
-    int anchor = scrolled > 0 ? indexAt(scrolled) : count();
-    while (anchor < count() && !indexes.contains(m_keys[anchor]))
-        ++anchor;
-    const int anchorLater = anchor < count() ? indexes.value(m_keys[anchor]) : -1;
-    const int anchorOffset = anchorLater >= 0 ? scrolled - edge(anchor) : 0;
+    const std::optional<int> anchor = rowKeptInPlace(indexes);
+    const int anchorLater = anchor ? indexes.value(m_keys[*anchor]) : -1;
+    const int anchorOffset = anchor ? verticalScrollBar()->value() - edge(*anchor) : 0;
 
     const RowWidget *focused = focusedRow();
-    const int focusedIndex = focused != nullptr ? focused->index() : -1;
+    const bool focusedLeaves = focused != nullptr && !indexes.contains(m_keys[focused->index()]);
+    const int focusLater = focusedLeaves ? neighbourLater(focused->index(), indexes) : -1;
     const int focusedButton = focused != nullptr ? focused->focusedButton().value_or(0) : 0;
-    const bool focusedStays = focused == nullptr || indexes.contains(m_keys[focusedIndex]);
 
     QList<RowWidget *> leaving;
     bool isOrderKept = true;
@@ -78,13 +72,44 @@ void RowList::setRows(const QList<RowContent> &rows)
         for (auto position = m_widgets.begin(); position != m_widgets.end(); ++position)
             linkIntoTabOrder(position);
     }
-    if (anchorLater >= 0)
+    if (anchor)
         verticalScrollBar()->setValue(edge(anchorLater) + anchorOffset);
     makeNeededWidgets();
-    if (!focusedStays && count() > 0)
-        row(std::min(focusedIndex, count() - 1))->focusButton(focusedButton, Qt::OtherFocusReason);
+    if (focusedLeaves && count() > 0)
+        row(std::min(focusLater, count() - 1))->focusButton(focusedButton, Qt::NoFocusReason);
     for (RowWidget *row : std::as_const(leaving))
         retire(row);
+}
+
+std::optional<int> RowList::rowKeptInPlace(const QHash<Key, int> &indexesLater) const
+{
+    // The pointer that holds a button must find it where it was when it lets go.
+    for (const auto &[index, row] : m_widgets) {
+        if (row->isPressed() && indexesLater.contains(m_keys[index]))
+            return index;
+    }
+    // At the very top the new first row is what the user wants to see.
+    const int scrolled = verticalScrollBar()->value();
+    if (scrolled == 0)
+        return std::nullopt;
+    for (int index = std::max(0, indexAt(scrolled)); index < count(); ++index) {
+        if (indexesLater.contains(m_keys[index]))
+            return index;
+    }
+    return std::nullopt;
+}
+
+int RowList::neighbourLater(int index, const QHash<Key, int> &indexesLater) const
+{
+    for (int below = index + 1; below < count(); ++below) {
+        if (const auto later = indexesLater.constFind(m_keys[below]); later != indexesLater.cend())
+            return *later;
+    }
+    for (int above = index - 1; above >= 0; --above) {
+        if (const auto later = indexesLater.constFind(m_keys[above]); later != indexesLater.cend())
+            return *later;
+    }
+    return index;
 }
 
 RowWidget *RowList::row(int index)
@@ -97,7 +122,10 @@ RowWidget *RowList::row(int index)
     row->installEventFilter(this);
     for (QPushButton *button : row->buttons())
         button->installEventFilter(this);
-    connect(row, &RowWidget::pressed, this, [this, row](int button) { Q_EMIT pressed(row->content().id, button); });
+    connect(row, &RowWidget::pressed, this, [this, row](int button) {
+        if (row->index() >= 0)
+            Q_EMIT pressed(row->index(), button);
+    });
     linkIntoTabOrder(m_widgets.emplace(index, row).first);
     place(row);
     row->show();
@@ -143,9 +171,16 @@ void RowList::changeEvent(QEvent *event)
     if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange)
         return;
     m_metrics = RowMetrics::current();
+    const int scrolled = verticalScrollBar()->value();
+    const RowWidget *focused = focusedRow();
+    const int focusedIndex = focused != nullptr ? focused->index() : -1;
+    const int focusedButton = focused != nullptr ? focused->focusedButton().value_or(0) : 0;
     const QList<RowContent> rows = m_rows;
     setRows({});
     setRows(rows);
+    if (focusedIndex >= 0)
+        row(focusedIndex)->focusButton(focusedButton, Qt::NoFocusReason);
+    verticalScrollBar()->setValue(scrolled);
 }
 
 QList<RowList::Key> RowList::keysOf(const QList<RowContent> &rows)
@@ -237,8 +272,10 @@ void RowList::rowFocused(const RowWidget *row, Qt::FocusReason reason)
 {
     m_column = row->focusedButton().value_or(m_column);
     makeNeededWidgets();
-    // A press must not move the button away from under the pointer.
-    if (reason != Qt::MouseFocusReason && reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+    // A press must not move the button away from under the pointer, and a refresh (which gives no reason) must not
+    // scroll.
+    if (reason != Qt::MouseFocusReason && reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason &&
+        reason != Qt::NoFocusReason)
         ensureVisible(0, row->y() + row->height() / 2, 0, (row->height() + 1) / 2);
 }
 

@@ -9,9 +9,11 @@
 
 #include "ContentView/RowWidget.h"
 
+#include <QHash>
 #include <QScrollArea>
 
 #include <map>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -39,8 +41,9 @@ public:
     int widgetCount() const { return static_cast<int>(m_widgets.size()); }
 
 Q_SIGNALS:
-    /// The button with this number was pressed in the row with this identity.
-    void pressed(const QString &id, int button);
+    /// The button with this number was pressed in the row at this place. (An identity would not do: two rows may have
+    /// the same.)
+    void pressed(int row, int button);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -52,6 +55,8 @@ private:
     using Key = std::pair<QString, int>;
 
     static QList<Key> keysOf(const QList<RowContent> &rows);
+    std::optional<int> rowKeptInPlace(const QHash<Key, int> &indexesLater) const;
+    int neighbourLater(int index, const QHash<Key, int> &indexesLater) const;
     int edge(int index) const { return m_edges[static_cast<std::size_t>(index)]; }
     void measure();
     void place(RowWidget *row);

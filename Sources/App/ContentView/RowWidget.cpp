@@ -12,6 +12,7 @@
 #include <QStyleOptionFocusRect>
 
 #include <cstdlib>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -148,13 +149,17 @@ void RowWidget::showButtons()
         if (button->isEnabled() == content.isEnabled)
             continue;
         if (!content.isEnabled && window()->focusWidget() == button) {
-            setFocus(Qt::OtherFocusReason);
+            setFocus(Qt::NoFocusReason);
             m_buttonBeforeItWasDisabled = number;
         }
         button->setEnabled(content.isEnabled);
     }
-    if (m_buttonBeforeItWasDisabled && m_buttons[*m_buttonBeforeItWasDisabled]->isEnabled())
-        m_buttons[*m_buttonBeforeItWasDisabled]->setFocus(Qt::OtherFocusReason);
+    if (m_buttonBeforeItWasDisabled && m_buttons[*m_buttonBeforeItWasDisabled]->isEnabled()) {
+        // Forgotten here, because in a window that is not active no event tells that the focus has moved on.
+        QPushButton *button = m_buttons[*std::exchange(m_buttonBeforeItWasDisabled, std::nullopt)];
+        if (window()->focusWidget() == this)
+            button->setFocus(Qt::NoFocusReason);
+    }
 }
 
 std::optional<int> RowWidget::focusedButton() const
