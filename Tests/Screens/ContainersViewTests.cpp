@@ -6,6 +6,7 @@
 #include "ContentView/PlainLabel.h"
 #include "ContentView/RowList.h"
 #include "ContentView/StatusDot.h"
+#include "ContentView/Typography.h"
 #include "Screens/PaintWatch.h"
 #include "Screens/TestWindow.h"
 
@@ -16,6 +17,9 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QWindow>
+
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 using ByName::find;
@@ -164,6 +168,18 @@ TEST_F(ContainersViewTest, ShowsAnErrorInRedInPlaceOfTheEmptyTextAndKeepsTheList
     EXPECT_FALSE(shows(view(), noContainers));
 }
 
+TEST_F(ContainersViewTest, ShowsTheErrorInPlaceOfTheEmptyText)
+{
+    setContainers({});
+    show();
+    EXPECT_TRUE(shows(view(), noContainers));
+    tools().addTool(u"docker"_s, u"echo 'no engine' >&2; exit 1"_s);
+    press(view(), u"Refresh"_s);
+    ASSERT_TRUE(waitUntil([this] { return shows(view(), u"no engine"_s); }));
+    EXPECT_EQ(find<NoteText>(view(), u"no engine"_s)->palette().color(QPalette::Text), Colours::red(view().palette()));
+    EXPECT_FALSE(shows(view(), noContainers));
+}
+
 TEST_F(ContainersViewTest, ShowsTheErrorInOrangeAndNoEmptyTextWithoutDocker)
 {
     show();
@@ -196,6 +212,11 @@ TEST_F(ContainersViewTest, OffersRunOnlyForAnImageWithDockerAndOrbStackRunning)
     EXPECT_TRUE(isOffered(view(), u"Stop"_s, u"Stop web"_s));
     EXPECT_TRUE(isOffered(view(), u"Logs"_s, u"Logs db"_s));
     EXPECT_TRUE(isOffered(view(), u"Remove"_s, u"Remove db"_s));
+    EXPECT_TRUE(list().isVisible());
+    write(u"fail"_s, "Cannot connect to the Docker daemon.");
+    press(view(), u"Remove"_s, u"Remove db"_s);
+    ASSERT_TRUE(untilIdle());
+    EXPECT_TRUE(shows(view(), u"docker rm failed: Cannot connect to the Docker daemon."_s));
 }
 
 TEST_F(ContainersViewTest, RunsTheImageWithNameAndPortsAndKeepsTheForm)
@@ -213,8 +234,13 @@ TEST_F(ContainersViewTest, RunsTheImageWithNameAndPortsAndKeepsTheForm)
         EXPECT_FALSE(list().row(0)->buttons()[button]->isEnabled());
         EXPECT_FALSE(list().row(1)->buttons()[button]->isEnabled());
     }
-    EXPECT_TRUE(isOffered(view(), u"Logs"_s, u"Logs web"_s));
-    EXPECT_TRUE(isOffered(view(), u"Refresh"_s));
+    press(view(), u"Logs"_s, u"Logs web"_s);
+    ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr; }));
+    press(*sheet(), u"Close"_s);
+    setContainers(lineOf(u"web"_s, u"running"_s));
+    press(view(), u"Refresh"_s);
+    ASSERT_TRUE(waitUntil([this] { return list().count() == 1; }));
+    EXPECT_TRUE(window.containers.busy());
     release();
     ASSERT_TRUE(untilIdle());
     EXPECT_EQ(calls(u"<run><-d><--name><shop><-p><8080:80><-p><53/udp><nginx:latest>"_s), 1);
@@ -272,6 +298,52 @@ TEST_F(ContainersViewTest, AnswersTwoQuickPressesOnce)
     release();
     ASSERT_TRUE(untilIdle());
     EXPECT_EQ(calls(u"<run><-d><nginx>"_s), 1);
+    for (const auto &[row, button, call] : {std::tuple{1, 0, u"<start><db>"_s}, {0, 3, u"<rm><-f><web>"_s}}) {
+        hold();
+        QTest::mouseClick(list().row(row)->buttons()[button], Qt::LeftButton);
+        QTest::mouseClick(list().row(row)->buttons()[button], Qt::LeftButton);
+        release();
+        ASSERT_TRUE(untilIdle());
+        EXPECT_EQ(calls(call), 1);
+    }
+}
+
+TEST_F(ContainersViewTest, ActsOnThePressedOneOfTwoContainersOfTheSameId)
+{
+    setContainers("{\"ID\":\"twin\",\"Names\":\"first\",\"State\":\"running\"}\n"
+                  "{\"ID\":\"twin\",\"Names\":\"second\",\"State\":\"running\"}\n");
+    show();
+    ASSERT_EQ(list().count(), 2);
+    press(view(), u"Stop"_s, u"Stop second"_s);
+    ASSERT_TRUE(untilIdle());
+    EXPECT_EQ(calls(u"<stop><second>"_s), 1);
+    EXPECT_EQ(calls(u"<stop><first>"_s), 0);
+    press(view(), u"Logs"_s, u"Logs second"_s);
+    ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr; }));
+    EXPECT_TRUE(shows(*sheet(), u"Logs: second"_s));
+}
+
+TEST_F(ContainersViewTest, GoesOnWithAnOperationWhileAnotherTabIsShown)
+{
+    show();
+    hold();
+    press(view(), u"Stop"_s, u"Stop web"_s);
+    window.content().setTab(AppTab::run);
+    QTest::qWait(0);
+    window.content().setTab(AppTab::containers);
+    ASSERT_TRUE(waitUntil([this] { return window.content().findChildren<ContainersView *>().size() == 1; }));
+    EXPECT_NE(find<QProgressBar>(view(), u"In progress"_s), nullptr);
+    EXPECT_FALSE(isOffered(view(), u"Remove"_s, u"Remove web"_s));
+    window.content().setTab(AppTab::history);
+    setContainers(lineOf(u"web"_s, u"exited"_s));
+    write(u"fail"_s, "too late");
+    release();
+    ASSERT_TRUE(untilIdle());
+    ASSERT_TRUE(waitUntil([this] { return window.containers.containers().size() == 1; }));
+    window.content().setTab(AppTab::containers);
+    EXPECT_TRUE(shows(view(), u"docker stop failed: too late"_s));
+    EXPECT_EQ(list().count(), 1);
+    EXPECT_TRUE(isOffered(view(), u"Start"_s, u"Start web"_s));
 }
 
 TEST_F(ContainersViewTest, TellsAFailureOfAnAction)
@@ -333,6 +405,63 @@ TEST_F(ContainersViewTest, ShowsALogThatArrivedWhileAnotherTabWasOpen)
     window.content().setTab(AppTab::containers);
     ASSERT_NE(sheet(), nullptr);
     EXPECT_TRUE(shows(*sheet(), u"Logs: db"_s));
+    // It is a sheet of this window, which takes nothing else meanwhile.
+    EXPECT_EQ(sheet()->windowHandle()->transientParent(), window.content().windowHandle());
+    EXPECT_TRUE(sheet()->isModal());
+}
+
+TEST_F(ContainersViewTest, ClosesTheSheetForGoodWhenItsScreenGoes)
+{
+    show();
+    press(view(), u"Logs"_s, u"Logs web"_s);
+    ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr; }));
+    window.content().setTab(AppTab::machines);
+    EXPECT_FALSE(window.containers.showLogs());
+    window.content().setTab(AppTab::containers);
+    ASSERT_TRUE(waitUntil([this] { return window.content().findChildren<ContainersView *>().size() == 1; }));
+    EXPECT_EQ(sheet(), nullptr);
+    press(view(), u"Logs"_s, u"Logs db"_s);
+    ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr; }));
+    window.close();
+    EXPECT_FALSE(window.containers.showLogs());
+}
+
+TEST_F(ContainersViewTest, KeepsTheSheetWhenItsContainerDisappears)
+{
+    show();
+    press(view(), u"Logs"_s, u"Logs web"_s);
+    ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr; }));
+    const ContainerLogSheet *before = sheet();
+    setContainers(lineOf(u"db"_s, u"exited"_s));
+    ASSERT_TRUE(waitFor(window.containers.refresh()));
+    ASSERT_EQ(list().count(), 1);
+    ASSERT_EQ(sheet(), before);
+    EXPECT_TRUE(sheet()->isVisible());
+    EXPECT_EQ(find<LogBox>(*sheet(), u"Container log"_s)->shownText(), u"a line"_s);
+    press(*sheet(), u"Close"_s);
+    ASSERT_TRUE(waitUntil([this] { return sheet() == nullptr; }));
+    EXPECT_EQ(ByName::descriptionOf(window.content().window()->focusWidget()), u"Logs db"_s);
+}
+
+TEST_F(ContainersViewTest, ShowsTheLaterOfTwoLogsInTheSameSheet)
+{
+    // The first reading ends after the second.
+    tools().addTool(u"docker"_s, u"cd '%1' || exit 1\ncase \"$1\" in\nps) cat containers ;;\n"
+                                 "logs) [ \"$4\" = web ] && while [ -e hold ]; do sleep 0.02; done\n"
+                                 "echo \"log of $4\" ;;\nesac"_s.arg(tools().path(u"."_s)));
+    show();
+    hold();
+    press(view(), u"Logs"_s, u"Logs web"_s);
+    press(view(), u"Logs"_s, u"Logs db"_s);
+    ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr; }));
+    const ContainerLogSheet *only = sheet();
+    EXPECT_TRUE(shows(*sheet(), u"Logs: db"_s));
+    release();
+    ASSERT_TRUE(waitUntil([this] { return shows(*sheet(), u"Logs: web"_s); }));
+    const auto *log = find<LogBox>(*sheet(), u"Container log"_s);
+    ASSERT_TRUE(waitUntil([log] { return log->shownText() == u"log of web"_s; }));
+    EXPECT_EQ(window.content().findChildren<ContainerLogSheet *>(), QList<ContainerLogSheet *>{sheet()});
+    EXPECT_EQ(sheet(), only);
 }
 
 TEST_F(ContainersViewTest, ShowsALogOfThreeHundredLinesOfAHundredKilobytes)
@@ -389,6 +518,57 @@ TEST_F(ContainersViewTest, ShowsHostileTextsAsTheyAre)
     press(view(), u"Logs"_s, u"Logs "_s + name);
     ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr; }));
     EXPECT_TRUE(shows(*sheet(), u"Logs: "_s + name));
+}
+
+TEST_F(ContainersViewTest, ShowsMarkupInEveryTextAsItIs)
+{
+    const QByteArray html = "<img src=x><b>b</b>&amp;";
+    setContainers(QByteArray("{\"ID\":\"H\",\"Names\":\"H\",\"Image\":\"H\",\"State\":\"H\",\"Status\":\"H\","
+                             "\"Ports\":\"H\"}\n")
+                      .replace("H", html));
+    show();
+    ASSERT_EQ(list().count(), 1);
+    const QString text = QString::fromUtf8(html);
+    EXPECT_EQ(rowTexts(0), (QStringList{text, text + u" · "_s + text, text}));
+    for (const PlainLabel *label : list().row(0)->findChildren<PlainLabel *>())
+        EXPECT_EQ(label->textFormat(), Qt::PlainText);
+    write(u"fail"_s, html);
+    press(view(), u"Start"_s, u"Start "_s + text);
+    ASSERT_TRUE(untilIdle());
+    EXPECT_TRUE(shows(view(), u"docker start failed: "_s + text));
+}
+
+TEST_F(ContainersViewTest, StaysAsWideAsItIsForALineOfTenMegabytes)
+{
+    const QSize size = show().size();
+    setContainers("{\"ID\":\"x\",\"Labels\":\"" + QByteArray(5000000, 'l') + "\",\"Names\":\"" +
+                  QByteArray(5000000, 'n') + "\"}\n" + lineOf(u"web"_s, u"running"_s));
+    ASSERT_TRUE(waitFor(window.containers.refresh()));
+    ASSERT_EQ(list().count(), 2);
+    QElapsedTimer timer;
+    timer.start();
+    view().grab();
+    EXPECT_LT(timer.elapsed(), 2000); // far above what it takes, so that a sanitizer passes
+    EXPECT_EQ(view().size(), size);
+    EXPECT_LE(list().row(0)->buttons().last()->geometry().right(), list().viewport()->width());
+}
+
+TEST_F(ContainersViewTest, SetsItsTextsInTheTypeOfTheirRank)
+{
+    show();
+    const QList<PlainLabel *> lines = list().row(0)->findChildren<PlainLabel *>();
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_EQ(lines[0]->font(), Typography::headline());
+    EXPECT_EQ(lines[1]->font(), Typography::caption());
+    EXPECT_EQ(lines[2]->font(), Typography::smallestCaption());
+    for (const int secondary : {1, 2})
+        EXPECT_EQ(lines[secondary]->palette().color(QPalette::WindowText), Colours::secondary(view().palette()));
+    EXPECT_EQ(find<PlainLabel>(view(), u"Containers (docker ps -a)"_s)->font(), Typography::headline());
+    image().setText(u"-"_s);
+    press(view(), u"Run"_s);
+    auto *message = find<NoteText>(view(), u"Enter a valid image name, for example nginx:latest."_s);
+    ASSERT_NE(message, nullptr);
+    EXPECT_EQ(message->font(), Typography::callout());
 }
 
 TEST_F(ContainersViewTest, PaintsNothingForARefreshThatChangesNothing)

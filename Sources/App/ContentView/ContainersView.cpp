@@ -14,6 +14,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QShowEvent>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -78,7 +79,20 @@ ContainersView::ContainersView(const Controllers &controllers, QWidget *parent)
         connect(&m_setup, changed, this, &ContainersView::showFields);
     connect(&m_containers, &ContainerStore::showLogsChanged, this, &ContainersView::showLogSheet);
     showFields();
+}
+
+void ContainersView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
     showLogSheet();
+}
+
+void ContainersView::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    // The sheet goes with its screen. (A spontaneous event only tells that the window was minimised.)
+    if (m_sheet != nullptr && !event->spontaneous())
+        m_sheet->close();
 }
 
 QLayout *ContainersView::makeHeader()
@@ -165,7 +179,8 @@ void ContainersView::showLogSheet()
     if (!m_containers.showLogs()) {
         if (m_sheet != nullptr)
             m_sheet->close();
-    } else if (m_sheet == nullptr || !m_sheet->isVisible()) {
+    } else if (isVisible() && (m_sheet == nullptr || !m_sheet->isVisible())) {
+        // Only once the screen has its place: a sheet belongs to the window that its parent stands in when it opens.
         m_sheet = new ContainerLogSheet(m_containers, this);
         m_sheet->setAttribute(Qt::WA_DeleteOnClose);
         m_sheet->open();

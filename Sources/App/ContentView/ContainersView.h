@@ -23,6 +23,10 @@ class ContainersView : public QWidget
 public:
     explicit ContainersView(const Controllers &controllers, QWidget *parent = nullptr);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
 private:
     QLayout *makeHeader();
     QWidget *makeForm();
