@@ -5,6 +5,7 @@
 #include "ContentView/PlainLabel.h"
 #include "ContentView/RowList.h"
 #include "ContentView/StatusDot.h"
+#include "ContentView/Typography.h"
 #include "Screens/PaintWatch.h"
 #include "Screens/TestWindow.h"
 
@@ -302,6 +303,18 @@ TEST_F(MachinesViewTest, AnswersTwoQuickPressesOnce)
     QTest::mouseClick(remove, Qt::LeftButton);
     QTest::mouseClick(remove, Qt::LeftButton);
     EXPECT_EQ(window.content().findChildren<QMessageBox *>().size(), 1);
+    auto *accept = find<QPushButton>(*alert(), u"Delete"_s);
+    QTest::mouseClick(accept, Qt::LeftButton);
+    QTest::mouseClick(accept, Qt::LeftButton);
+    ASSERT_TRUE(untilIdle());
+    EXPECT_EQ(calls(u"<delete><-f><box>"_s), 1);
+    window.orbStack.setMachineList(R"([{"name":"box","state":"stopped"}])");
+    ASSERT_TRUE(waitFor(window.machines.refresh()));
+    QPushButton *start = find<QPushButton>(view(), u"Start"_s, u"Start box"_s);
+    QTest::mouseClick(start, Qt::LeftButton);
+    QTest::mouseClick(start, Qt::LeftButton);
+    ASSERT_TRUE(untilIdle());
+    EXPECT_EQ(calls(u"<start><box>"_s), 1);
 }
 
 TEST_F(MachinesViewTest, AsksBeforeItDeletes)
@@ -373,6 +386,86 @@ TEST_F(MachinesViewTest, TellsOfAMachineThatWentAwayBeforeThePress)
     ASSERT_NE(log, nullptr);
     ASSERT_TRUE(waitUntil([log] { return log->shownText() == u"orb stop box failed: no machine found: 'box'\n"_s; }));
     ASSERT_TRUE(waitUntil([this] { return list().count() == 0; }));
+}
+
+TEST_F(MachinesViewTest, TellsOfAMachineThatWentAwayWhileItsDeletionWasAskedFor)
+{
+    show();
+    press(view(), u"Delete"_s, u"Delete box"_s);
+    window.orbStack.tools().addTool(u"orb"_s, u"case \"$1\" in list) echo '[]' ;; *) echo \"no machine found\" >&2; "
+                                              "exit 1 ;; esac"_s);
+    press(*alert(), u"Delete"_s);
+    ASSERT_TRUE(untilIdle());
+    EXPECT_EQ(window.machines.log(), u"Delete failed: no machine found\n"_s);
+    ASSERT_TRUE(waitUntil([this] { return list().count() == 0; }));
+    EXPECT_TRUE(shows(view(), noMachines));
+}
+
+TEST_F(MachinesViewTest, GoesOnWithAnOperationWhileAnotherTabIsShown)
+{
+    show();
+    holdOperations(u"fetching\\n"_s);
+    nameField().setText(u"scratch"_s);
+    press(view(), u"Create"_s);
+    window.content().setTab(AppTab::run);
+    QTest::qWait(0);
+    window.content().setTab(AppTab::machines);
+    ASSERT_TRUE(waitUntil([this] { return window.content().findChildren<MachinesView *>().size() == 1; }));
+    EXPECT_EQ(nameField().text(), QString());
+    EXPECT_NE(find<QProgressBar>(view(), u"In progress"_s), nullptr);
+    EXPECT_FALSE(isOffered(view(), u"Stop"_s, u"Stop box"_s));
+    release();
+    ASSERT_TRUE(untilIdle());
+    auto *log = find<LogBox>(view(), u"Machine log"_s);
+    ASSERT_NE(log, nullptr);
+    ASSERT_TRUE(waitUntil([log] { return log->shownText().endsWith(u"fetching\n\nMachine scratch is ready.\n"_s); }));
+}
+
+TEST_F(MachinesViewTest, GoesAwayWithItsQuestion)
+{
+    show();
+    press(view(), u"Delete"_s, u"Delete box"_s);
+    const QPointer<QMessageBox> question = alert();
+    window.content().setTab(AppTab::run);
+    ASSERT_TRUE(waitUntil([&question] { return question == nullptr; }));
+    window.content().setTab(AppTab::machines);
+    press(view(), u"Delete"_s, u"Delete box"_s);
+    window.close();
+    EXPECT_FALSE(window.machines.busy());
+    EXPECT_EQ(calls(u"<delete><-f><box>"_s), 0);
+}
+
+TEST_F(MachinesViewTest, ShowsTwoMachinesOfTheSameName)
+{
+    window.orbStack.setRunning(true);
+    window.orbStack.setMachineList(R"([{"name":"box","state":"running"},{"name":"box","state":"stopped"}])");
+    window.show().setTab(AppTab::machines);
+    ASSERT_TRUE(waitUntil([this] { return list().count() == 2; }));
+    EXPECT_EQ(rowTexts(0)[1], u" · running"_s);
+    EXPECT_EQ(rowTexts(1)[1], u" · stopped"_s);
+    QTest::mouseClick(list().row(1)->buttons()[0], Qt::LeftButton);
+    ASSERT_TRUE(untilIdle());
+    EXPECT_EQ(calls(u"<start><box>"_s), 1);
+}
+
+TEST_F(MachinesViewTest, SetsItsTextsInTheTypeOfTheirRank)
+{
+    show();
+    const QList<PlainLabel *> lines = list().row(0)->findChildren<PlainLabel *>();
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines[0]->font(), Typography::headline());
+    EXPECT_EQ(lines[1]->font(), Typography::caption());
+    EXPECT_EQ(lines[1]->palette().color(QPalette::WindowText), Colours::secondary(view().palette()));
+    const auto *introduction =
+        find<PlainLabel>(view(), u"Machines are real Linux systems on this Mac. They stay until you delete them."_s);
+    EXPECT_EQ(introduction->font(), Typography::callout());
+    EXPECT_EQ(introduction->palette().color(QPalette::WindowText), Colours::secondary(view().palette()));
+    nameField().setText(u"NO"_s);
+    press(view(), u"Create"_s);
+    auto *log = find<LogBox>(view(), u"Machine log"_s);
+    ASSERT_NE(log, nullptr);
+    EXPECT_EQ(log->font(), Typography::monospaced(11));
+    EXPECT_EQ(log->width(), view().contentsRect().width() - 24);
 }
 
 TEST_F(MachinesViewTest, ShowsHostileNamesAsTheyAre)
