@@ -4,6 +4,7 @@
 #include "Screens/TestWindow.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -117,6 +118,46 @@ TEST(QuitGuard, StopsTheRunDeletesItsMachineWritesTheHistoryAndQuits)
     EXPECT_EQ(guarded.tools.history.entries()[0].note, u"stopped"_s);
     const HistoryStore read(guarded.tools.orbStack.tools().path(u"support"_s));
     EXPECT_EQ(read.entries().size(), 1);
+}
+
+TEST(QuitGuard, AsksNoMoreOnceTheUserHasDecided)
+{
+    Guarded guarded(QuitGuard::Closing::quits);
+    const QString go = guarded.tools.orbStack.tools().path(u"go"_s);
+    guarded.startRun(u"trap '' TERM; echo up; while [ ! -e '%1' ]; do sleep 0.02; done"_s.arg(go));
+    EXPECT_TRUE(waitUntil([&] { return guarded.tools.run.plainText().contains(u"\nup\n"_s); }));
+    EXPECT_FALSE(quit());
+    ASSERT_NE(guarded.question(), nullptr);
+    ByName::press(*guarded.question(), u"Stop it and quit"_s);
+    EXPECT_FALSE(quit()) << "the run takes its time";
+    EXPECT_FALSE(guarded.window.close());
+    EXPECT_EQ(guarded.question(), nullptr);
+    EXPECT_TRUE(QFile(go).open(QIODevice::WriteOnly));
+    EXPECT_TRUE(endsByItself());
+    EXPECT_EQ(guarded.tools.history.entries()[0].note, u"stopped"_s);
+}
+
+TEST(QuitGuard, QuitsAfterARunThatWasStillMakingItsMachineOrAlreadyDeletingIt)
+{
+    for (const QString &step : {u"create"_s, u"delete"_s}) {
+        Guarded guarded(QuitGuard::Closing::quits);
+        TestTools &tools = guarded.tools.orbStack.tools();
+        tools.addTool(u"orb"_s, u"if [ $1 = %1 ] && [ ! -e '%2' ]; then : > '%2'; sleep 0.3; fi"_s.arg(
+                                    step, tools.path(u"reached"_s)));
+        RunJob job;
+        job.script = u"true"_s;
+        job.distro = u"debian"_s;
+        job.disposable = true;
+        guarded.tools.run.start(job, &guarded.tools.history);
+        EXPECT_TRUE(waitUntil([&] { return QFile::exists(tools.path(u"reached"_s)); }));
+        EXPECT_FALSE(quit());
+        ASSERT_NE(guarded.question(), nullptr);
+        ByName::press(*guarded.question(), u"Stop it and quit"_s);
+        EXPECT_TRUE(endsByItself());
+        EXPECT_TRUE(guarded.tools.run.plainText().contains(u"\nDeleted sbx-"_s)) << step.toStdString();
+        EXPECT_EQ(guarded.tools.history.entries().size(), 1);
+        EXPECT_TRUE(tools.calls(u"orb"_s).last().startsWith(u"<delete><-f><sbx-"_s));
+    }
 }
 
 TEST(QuitGuard, QuitsAtOnceWhenTheRunEndedWhileItAsked)

@@ -57,7 +57,8 @@ bool QuitGuard::mayQuit()
 {
     if (!m_run.isRunning())
         return true;
-    if (!m_question || !m_question->isVisible())
+    // Asked once: who has said "Stop it and quit" only waits for the run to end.
+    if (!m_quitsAfterRun && (!m_question || !m_question->isVisible()))
         ask();
     return false;
 }

@@ -7,6 +7,7 @@
 //   a run is going:   quit ──▶ asks, once ──"Keep running"──▶ goes on
 //                                 └──"Stop it and quit"──▶ RunController::stop, the run ends in its own time
 //                                                          (machine deleted, history written) ──▶ the application ends
+//   it is stopping:   quit ──▶ nothing more; the end is near
 //
 // Closing the window is quitting, or, on macOS, only hides it: the run lives on, and the Dock icon brings it back.
 
