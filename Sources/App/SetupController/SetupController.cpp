@@ -57,9 +57,10 @@ QCoro::Task<> SetupController::refresh()
         co_return;
     }
     const QPointer<SetupController> self(this);
+    const int operations = m_operations;
     const bool running = co_await reportsRunning(*orb, m_limits.status);
-    // An operation that began meanwhile owns the state.
-    if (!self || m_busy)
+    // An operation that began meanwhile owns the state, and after its end knows it better than this old answer.
+    if (!self || m_operations != operations)
         co_return;
     m_state = running ? OrbState::running : OrbState::stopped;
 }
@@ -71,7 +72,7 @@ void SetupController::install()
     const std::optional<QString> brew = OrbCLI::findBrew();
     if (!brew)
         return;
-    m_busy = true;
+    beginOperation();
     m_cancellation.reset();
     clearLog();
     m_note = u"Installing OrbStack with Homebrew…"_s;
@@ -107,7 +108,7 @@ void SetupController::start()
 {
     if (m_busy)
         return;
-    m_busy = true;
+    beginOperation();
     m_cancellation.reset();
     bringUp();
 }
@@ -164,7 +165,7 @@ void SetupController::stop()
     const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
     if (!orb)
         return;
-    m_busy = true;
+    beginOperation();
     m_note = u"Stopping OrbStack…"_s;
     performStop(*orb);
 }
@@ -179,6 +180,12 @@ QCoro::Task<> SetupController::performStop(QString orb)
     m_busy = false;
     m_note = result.succeeded() ? QString() : u"Stop failed: "_s + result.combined();
     co_await refresh();
+}
+
+void SetupController::beginOperation()
+{
+    ++m_operations;
+    m_busy = true;
 }
 
 void SetupController::cancel()

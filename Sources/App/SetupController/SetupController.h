@@ -9,8 +9,8 @@
 //   refresh, while not busy: ▶ notInstalled | stopped | running
 //
 // `busy` is the only guard against overlapping operations, from the request to its last step; refresh never waits for
-// it but leaves `state` alone while it holds. Every failure ends as a sentence in `note`; what the tools printed while
-// installing or starting is in `log`.
+// it but leaves `state` alone while it holds, and drops an answer asked for before an operation began. Every failure
+// ends as a sentence in `note`; what the tools printed while installing or starting is in `log`.
 
 #include "OrbCLI/Cancellation.h"
 #include "OrbCLI/CappedLog.h"
@@ -83,6 +83,7 @@ Q_SIGNALS:
     void siteRequested(const QString &address);
 
 private:
+    void beginOperation();
     QCoro::Task<> performInstall(QString brew);
     QCoro::Task<> performStop(QString orb);
     QCoro::Task<> bringUp();
@@ -94,6 +95,8 @@ private:
     const bool m_macSupported;
     Cancellation m_cancellation;
     CappedLog m_log;
+    /// How many operations began, so that a refresh sees whether one did while it waited.
+    int m_operations = 0;
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, OrbState, m_state, OrbState::checking,
                                          &SetupController::stateChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, bool, m_hasDocker, false, &SetupController::hasDockerChanged)

@@ -118,6 +118,20 @@ TEST_F(SetupControllerTest, LeavesTheStateAloneInARefreshThatAStartOvertook)
     EXPECT_TRUE(waitUntilFree());
 }
 
+TEST_F(SetupControllerTest, DropsAnAnswerAskedForBeforeAnOperationThatHasEndedSince)
+{
+    addOrb(tools.waitForFile(u"go"_s) + running);
+    auto refresh = setup.refresh();
+    EXPECT_TRUE(waitUntil([&] { return calls().size() == 1; }));
+    addOrb(stopped);
+    setup.stop();
+    EXPECT_TRUE(waitUntil([&] { return setup.state() == OrbState::stopped; }));
+    EXPECT_FALSE(setup.busy());
+    tools.addFile(u"go"_s);
+    EXPECT_TRUE(waitFor(std::move(refresh)));
+    EXPECT_EQ(setup.state(), OrbState::stopped);
+}
+
 TEST_F(SetupControllerTest, CancelsDuringTheStartCommand)
 {
     addOrb(running, TestTools::untilTerminated(0));

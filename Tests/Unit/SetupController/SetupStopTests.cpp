@@ -39,6 +39,15 @@ TEST_F(SetupControllerTest, ReportsAStopThatTimesOut)
     EXPECT_EQ(hasty.note(), u"Stop failed: slow"_s);
 }
 
+TEST_F(SetupControllerTest, ReportsAStopThatCannotStart)
+{
+    addOrb(running);
+    tools.setInterpreter(u"orb"_s, u"/nonexistent/shell"_s);
+    setup.stop();
+    EXPECT_TRUE(waitUntilFree());
+    EXPECT_TRUE(setup.note().startsWith(u"Stop failed: Could not start orb: "_s)) << setup.note().toStdString();
+}
+
 TEST_F(SetupControllerTest, DoesNothingOnStopWithoutOrb)
 {
     setup.stop();
