@@ -71,9 +71,9 @@ QColor Colours::forKind(OutputKind kind, const QPalette &palette)
     Q_UNREACHABLE();
 }
 
-QColor Colours::paneTint(const QPalette &palette)
+QColor Colours::paneTint()
 {
-    QColor tint = isDark(palette) ? Qt::white : Qt::black;
+    QColor tint = Qt::black;
     tint.setAlphaF(0.06F);
     return tint;
 }

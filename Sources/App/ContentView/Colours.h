@@ -28,8 +28,7 @@ QColor purple(const QPalette &palette);
 /// The text colour of a piece of output. `fail` is purple because red belongs to standard error alone.
 QColor forKind(OutputKind kind, const QPalette &palette);
 
-/// The translucent tint of the output pane over whatever lies beneath: black at 6 %, and on a dark window white at 6 %,
-/// where black would not be seen.
-QColor paneTint(const QPalette &palette);
+/// The translucent tint of the output pane and of log boxes over whatever lies beneath: black at 6 %, light and dark.
+QColor paneTint();
 
 } // namespace Colours

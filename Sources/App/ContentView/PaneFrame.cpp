@@ -16,8 +16,7 @@ void PaneFrame::paint(QWidget &pane)
 {
     QPainter painter(&pane);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QPalette palette = pane.palette();
-    painter.setPen(pane.hasFocus() ? QPen(palette.color(QPalette::Highlight)) : QPen(Qt::NoPen));
-    painter.setBrush(Colours::paneTint(palette));
+    painter.setPen(pane.hasFocus() ? QPen(pane.palette().color(QPalette::Highlight)) : QPen(Qt::NoPen));
+    painter.setBrush(Colours::paneTint());
     painter.drawRoundedRect(QRectF(pane.rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
 }
