@@ -1,22 +1,13 @@
-#include "ContentView/OutputPane.h"
+#include "OutputPaneTest.h"
 
 #include "ContentView/Colours.h"
-#include "RunController/RunController.h"
-#include "Support/Waiting.h"
+#include "ContentView/Typography.h"
 
-#include <QAccessible>
-#include <QApplication>
 #include <QClipboard>
 #include <QElapsedTimer>
-#include <QImage>
-#include <QScrollBar>
-#include <QTest>
-
-#include <gtest/gtest.h>
+#include <QFontMetricsF>
 
 #include <array>
-#include <cmath>
-#include <memory>
 #include <random>
 
 using namespace Qt::StringLiterals;
@@ -24,64 +15,15 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-/// The pane on screen over a controller of its own.
-class OutputPaneTest : public testing::Test
+QPalette darkPalette()
 {
-protected:
-    OutputPaneTest()
-    {
-        pane.resize(640, 300);
-        pane.show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(&pane));
-        QApplication::setActiveWindow(&pane);
-        pane.setFocus();
-    }
-
-    ~OutputPaneTest() override { QApplication::setPalette(palette); }
-
-    bool isAtEnd() { return pane.verticalScrollBar()->value() == pane.verticalScrollBar()->maximum(); }
-
-    /// The last character is in view once the pane has caught up with the transcript.
-    bool showsEnd()
-    {
-        return waitUntil([this] {
-            const QRect last = pane.characterRect(run.transcript().end() - 1);
-            return isAtEnd() && !last.isEmpty() && pane.viewport()->rect().contains(last.center());
-        });
-    }
-
-    QAccessibleTextInterface *accessibleText()
-    {
-        QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(&pane);
-        return interface != nullptr ? interface->textInterface() : nullptr;
-    }
-
-    QString wholeAccessibleText()
-    {
-        QAccessibleTextInterface *const text = accessibleText();
-        return text != nullptr ? text->text(0, text->characterCount()) : QString();
-    }
-
-    /// Whether a pixel of about this colour is drawn in the rectangle.
-    bool draws(const QColor &colour, const QRect &rectangle)
-    {
-        const QImage image = pane.viewport()->grab(rectangle).toImage();
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                const QColor pixel = image.pixelColor(x, y);
-                const int distance = std::abs(pixel.red() - colour.red()) + std::abs(pixel.green() - colour.green()) +
-                                     std::abs(pixel.blue() - colour.blue());
-                if (distance < 24)
-                    return true;
-            }
-        }
-        return false;
-    }
-
-    const QPalette palette = QApplication::palette();
-    RunController run;
-    OutputPane pane{run};
-};
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(30, 30, 30));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, Qt::white);
+    return dark;
+}
 
 } // namespace
 
@@ -132,11 +74,8 @@ TEST_F(OutputPaneTest, SelectsAllByItsShortcut)
 
 TEST_F(OutputPaneTest, BringsTheEndIntoViewAlsoWhenTheLastSegmentGrows)
 {
-    for (int line = 0; line < 500; ++line)
-        run.append(u"line %1\n"_s.arg(line), OutputKind::out);
+    fill();
     ASSERT_EQ(run.transcript().segmentCount(), 1U);
-    EXPECT_TRUE(waitUntil([this] { return pane.verticalScrollBar()->maximum() > 0; }));
-    EXPECT_TRUE(showsEnd());
     pane.verticalScrollBar()->setValue(0);
     EXPECT_FALSE(isAtEnd());
     run.append(u"more\n"_s, OutputKind::out);
@@ -149,13 +88,8 @@ TEST_F(OutputPaneTest, DrawsEveryKindInItsColourInLightAndDark)
                                OutputKind::ok,  OutputKind::fail, OutputKind::warn};
     for (const OutputKind kind : kinds)
         run.append(QString(20, QChar(0x2588)) + u'\n', kind);
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(30, 30, 30));
-    dark.setColor(QPalette::WindowText, Qt::white);
-    dark.setColor(QPalette::Base, QColor(30, 30, 30));
-    dark.setColor(QPalette::Text, Qt::white);
     EXPECT_TRUE(showsEnd());
-    for (const QPalette &shown : {palette, dark}) {
+    for (const QPalette &shown : {palette, darkPalette()}) {
         QApplication::setPalette(shown);
         QApplication::processEvents();
         TextStore::Position position = run.transcript().begin();
@@ -188,30 +122,6 @@ TEST_F(OutputPaneTest, TellsTheAccessibilityBusWhatArrivedHoweverItWasCut)
     EXPECT_EQ(run.plainText(), text);
 }
 
-TEST_F(OutputPaneTest, SelectsAWordByTwoClicksAndALineByThree)
-{
-    run.append(u"alpha beta gamma\nsecond line\n"_s, OutputKind::out);
-    EXPECT_TRUE(showsEnd());
-    const QPoint inBeta = pane.characterRect(7).center();
-    QTest::mouseClick(pane.viewport(), Qt::LeftButton, {}, inBeta);
-    QTest::mouseDClick(pane.viewport(), Qt::LeftButton, {}, inBeta);
-    EXPECT_EQ(pane.selectedText().trimmed(), u"beta"_s);
-    QTest::mouseClick(pane.viewport(), Qt::LeftButton, {}, inBeta);
-    EXPECT_EQ(pane.selectedText().trimmed(), u"alpha beta gamma"_s);
-}
-
-TEST_F(OutputPaneTest, ExtendsTheSelectionByKeyboard)
-{
-    run.append(u"abcdef\n"_s, OutputKind::out);
-    EXPECT_TRUE(showsEnd());
-    QTest::keySequence(&pane, QKeySequence::MoveToStartOfDocument);
-    QTest::keySequence(&pane, QKeySequence::SelectNextChar);
-    QTest::keySequence(&pane, QKeySequence::SelectNextChar);
-    EXPECT_EQ(pane.selectedText(), u"ab"_s);
-    QTest::keySequence(&pane, QKeySequence::SelectEndOfLine);
-    EXPECT_EQ(pane.selectedText(), u"abcdef"_s);
-}
-
 TEST_F(OutputPaneTest, IsAsQuickWithOneLineOf100MegabytesAsWithAMillionLines)
 {
     const QByteArray piece(1024 * 1024, 'x');
@@ -236,4 +146,66 @@ TEST_F(OutputPaneTest, NeverWidensForWhatItShows)
     EXPECT_EQ(pane.minimumSizeHint().width(), least);
     EXPECT_EQ(pane.width(), 640);
     EXPECT_LE(pane.horizontalScrollBar()->maximum(), 0);
+}
+
+TEST_F(OutputPaneTest, ShowsNeitherPlaceholderNorTextForAnEmptyPiece)
+{
+    run.append(QString(), OutputKind::info);
+    EXPECT_TRUE(waitUntil([this] { return !draws(Colours::secondary(palette), pane.viewport()->rect()); }));
+    EXPECT_NE(QAccessible::queryAccessibleInterface(&pane)->text(QAccessible::Description), u"Output appears here."_s);
+}
+
+TEST_F(OutputPaneTest, WritesInMonospacedTypeOfSize12EightPointsFromItsEdges)
+{
+    run.append(u"i\n"_s, OutputKind::out);
+    EXPECT_TRUE(waitUntil([this] { return !pane.characterRect(0).isEmpty(); }));
+    const QRect first = pane.characterRect(0);
+    EXPECT_EQ(pane.viewport()->mapTo(&pane, first.topLeft()), QPoint(8, 8));
+    const QFontMetricsF metrics(Typography::monospaced(12));
+    EXPECT_EQ(first.width(), std::ceil(metrics.horizontalAdvance(u'i')));
+    EXPECT_EQ(metrics.horizontalAdvance(u'i'), metrics.horizontalAdvance(u'W'));
+}
+
+TEST_F(OutputPaneTest, StandsOnBlackAtSixPercentWithinRoundedCornersInLightAndDark)
+{
+    for (const QPalette &shown : {palette, darkPalette()}) {
+        QApplication::setPalette(shown);
+        QApplication::processEvents();
+        const QImage image = pane.grab().toImage();
+        const QColor window = shown.color(QPalette::Window);
+        const QColor ground = image.pixelColor(4, image.height() / 2);
+        EXPECT_NEAR(ground.red(), window.red() * 0.94, 1.5);
+        EXPECT_NEAR(ground.blue(), window.blue() * 0.94, 1.5);
+        EXPECT_EQ(image.pixelColor(0, 0), window) << "the corner is outside";
+        EXPECT_EQ(image.pixelColor(image.width() - 1, image.height() - 1), window);
+    }
+}
+
+TEST_F(OutputPaneTest, KeepsTheSelectionWhileOutputArrivesAndLosesOnlyWhatIsDropped)
+{
+    run.append(u"first\n"_s, OutputKind::err);
+    run.append(u"second\n"_s, OutputKind::out);
+    pane.selectAll();
+    run.append(u"third\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    EXPECT_EQ(pane.selectedText(), u"first\nsecond\n"_s);
+    run.append(QString(400'001, u'x'), OutputKind::info);
+    EXPECT_TRUE(waitUntil([this] { return pane.selection().begin() == run.transcript().begin(); }));
+    EXPECT_TRUE(run.plainText().startsWith(u"second\n"_s));
+    EXPECT_EQ(pane.selectedText(), u"second\n"_s);
+    run.clearTranscript();
+    EXPECT_TRUE(waitUntil([this] { return pane.selection().isEmpty(); }));
+    EXPECT_EQ(pane.selectedText(), QString());
+}
+
+TEST_F(OutputPaneTest, StartsAnewAfterAClearOfWhatWasScrolled)
+{
+    fill();
+    pane.verticalScrollBar()->setValue(pane.verticalScrollBar()->maximum() / 2);
+    run.clearTranscript();
+    EXPECT_TRUE(waitUntil([this] { return pane.verticalScrollBar()->maximum() == 0; }));
+    const QRect line(0, 0, pane.viewport()->width(), 40);
+    EXPECT_TRUE(draws(Colours::secondary(palette), line)) << "the placeholder is back";
+    run.append(u"anew\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
 }

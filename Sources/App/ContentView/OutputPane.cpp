@@ -88,7 +88,7 @@ void OutputPane::requestFrame()
 void OutputPane::showChanges()
 {
     m_sinceFrame.start();
-    const bool held = m_dragUnit != Unit::none || verticalScrollBar()->isSliderDown();
+    const bool held = isHeld() || verticalScrollBar()->isSliderDown();
     if (m_wantsEnd && !held) {
         m_wantsEnd = false;
         m_view.scrollToEnd();

@@ -89,6 +89,10 @@ private:
     void press(QPoint point, Unit unit, bool extends);
     void dragTo(QPoint point);
     void selectionMoved();
+    /// The user drags with the mouse. Where the release went elsewhere (to a question over the window, say), the drag
+    /// ends here.
+    bool isHeld();
+    void endDrag();
     OutputCaret caretAt(QPoint point);
     OutputRange unitAt(QPoint point);
 
@@ -115,6 +119,8 @@ private:
     QBasicTimer m_autoScroll;
     QElapsedTimer m_sinceDoubleClick;
     QPoint m_doubleClickPoint;
+    /// What the wheel turned and was not yet scrolled, in parts of a notch of a pixel.
+    int m_wheelRest = 0;
     /// The column, in pixels, that moves up and down keep to.
     std::optional<double> m_wantedX;
 };

@@ -122,7 +122,7 @@ OutputCaret OutputPane::goalOf(OutputMove::Goal goal)
     case OutputMove::Goal::lineBegin:
         return {m_navigation.lineAt(caret.position).begin, false};
     case OutputMove::Goal::lineEnd:
-        return m_navigation.rowEnd({m_navigation.previousCharacter(m_navigation.lineAt(caret.position).end), false});
+        return m_navigation.lineEnd(caret.position);
     case OutputMove::Goal::textBegin:
         return {transcript().begin(), false};
     case OutputMove::Goal::textEnd:
@@ -195,6 +195,19 @@ void OutputPane::dragTo(QPoint point)
         m_autoScroll.start(autoScrollInterval, this);
 }
 
+bool OutputPane::isHeld()
+{
+    if (m_dragUnit != Unit::none && !QGuiApplication::mouseButtons().testFlag(Qt::LeftButton))
+        endDrag();
+    return m_dragUnit != Unit::none;
+}
+
+void OutputPane::endDrag()
+{
+    m_dragUnit = Unit::none;
+    m_autoScroll.stop();
+}
+
 void OutputPane::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
@@ -217,7 +230,7 @@ void OutputPane::mouseDoubleClickEvent(QMouseEvent *event)
 
 void OutputPane::mouseMoveEvent(QMouseEvent *event)
 {
-    if (m_dragUnit != Unit::none)
+    if (isHeld())
         dragTo(event->position().toPoint());
 }
 
@@ -225,8 +238,7 @@ void OutputPane::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton || m_dragUnit == Unit::none)
         return;
-    m_dragUnit = Unit::none;
-    m_autoScroll.stop();
+    endDrag();
     QClipboard *const clipboard = QGuiApplication::clipboard();
     if (clipboard->supportsSelection() && !m_selection.isEmpty())
         clipboard->setText(selectedText(), QClipboard::Selection);
@@ -242,6 +254,8 @@ void OutputPane::timerEvent(QTimerEvent *event)
         QAbstractScrollArea::timerEvent(event);
         return;
     }
+    if (!isHeld())
+        return;
     const int y = m_dragPoint.y();
     m_view.scrollBy(y < 0 ? y : y - viewport()->height() + 1);
     updateScrollBar();
@@ -255,8 +269,14 @@ void OutputPane::wheelEvent(QWheelEvent *event)
         event->ignore();
         return;
     }
-    const int fine = event->pixelDelta().y();
-    m_view.scrollBy(fine != 0 ? -fine : -turned * QApplication::wheelScrollLines() * m_font.rowHeight() / wheelNotch);
+    if (const int fine = event->pixelDelta().y()) {
+        m_view.scrollBy(-fine);
+    } else {
+        // A finely notched wheel turns by less than a pixel at a time: the rest waits for the next turn.
+        m_wheelRest += turned * QApplication::wheelScrollLines() * m_font.rowHeight();
+        m_view.scrollBy(-(m_wheelRest / wheelNotch));
+        m_wheelRest %= wheelNotch;
+    }
     updateView();
     event->accept();
 }

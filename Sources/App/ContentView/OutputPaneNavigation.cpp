@@ -129,6 +129,15 @@ OutputCaret OutputPaneNavigation::rowEnd(OutputCaret caret) const
     return {position, position == m_rows.end(row)};
 }
 
+OutputCaret OutputPaneNavigation::lineEnd(Position position) const
+{
+    const OutputRange line = lineAt(position);
+    // Behind the text's last line end there is a line without anything, not even an end.
+    if (line.begin == line.end)
+        return {line.end, false};
+    return rowEnd({previousCharacter(line.end), false});
+}
+
 OutputRange OutputPaneNavigation::wordAt(Position position) const
 {
     const TextStore &text = m_rows.text();

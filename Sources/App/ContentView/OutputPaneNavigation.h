@@ -41,6 +41,8 @@ public:
     Position previousWord(Position position) const;
     OutputCaret rowBegin(OutputCaret caret) const;
     OutputCaret rowEnd(OutputCaret caret) const;
+    /// Behind the line's last character, before its line end.
+    OutputCaret lineEnd(Position position) const;
 
     /// The run of letters and digits, of blanks or of other signs around a position; empty at a line end.
     OutputRange wordAt(Position position) const;

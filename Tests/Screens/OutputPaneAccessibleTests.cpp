@@ -1,0 +1,94 @@
+#include "OutputPaneTest.h"
+
+#include "ContentView/Colours.h"
+
+using namespace Qt::StringLiterals;
+
+TEST_F(OutputPaneTest, IsAReadOnlyTextOfManyLinesForAssistiveTechnology)
+{
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&pane);
+    ASSERT_NE(interface, nullptr);
+    EXPECT_EQ(interface->role(), QAccessible::EditableText);
+    EXPECT_EQ(interface->text(QAccessible::Name), u"Output"_s);
+    EXPECT_TRUE(interface->state().readOnly);
+    EXPECT_TRUE(interface->state().multiLine);
+    EXPECT_TRUE(interface->state().selectableText);
+    EXPECT_TRUE(interface->state().focusable);
+}
+
+TEST_F(OutputPaneTest, SharesSelectionAndCaretWithAssistiveTechnology)
+{
+    run.append(u"\U0001F600 abc\n"_s, OutputKind::out);
+    QAccessibleTextInterface *text = accessibleText();
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->characterCount(), 7);
+    EXPECT_EQ(text->selectionCount(), 0);
+    text->addSelection(3, 6);
+    EXPECT_EQ(pane.selectedText(), u"abc"_s);
+    int start = -1;
+    int end = -1;
+    text->selection(0, &start, &end);
+    EXPECT_EQ(start, 3);
+    EXPECT_EQ(end, 6);
+    EXPECT_EQ(text->cursorPosition(), 6);
+    text->setSelection(0, 0, 2);
+    EXPECT_EQ(pane.selectedText(), u"\U0001F600"_s);
+    text->removeSelection(0);
+    EXPECT_EQ(text->selectionCount(), 0);
+    text->setCursorPosition(4);
+    EXPECT_EQ(text->cursorPosition(), 4);
+    text->setCursorPosition(-1);
+    EXPECT_EQ(text->cursorPosition(), 7);
+    text->addSelection(-5, 100000);
+    EXPECT_LE(pane.selectedText().size(), 7) << "places outside the text are brought into it";
+}
+
+TEST_F(OutputPaneTest, IsReadByCharactersWordsRowsAndLines)
+{
+    run.append(u"alpha beta\nsecond\n"_s, OutputKind::out);
+    QAccessibleTextInterface *text = accessibleText();
+    ASSERT_NE(text, nullptr);
+    int start = 0;
+    int end = 0;
+    EXPECT_EQ(text->textAtOffset(7, QAccessible::CharBoundary, &start, &end), u"e"_s);
+    EXPECT_EQ(text->textAtOffset(7, QAccessible::WordBoundary, &start, &end), u"beta"_s);
+    EXPECT_EQ(start, 6);
+    EXPECT_EQ(end, 10);
+    EXPECT_EQ(text->textAtOffset(7, QAccessible::LineBoundary, &start, &end), u"alpha beta\n"_s);
+    EXPECT_EQ(text->textAtOffset(12, QAccessible::ParagraphBoundary, &start, &end), u"second\n"_s);
+    EXPECT_EQ(text->textAtOffset(12, QAccessible::NoBoundary, &start, &end), u"alpha beta\nsecond\n"_s);
+    EXPECT_EQ(text->textBeforeOffset(12, QAccessible::LineBoundary, &start, &end), u"alpha beta\n"_s);
+    EXPECT_EQ(text->textAfterOffset(7, QAccessible::LineBoundary, &start, &end), u"second\n"_s);
+    EXPECT_EQ(text->textBeforeOffset(0, QAccessible::CharBoundary, &start, &end), QString());
+    EXPECT_EQ(text->textAfterOffset(17, QAccessible::CharBoundary, &start, &end), QString());
+    run.clearTranscript();
+    EXPECT_EQ(text->textAtOffset(0, QAccessible::WordBoundary, &start, &end), QString());
+    EXPECT_EQ(text->characterCount(), 0);
+}
+
+TEST_F(OutputPaneTest, TellsTheColourOfEachPiece)
+{
+    run.append(u"out"_s, OutputKind::out);
+    run.append(u"error"_s, OutputKind::err);
+    int start = 0;
+    int end = 0;
+    const QColor red = Colours::red(palette);
+    EXPECT_EQ(accessibleText()->attributes(4, &start, &end),
+              u"color:rgb(%1,%2,%3);"_s.arg(red.red()).arg(red.green()).arg(red.blue()));
+    EXPECT_EQ(start, 3);
+    EXPECT_EQ(end, 8);
+    run.clearTranscript();
+    EXPECT_EQ(accessibleText()->attributes(0, &start, &end), QString());
+}
+
+TEST_F(OutputPaneTest, TellsWhereEachCharacterIsOnTheScreen)
+{
+    fill();
+    QAccessibleTextInterface *text = accessibleText();
+    const int last = text->characterCount() - 2;
+    EXPECT_EQ(text->offsetAtPoint(text->characterRect(last).center()), last);
+    EXPECT_TRUE(text->characterRect(0).isNull()) << "far above the view";
+    EXPECT_EQ(text->offsetAtPoint(pane.mapToGlobal(QPoint(-50, -50))), -1);
+    text->scrollToSubstring(0, 1);
+    EXPECT_EQ(text->offsetAtPoint(text->characterRect(0).center()), 0);
+}

@@ -1,0 +1,89 @@
+#include "ContentView/OutputPaneClusters.h"
+
+#include "OrbCLI/Utf8.h"
+#include "Support/Printing.h"
+
+#include <QString>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+using Look = OutputCluster::Look;
+
+struct Character {
+    QString text;
+    Look look;
+    int cells;
+};
+
+} // namespace
+
+TEST(OutputPaneClusters, TakeEveryCharacterAsAReaderSeesIt)
+{
+    for (const Character &character : {
+             Character{u"a"_s, Look::plain, 1},
+             Character{u"~"_s, Look::plain, 1},
+             Character{u"\t"_s, Look::tab, 1},
+             Character{u"\n"_s, Look::lineEnd, 0},
+             Character{u"\r\n"_s, Look::lineEnd, 0},
+             Character{u"\u00e9"_s, Look::glyphs, 1},
+             Character{u"e\u0301"_s, Look::glyphs, 1},
+             Character{u"\u4e2d"_s, Look::glyphs, 2},
+             Character{u"\uff21"_s, Look::glyphs, 2},
+             Character{u"\U0001f600"_s, Look::glyphs, 2},
+             Character{u"\U0001f469\u200d\U0001f52c"_s, Look::glyphs, 2},
+             Character{u"\U0001f1e9\U0001f1ea"_s, Look::glyphs, 2},
+             Character{u"\u2764\ufe0f"_s, Look::glyphs, 2},
+             Character{u"\u0915"_s, Look::joined, 1},
+             Character{u"\u05d0"_s, Look::rightToLeft, 1},
+             Character{u"\u0627"_s, Look::rightToLeft, 1},
+         }) {
+        const QByteArray bytes = character.text.toUtf8();
+        OutputPaneClusters clusters(bytes);
+        OutputCluster cluster;
+        ASSERT_TRUE(clusters.next(cluster));
+        EXPECT_EQ(cluster.size, bytes.size()) << bytes.toHex().toStdString();
+        EXPECT_EQ(cluster.look, character.look) << bytes.toHex().toStdString();
+        EXPECT_EQ(cluster.cells, character.cells) << bytes.toHex().toStdString();
+        EXPECT_FALSE(clusters.next(cluster));
+    }
+}
+
+TEST(OutputPaneClusters, ShowByNameWhatMustNotActOrHasNoShape)
+{
+    struct Named {
+        QString text;
+        QByteArray name;
+    };
+    for (const Named &named : {Named{u"\x1b"_s, "^["}, Named{QString(QChar(0)), "^@"}, Named{u"\x07"_s, "^G"},
+                               Named{u"\x7f"_s, "^?"}, Named{u"\r"_s, "^M"}, Named{u"\u0085"_s, "U+0085"},
+                               Named{u"\u009b"_s, "U+009B"}, Named{u"\u202e"_s, "U+202E"}, Named{u"\u2066"_s, "U+2066"},
+                               Named{u"\u200b"_s, "U+200B"}, Named{u"\u2028"_s, "U+2028"}, Named{u"\ufeff"_s, "U+FEFF"},
+                               Named{u"\u00ad"_s, "U+00AD"}, Named{u"\U000e0061"_s, "U+E0061"}}) {
+        const QByteArray bytes = named.text.toUtf8();
+        OutputPaneClusters clusters(bytes);
+        OutputCluster cluster;
+        ASSERT_TRUE(clusters.next(cluster));
+        EXPECT_EQ(cluster.look, Look::symbol) << named.name.toStdString();
+        EXPECT_EQ(outputSymbolName(cluster.first), named.name);
+        EXPECT_EQ(cluster.cells, named.name.size());
+    }
+}
+
+TEST(OutputPaneClusters, BoundAPileOfAccents)
+{
+    const QByteArray pile = (u"e"_s + QString(1000, QChar(0x0301))).toUtf8();
+    OutputPaneClusters clusters(pile);
+    OutputCluster cluster;
+    qsizetype size = 0;
+    while (clusters.next(cluster)) {
+        EXPECT_LE(cluster.size, 64);
+        EXPECT_EQ(cluster.begin, size);
+        size += cluster.size;
+    }
+    EXPECT_EQ(size, pile.size());
+}

@@ -1,0 +1,176 @@
+#include "OutputPaneTest.h"
+
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QWheelEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+/// Turns the wheel over the pane; true when the pane used the turn.
+bool turnWheel(OutputPane &pane, int angle, int pixels = 0)
+{
+    const QPoint place = pane.viewport()->rect().center();
+    QWheelEvent event(place, pane.viewport()->mapToGlobal(place), QPoint(0, pixels), QPoint(0, angle), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(pane.viewport(), &event);
+    return event.isAccepted();
+}
+
+/// Opens the context menu and returns its action of that name.
+QAction *menuAction(OutputPane &pane, const QString &name)
+{
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(20, 20), pane.viewport()->mapToGlobal(QPoint(20, 20)));
+    QCoreApplication::sendEvent(pane.viewport(), &event);
+    for (const QMenu *menu : pane.findChildren<QMenu *>()) {
+        for (QAction *action : menu->actions()) {
+            if (menu->isVisible() && action->text() == name)
+                return action;
+        }
+    }
+    return nullptr;
+}
+
+void closeMenus(OutputPane &pane)
+{
+    for (QMenu *menu : pane.findChildren<QMenu *>())
+        menu->close();
+}
+
+} // namespace
+
+TEST_F(OutputPaneTest, SelectsByDraggingAcrossRowsAndSegmentsInBothDirections)
+{
+    run.append(u"one two\n"_s, OutputKind::out);
+    run.append(u"three\n"_s, OutputKind::err);
+    EXPECT_TRUE(showsEnd());
+    press(before(4));
+    drag(before(10));
+    EXPECT_EQ(pane.selectedText(), u"two\nth"_s);
+    drag(before(0));
+    EXPECT_EQ(pane.selectedText(), u"one "_s);
+    release(before(0));
+    EXPECT_EQ(pane.selectedText(), u"one "_s);
+    drag(before(10));
+    EXPECT_EQ(pane.selectedText(), u"one "_s) << "the button is up";
+    QTest::mouseClick(pane.viewport(), Qt::LeftButton, {}, before(2));
+    EXPECT_EQ(pane.selectedText(), QString());
+}
+
+TEST_F(OutputPaneTest, ScrollsWhileADragIsHeldBelowOrAboveIt)
+{
+    fill();
+    pane.verticalScrollBar()->setValue(0);
+    press(before(0));
+    drag(QPoint(20, pane.viewport()->height() + 1000));
+    EXPECT_TRUE(waitUntil([this] { return isAtEnd(); }));
+    EXPECT_TRUE(pane.selectedText().startsWith(u"line 0\n"_s));
+    EXPECT_TRUE(waitUntil([this] { return pane.selectedText().contains(u"line 499"_s); }));
+    drag(QPoint(20, -1000));
+    EXPECT_TRUE(waitUntil([this] { return pane.verticalScrollBar()->value() == 0; }));
+    release();
+}
+
+TEST_F(OutputPaneTest, HoldsStillWhileTheMouseIsHeldAndShowsTheEndAfterwards)
+{
+    fill();
+    pane.verticalScrollBar()->setValue(0);
+    press(before(0));
+    const int length = pane.verticalScrollBar()->maximum();
+    run.append(u"more\n"_s, OutputKind::out);
+    EXPECT_TRUE(waitUntil([&] { return pane.verticalScrollBar()->maximum() > length; }));
+    EXPECT_EQ(pane.verticalScrollBar()->value(), 0);
+    release();
+    EXPECT_TRUE(showsEnd());
+}
+
+TEST_F(OutputPaneTest, ShowsTheEndAlsoWhenTheReleaseOfTheMouseWentElsewhere)
+{
+    fill();
+    pane.verticalScrollBar()->setValue(0);
+    press(before(0));
+    QWidget question;
+    QTest::mouseRelease(&question, Qt::LeftButton);
+    run.append(u"more\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+}
+
+TEST_F(OutputPaneTest, ExtendsTheSelectionToAClickWithShift)
+{
+    run.append(u"abcdefgh\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    QTest::mouseClick(pane.viewport(), Qt::LeftButton, {}, before(2));
+    QTest::mouseClick(pane.viewport(), Qt::LeftButton, Qt::ShiftModifier, before(5));
+    EXPECT_EQ(pane.selectedText(), u"cde"_s);
+    QTest::mouseClick(pane.viewport(), Qt::LeftButton, Qt::ShiftModifier, before(0));
+    EXPECT_EQ(pane.selectedText(), u"ab"_s);
+}
+
+TEST_F(OutputPaneTest, SelectsAWordByTwoClicksAndALineByThree)
+{
+    run.append(u"alpha beta gamma\nsecond line\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    QApplication::setDoubleClickInterval(5000);
+    const QPoint inBeta = pane.characterRect(7).center();
+    QTest::mouseClick(pane.viewport(), Qt::LeftButton, {}, inBeta);
+    QTest::mouseDClick(pane.viewport(), Qt::LeftButton, {}, inBeta);
+    EXPECT_EQ(pane.selectedText(), u"beta"_s);
+    QTest::mouseClick(pane.viewport(), Qt::LeftButton, {}, inBeta);
+    EXPECT_EQ(pane.selectedText(), u"alpha beta gamma\n"_s);
+}
+
+TEST_F(OutputPaneTest, DragsByWordsAfterTwoClicksAndByLinesAfterThree)
+{
+    QApplication::setDoubleClickInterval(5000);
+    run.append(u"alpha beta gamma\nsecond line\nthird\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    const QPoint inBeta = pane.characterRect(7).center();
+    press(inBeta);
+    send(QEvent::MouseButtonDblClick, inBeta, Qt::LeftButton);
+    drag(pane.characterRect(25).center());
+    EXPECT_EQ(pane.selectedText(), u"beta gamma\nsecond line"_s);
+    drag(pane.characterRect(2).center());
+    EXPECT_EQ(pane.selectedText(), u"alpha beta"_s);
+    release(inBeta);
+    press(inBeta);
+    EXPECT_EQ(pane.selectedText(), u"alpha beta gamma\n"_s);
+    drag(pane.characterRect(25).center());
+    EXPECT_EQ(pane.selectedText(), u"alpha beta gamma\nsecond line\n"_s);
+    release(inBeta);
+}
+
+TEST_F(OutputPaneTest, OffersCopyAndSelectAllInItsContextMenu)
+{
+    ASSERT_NE(menuAction(pane, u"Copy"_s), nullptr);
+    EXPECT_FALSE(menuAction(pane, u"Copy"_s)->isEnabled());
+    EXPECT_FALSE(menuAction(pane, u"Select All"_s)->isEnabled()) << "there is nothing yet";
+    closeMenus(pane);
+    run.append(u"some text\n"_s, OutputKind::out);
+    menuAction(pane, u"Select All"_s)->trigger();
+    closeMenus(pane);
+    EXPECT_EQ(pane.selectedText(), u"some text\n"_s);
+    menuAction(pane, u"Copy"_s)->trigger();
+    closeMenus(pane);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"some text\n"_s);
+}
+
+TEST_F(OutputPaneTest, ScrollsByTheWheelHoweverFinelyItTurns)
+{
+    EXPECT_FALSE(turnWheel(pane, 120)) << "with nothing to scroll the turn is the screen's";
+    fill();
+    const QScrollBar &bar = *pane.verticalScrollBar();
+    int place = bar.value();
+    EXPECT_TRUE(turnWheel(pane, 120));
+    const int notch = place - bar.value();
+    EXPECT_GT(notch, 0);
+    place = bar.value();
+    for (int turn = 0; turn < 120; ++turn)
+        turnWheel(pane, 1);
+    EXPECT_EQ(place - bar.value(), notch);
+    place = bar.value();
+    turnWheel(pane, 120, 7);
+    EXPECT_EQ(place - bar.value(), 7) << "a touch pad says how many pixels";
+}
