@@ -1,6 +1,8 @@
 #include "ContentView/RunView.h"
+#include "ContentView/SetupHeader.h"
 #include "Screens/TestWindow.h"
 
+#include <QLayout>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QScrollArea>
@@ -57,6 +59,27 @@ TEST(ContentView, CannotBecomeSmallerThan820By640)
     EXPECT_EQ(content.size(), QSize(820, 640));
     content.resize(1600, 1000);
     EXPECT_EQ(content.size(), QSize(1600, 1000));
+}
+
+TEST(ContentView, PadsHeaderTabsAndScreen)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    const auto *header = content.findChild<SetupHeader *>();
+    EXPECT_EQ(header->layout()->contentsMargins(), QMargins(12, 12, 12, 12));
+    EXPECT_EQ(header->y(), 0);
+    const int divider = 1;
+    const QRect selector = tabs(content)->geometry();
+    EXPECT_EQ(selector.y(), header->height() + divider + 8);
+    EXPECT_LE(std::abs(selector.center().x() - content.rect().center().x()), 1);
+    const QRect screen = content.findChild<QScrollArea *>()->geometry();
+    EXPECT_EQ(screen.y(), selector.bottom() + 1);
+    EXPECT_EQ(screen.width(), content.width());
+    EXPECT_EQ(screen.bottom(), content.rect().bottom());
+    for (const AppTab tab : allAppTabs) {
+        content.setTab(tab);
+        EXPECT_EQ(content.findChild<QScrollArea *>()->widget()->layout()->contentsMargins(), QMargins(12, 12, 12, 12));
+    }
 }
 
 TEST(ContentView, NamesItsTabsForAssistiveTechnology)

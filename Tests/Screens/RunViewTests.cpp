@@ -441,9 +441,38 @@ TEST(RunView, InstallsPackagesAndLeavesTheScriptAlone)
 
 TEST(RunView, LimitsTheTimeUnlessToldOtherwise)
 {
-    TestWindow window;
-    ContentView &content = window.show();
+    TestWindow window(true, RunTimeLimits{.script = 0.3});
+    ContentView &content = window.showRunning({u"box"_s});
     EXPECT_TRUE(toggle(content, u"10 minute time limit"_s)->isChecked());
+    EXPECT_TRUE(runScript(window, u"exec sleep 60"_s).contains(u"\nTimed out after 10 minutes and was stopped.\n"_s));
+    toggle(content, u"10 minute time limit"_s)->click();
+    window.run.clearTranscript();
+    EXPECT_TRUE(runScript(window, u"sleep 0.6; echo through"_s).contains(u"through\n\nexit status 0"_s));
+}
+
+TEST(RunView, RunsUnderTheShellOfTheChosenMachinesDistribution)
+{
+    TestWindow window;
+    window.orbStack.setRunning(true);
+    window.orbStack.setMachineList(R"([{"name":"small","state":"running","image":{"distro":"alpine"}}])");
+    window.show();
+    EXPECT_TRUE(waitUntil([&] { return window.machines.machines().size() == 1; }));
+    EXPECT_TRUE(runScript(window, u"true"_s).startsWith(u"$ orb -m small sh -s\n"_s));
+}
+
+TEST(RunView, ForgetsDisposableModeWithTheScreenButNotTheConsent)
+{
+    TestWindow window;
+    confirmDisposable();
+    ContentView &content = window.show();
+    toggle(content, u"Disposable mode"_s)->click();
+    EXPECT_TRUE(toggle(content, u"Disposable mode"_s)->isChecked());
+    content.setTab(AppTab::history);
+    content.setTab(AppTab::run);
+    EXPECT_FALSE(toggle(content, u"Disposable mode"_s)->isChecked());
+    toggle(content, u"Disposable mode"_s)->click();
+    EXPECT_TRUE(toggle(content, u"Disposable mode"_s)->isChecked());
+    EXPECT_EQ(alert(), nullptr);
 }
 
 TEST(RunView, CopiesAndClearsTheOutput)

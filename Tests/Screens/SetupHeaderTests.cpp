@@ -4,6 +4,7 @@
 #include "ContentView/PlainLabel.h"
 #include "ContentView/SetupHeader.h"
 #include "ContentView/StatusDot.h"
+#include "ContentView/Typography.h"
 #include "Screens/TestWindow.h"
 
 #include <QProgressBar>
@@ -209,4 +210,46 @@ TEST(SetupHeader, ShowsAnyFailureAsPlainTextOfBoundedSize)
     EXPECT_EQ(content.width(), std::max(content.minimumWidth(), content.width()));
     content.resize(820, 640);
     EXPECT_EQ(content.size(), QSize(820, 640));
+}
+
+TEST(SetupHeader, SetsItsElementsOneBelowTheOther)
+{
+    TestWindow window;
+    TestTools &tools = window.orbStack.tools();
+    tools.removeTool(u"orb"_s);
+    tools.addTool(u"brew"_s, u"echo first; exec sleep 60"_s);
+    ContentView &content = window.show();
+    content.resize(820, 640);
+    const SetupHeader &header = headerOf(content);
+    ASSERT_TRUE(waitUntil([&] { return shows(header, what); }));
+    press(header, u"Install OrbStack"_s);
+    const auto *log = header.findChild<LogBox *>();
+    ASSERT_TRUE(waitUntil([&] { return log->isVisible() && log->shownText().endsWith(u"first\n"_s); }));
+    QCoreApplication::sendPostedEvents();
+
+    const auto *dot = find<StatusDot>(header, u"OrbStack not installed"_s);
+    const auto *title = find<PlainLabel>(header, u"OrbStack not installed"_s);
+    EXPECT_EQ(dot->size(), QSize(12, 12));
+    EXPECT_EQ(title->x() - dot->geometry().right() - 1, 10);
+    EXPECT_LE(std::abs(title->geometry().center().y() - dot->geometry().center().y()), 1);
+    EXPECT_EQ(title->font(), Typography::headline());
+    const auto *install = find<QAbstractButton>(header, u"Install OrbStack"_s);
+    EXPECT_EQ(install->geometry().right(), header.contentsRect().right() - 12) << "pushed to the trailing edge";
+
+    const auto *explanation = find<PlainLabel>(header, what);
+    EXPECT_EQ(explanation->font(), Typography::callout());
+    EXPECT_GE(explanation->height(), explanation->heightForWidth(explanation->width())) << "nothing is cut off";
+    const auto *note = header.findChild<NoteText *>();
+    EXPECT_EQ(note->font(), Typography::callout());
+    EXPECT_EQ(note->palette().color(QPalette::Text), Colours::secondary(header.palette()));
+    EXPECT_EQ(QFontInfo(log->font()).pixelSize(), 11);
+    EXPECT_TRUE(QFontInfo(log->font()).fixedPitch());
+    EXPECT_EQ(log->width(), header.width() - 24);
+    const QWidget *bar = find<QProgressBar>(header, u"In progress"_s);
+    const auto top = [&header](const QWidget *widget) { return widget->mapTo(&header, QPoint()).y(); };
+    EXPECT_LT(top(title), top(explanation));
+    EXPECT_LT(top(explanation), top(bar));
+    EXPECT_LT(top(bar), top(note));
+    EXPECT_LT(top(note), top(log));
+    EXPECT_LE(top(log) + log->height() + 12, header.height());
 }

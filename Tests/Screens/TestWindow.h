@@ -20,8 +20,9 @@
 class TestWindow
 {
 public:
-    explicit TestWindow(bool macSupported = true)
+    explicit TestWindow(bool macSupported = true, RunTimeLimits limitsOfRuns = {})
         : setup(SetupTimeLimits{}, macSupported),
+          run(limitsOfRuns),
           history(orbStack.tools().path(QStringLiteral("support")))
     {
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, orbStack.tools().path(QStringLiteral("set")));
