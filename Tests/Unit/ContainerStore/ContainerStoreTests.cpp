@@ -69,6 +69,15 @@ TEST_F(ContainerStoreRefresh, StartsEmptyAndIdle)
     EXPECT_FALSE(store.showLogs());
 }
 
+TEST_F(ContainerStoreRefresh, GivesEachToolItsTime)
+{
+    const ContainerTimeLimits seconds;
+    EXPECT_EQ(seconds.list, 10);
+    EXPECT_EQ(seconds.logs, 10);
+    EXPECT_EQ(seconds.action, 60);
+    EXPECT_EQ(seconds.run, 600);
+}
+
 TEST_F(ContainerStoreRefresh, ListsAllContainersWithTheExactArguments)
 {
     tools.addTool(u"docker"_s, dockerWith(QString()));
@@ -200,6 +209,15 @@ TEST_F(ContainerStoreRefresh, ReadsTheLinesBetweenWarnings)
     EXPECT_EQ(store.containers()[1].id, u"2"_s);
     EXPECT_EQ(store.containers()[2].id, u"3"_s);
     EXPECT_EQ(store.error(), std::nullopt);
+}
+
+TEST_F(ContainerStoreRefresh, ReadsALineOfTenMegabytesAndTheOneAfterIt)
+{
+    write(u"list"_s, "{\"ID\":\"long\",\"Labels\":\"" + QByteArray(10000000, 'l') + "\"}\n{\"ID\":\"short\"}\n");
+    tools.addTool(u"docker"_s, u"cat '"_s + tools.path(u"list"_s) + u"'"_s);
+    ASSERT_TRUE(waitFor(store.refresh()));
+    ASSERT_EQ(store.containers().size(), 2);
+    EXPECT_EQ(store.containers()[1].id, u"short"_s);
 }
 
 TEST_F(ContainerStoreRefresh, ListsFiveThousandContainers)
@@ -387,6 +405,24 @@ TEST_F(ContainerStoreLogs, ShowsATimeOutInTheSheet)
     impatient.logs(web);
     ASSERT_TRUE(waitUntil([&impatient] { return impatient.showLogs(); }));
     EXPECT_EQ(impatient.logText(), u"Could not read logs: part"_s);
+}
+
+TEST_F(ContainerStoreLogs, ShowsADockerThatCannotBeStartedInTheSheet)
+{
+    tools.addTool(u"docker"_s, QString());
+    tools.setInterpreter(u"docker"_s, u"/nonexistent/interpreter"_s);
+    store.logs(web);
+    ASSERT_TRUE(waitUntil([this] { return store.showLogs(); }));
+    EXPECT_TRUE(store.logText().startsWith(u"Could not read logs: Could not start docker: "_s));
+}
+
+TEST_F(ContainerStoreRun, TellsADockerThatCannotBeStarted)
+{
+    tools.addTool(u"docker"_s, QString());
+    tools.setInterpreter(u"docker"_s, u"/nonexistent/interpreter"_s);
+    store.runContainer(u"nginx"_s, QString(), QString());
+    ASSERT_TRUE(untilIdle());
+    EXPECT_TRUE(store.message().startsWith(u"docker run failed: Could not start docker: "_s));
 }
 
 TEST_F(ContainerStoreLogs, CanBeReadDuringAnAction)

@@ -12,6 +12,15 @@ TEST_F(MachineStoreTest, StartsEmpty)
     EXPECT_EQ(store.log(), QString());
 }
 
+TEST_F(MachineStoreTest, GivesEachToolItsTime)
+{
+    const MachineTimeLimits seconds;
+    EXPECT_EQ(seconds.list, 10);
+    EXPECT_EQ(seconds.simple, 120);
+    EXPECT_EQ(seconds.deletion, 120);
+    EXPECT_EQ(seconds.creation, 900);
+}
+
 TEST_F(MachineStoreTest, ListsAsJsonFirst)
 {
     addOrb();
