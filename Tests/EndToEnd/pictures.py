@@ -13,7 +13,7 @@ from harness.desktop import Desktop
 from harness.tidewell import Tidewell
 from scenes import SCENES
 
-SIZES = {"small": (820, 640), "large": (1500, 950)}
+SIZES = {"small": (820, 640), "large": (1440, 900)}
 # Room around the window for its frame.
 MARGIN = (20, 60)
 
@@ -30,7 +30,7 @@ def picture(program, desktop, size, theme, name, path):
     options = options | {"before": before, "environment": themes.environment(theme)}
     with Tidewell(program, desktop, **options) as tidewell:
         desktop.wait_for_focus(tidewell.process.pid)
-        desktop.resize_window(tidewell.process.pid, *SIZES[size])
+        desktop.place_window(tidewell.process.pid, *SIZES[size])
         bring(tidewell)
         tidewell.take_picture(path)
 

@@ -109,8 +109,10 @@ class Desktop:
         """Asks the window manager to close the process's window, as the window's close button does."""
         self._tool("wmctrl", "-i", "-c", self._window(pid))
 
-    def resize_window(self, pid, width, height):
+    def place_window(self, pid, width, height):
+        """Moves the process's window, with its frame, to the corner of the display and gives it a size."""
         window = self._window(pid)
+        self._tool("wmctrl", "-i", "-r", window, "-e", "10,1,20,-1,-1")
         self._tool("xdotool", "windowsize", "--sync", window, str(width), str(height))
 
     def take_picture(self, path):
