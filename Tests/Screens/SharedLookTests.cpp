@@ -3,6 +3,7 @@
 #include "ContentView/NoteText.h"
 #include "ContentView/PlainLabel.h"
 #include "ContentView/StatusDot.h"
+#include "ContentView/TextField.h"
 #include "ContentView/Typography.h"
 #include "ContentView/VisibleText.h"
 #include "Screens/ByName.h"
@@ -113,6 +114,50 @@ TEST(PlainLabel, FollowsASwitchOfLightAndDark)
     EXPECT_NE(Colours::red(darkPalette()), Colours::red(QPalette(Qt::white)));
 }
 
+TEST(PlainLabel, IsDimmedWhileDisabled)
+{
+    QWidget window;
+    QPalette palette = darkPalette();
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor::fromRgb(0x606060));
+    window.setPalette(palette);
+    PlainLabel label(u"Machine"_s, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd, &window);
+    EXPECT_EQ(label.palette().color(QPalette::WindowText), Qt::white);
+    label.setEnabled(false);
+    EXPECT_EQ(label.palette().color(QPalette::WindowText), QColor::fromRgb(0x606060));
+}
+
+TEST(TextField, IsNamedByItsPlaceholder)
+{
+    const TextField field(u"Name (e.g. scratch)"_s, nullptr);
+    EXPECT_EQ(field.placeholderText(), u"Name (e.g. scratch)"_s);
+    EXPECT_EQ(ByName::nameOf(&field), u"Name (e.g. scratch)"_s);
+}
+
+TEST(TextField, ShowsItsPlaceholderWhereADarkThemeForgotThatColour)
+{
+    QWidget window;
+    const TextField field(u"x"_s, &window);
+    QPalette dark = darkPalette();
+    dark.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
+    window.setPalette(dark);
+    EXPECT_GT(field.palette().color(QPalette::PlaceholderText).lightnessF(), 0.5F);
+    QPalette light(Qt::lightGray);
+    light.setColor(QPalette::Base, Qt::white);
+    light.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
+    window.setPalette(light);
+    EXPECT_EQ(field.palette().color(QPalette::PlaceholderText), QColor(0, 0, 0, 128));
+}
+
+TEST(TextField, LeavesAThemeItsOwnPlaceholderColour)
+{
+    QWidget window;
+    const TextField field(u"x"_s, &window);
+    QPalette dark = darkPalette();
+    dark.setColor(QPalette::PlaceholderText, QColor(255, 255, 255, 64));
+    window.setPalette(dark);
+    EXPECT_EQ(field.palette().color(QPalette::PlaceholderText), QColor(255, 255, 255, 64));
+}
+
 TEST(StatusDot, SaysItsStateInWords)
 {
     StatusDot dot(12);
@@ -162,6 +207,27 @@ TEST(LogBox, KeepsSelectionAndPlaceWhileItGrows)
     EXPECT_TRUE(waitUntil([&] { return box.shownText() == text; }));
     EXPECT_EQ(box.textCursor().selectedText(), u"line"_s);
     EXPECT_EQ(box.verticalScrollBar()->value(), 3);
+}
+
+TEST(LogBox, ShowsSixWholeLinesInItsNinetyPoints)
+{
+    LogBox box(u"Log"_s, 90, [] { return u"line\n"_s.repeated(20); });
+    box.resize(400, 90);
+    box.show();
+    const int shown = 90 / box.fontMetrics().lineSpacing();
+    ASSERT_GE(shown, 6);
+    EXPECT_EQ(box.verticalScrollBar()->maximum(), box.blockCount() - shown);
+}
+
+TEST(LogBox, KeepsItsScrollBarWithinTheRoundedPane)
+{
+    LogBox box(u"Log"_s, 90, [] { return u"line\n"_s.repeated(20); });
+    box.resize(400, 90);
+    box.show();
+    const QScrollBar *bar = box.verticalScrollBar();
+    ASSERT_TRUE(bar->isVisible());
+    EXPECT_LT(bar->mapTo(&box, bar->rect().bottomRight()).x(), box.rect().right());
+    EXPECT_LT(bar->mapTo(&box, bar->rect().bottomRight()).y(), box.rect().bottom());
 }
 
 TEST(LogBox, ShowsATextThatLostItsFront)

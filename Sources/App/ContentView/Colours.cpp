@@ -2,12 +2,22 @@
 
 #include <QPalette>
 
+#include <cmath>
+
 namespace
 {
 
 QColor toned(const QPalette &palette, QRgb onLight, QRgb onDark)
 {
     return QColor::fromRgb(Colours::isDark(palette) ? onDark : onLight);
+}
+
+/// `over` covering a share of `under`.
+QColor mixed(const QColor &over, const QColor &under, float share)
+{
+    const auto channel = [share](float upper, float lower) { return upper * share + lower * (1 - share); };
+    return QColor::fromRgbF(channel(over.redF(), under.redF()), channel(over.greenF(), under.greenF()),
+                            channel(over.blueF(), under.blueF()));
 }
 
 } // namespace
@@ -24,12 +34,18 @@ QColor Colours::primary(const QPalette &palette)
 
 QColor Colours::secondary(const QPalette &palette)
 {
-    const QColor text = primary(palette);
-    const QColor window = palette.color(QPalette::Window);
-    const float share = 0.66F;
-    const auto mixed = [share](float over, float under) { return over * share + under * (1 - share); };
-    return QColor::fromRgbF(mixed(text.redF(), window.redF()), mixed(text.greenF(), window.greenF()),
-                            mixed(text.blueF(), window.blueF()));
+    return mixed(primary(palette), palette.color(QPalette::Window), 0.66F);
+}
+
+QColor Colours::placeholder(const QPalette &palette)
+{
+    constexpr float leastDifference = 0.15F;
+    const QColor own = palette.color(QPalette::PlaceholderText);
+    const QColor field = palette.color(QPalette::Base);
+    const QColor seen = mixed(own, field, own.alphaF());
+    if (std::abs(seen.lightnessF() - field.lightnessF()) >= leastDifference)
+        return own;
+    return mixed(palette.color(QPalette::Text), field, 0.55F);
 }
 
 QColor Colours::red(const QPalette &palette)

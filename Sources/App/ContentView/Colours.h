@@ -17,8 +17,11 @@ bool isDark(const QPalette &palette);
 
 /// Text that matters most.
 QColor primary(const QPalette &palette);
-/// Dimmed text: captions, placeholders, progress.
+/// Dimmed text: captions, hints, progress.
 QColor secondary(const QPalette &palette);
+/// What an empty field asks for: the palette's own colour, unless it can hardly be told from the field. (Some dark
+/// themes set every colour but this one, which is then a light theme's black.)
+QColor placeholder(const QPalette &palette);
 
 QColor red(const QPalette &palette);
 QColor orange(const QPalette &palette);

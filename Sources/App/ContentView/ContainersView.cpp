@@ -4,16 +4,17 @@
 #include "ContentView/Colours.h"
 #include "ContentView/ContainerLogSheet.h"
 #include "ContentView/Controls.h"
+#include "ContentView/IndeterminateBar.h"
 #include "ContentView/NoteText.h"
 #include "ContentView/PlainLabel.h"
 #include "ContentView/RowList.h"
+#include "ContentView/TextField.h"
 #include "ContentView/Typography.h"
 #include "OrbCLI/ToolLocation.h"
 #include "SetupController/SetupController.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLineEdit>
 #include <QShowEvent>
 #include <QVBoxLayout>
 
@@ -60,7 +61,7 @@ ContainersView::ContainersView(const Controllers &controllers, QWidget *parent)
     layout->setSpacing(10);
     layout->addLayout(makeHeader());
     layout->addWidget(makeForm());
-    m_progress = Controls::indeterminateBar(this);
+    m_progress = new IndeterminateBar(this);
     layout->addWidget(m_progress);
     m_message = new NoteText(Typography::callout(), Colours::secondary, this);
     layout->addWidget(m_message);
@@ -124,18 +125,16 @@ QWidget *ContainersView::makeForm()
     row->addWidget(m_name);
     row->addWidget(m_run);
 
-    connect(m_image, &QLineEdit::textChanged, this, &ContainersView::showWhetherToRun);
+    connect(m_image, &TextField::textChanged, this, &ContainersView::showWhetherToRun);
     connect(m_run, &QPushButton::clicked, this,
             [this] { m_containers.runContainer(m_image->text(), m_name->text(), m_ports->text()); });
     return form;
 }
 
-QLineEdit *ContainersView::makeField(const QString &placeholder, QWidget *form)
+TextField *ContainersView::makeField(const QString &placeholder, QWidget *form)
 {
-    auto *field = new QLineEdit(form);
-    field->setPlaceholderText(placeholder);
-    field->setAccessibleName(placeholder);
-    connect(field, &QLineEdit::returnPressed, this, [this] { m_run->click(); });
+    auto *field = new TextField(placeholder, form);
+    connect(field, &TextField::returnPressed, this, [this] { m_run->click(); });
     return field;
 }
 

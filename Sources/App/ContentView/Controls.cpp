@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-using namespace Qt::StringLiterals;
-
 QPushButton *Controls::button(const QString &label, const QString &description, QWidget *parent)
 {
     auto *button = new QPushButton(label, parent);
@@ -15,16 +13,4 @@ QPushButton *Controls::button(const QString &label, const QString &description, 
     button->setMinimumWidth(std::max(80, button->fontMetrics().horizontalAdvance(label) + 28));
 #endif
     return button;
-}
-
-QProgressBar *Controls::indeterminateBar(QWidget *parent)
-{
-    auto *bar = new QProgressBar(parent);
-    bar->setRange(0, 0);
-    bar->setTextVisible(false);
-    bar->setAccessibleName(u"In progress"_s);
-#ifndef Q_OS_MACOS
-    bar->setFixedHeight(6);
-#endif
-    return bar;
 }

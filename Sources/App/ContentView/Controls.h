@@ -2,7 +2,6 @@
 
 // Small controls in the form in which every screen uses them.
 
-#include <QProgressBar>
 #include <QPushButton>
 
 namespace Controls
@@ -10,8 +9,5 @@ namespace Controls
 
 /// A button named by its label; `description` tells what it acts on where the label alone does not ("Stop OrbStack").
 QPushButton *button(const QString &label, const QString &description, QWidget *parent);
-
-/// A thin bar that moves while something of unknown length goes on.
-QProgressBar *indeterminateBar(QWidget *parent);
 
 } // namespace Controls

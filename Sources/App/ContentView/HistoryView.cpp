@@ -57,6 +57,7 @@ HistoryView::HistoryView(const Controllers &controllers, QWidget *parent)
       m_run(controllers.run)
 {
     auto *layout = new QVBoxLayout(this);
+    layout->setSpacing(10);
     auto *header = new QHBoxLayout;
     header->addWidget(
         new PlainLabel(u"Last 50 runs"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this));

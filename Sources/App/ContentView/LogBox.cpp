@@ -9,6 +9,8 @@ namespace
 {
 
 constexpr auto frame = std::chrono::milliseconds(16);
+constexpr int frameThickness = 2;
+constexpr int margin = 3;
 
 } // namespace
 
@@ -18,7 +20,11 @@ LogBox::LogBox(const QString &name, int height, std::function<QString()> text, Q
 {
     setAccessibleName(name);
     setFixedHeight(height);
-    setViewportMargins(4, 2, 4, 2);
+    // A frame of its own keeps the scroll bar within the rounded pane.
+    setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
+    setLineWidth(frameThickness);
+    document()->setDocumentMargin(margin);
+    setViewportMargins(margin, 0, margin, 0);
     m_nextFrame.setSingleShot(true);
     m_nextFrame.setInterval(frame);
     connect(&m_nextFrame, &QTimer::timeout, this, &LogBox::showNow);
@@ -46,8 +52,10 @@ void LogBox::showNow()
 
 bool LogBox::event(QEvent *event)
 {
-    if (event->type() == QEvent::Paint)
+    if (event->type() == QEvent::Paint) {
         PaneFrame::paint(*this);
+        return true;
+    }
     if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
         update();
     return PlainTextBox::event(event);

@@ -3,11 +3,13 @@
 #include "ContentView/Alert.h"
 #include "ContentView/Colours.h"
 #include "ContentView/Controls.h"
+#include "ContentView/IndeterminateBar.h"
 #include "ContentView/LogBox.h"
 #include "ContentView/NoteText.h"
 #include "ContentView/Picker.h"
 #include "ContentView/PlainLabel.h"
 #include "ContentView/RowList.h"
+#include "ContentView/TextField.h"
 #include "ContentView/Typography.h"
 #include "ContentView/VisibleText.h"
 #include "MachineStore/MachineStore.h"
@@ -15,7 +17,6 @@
 
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QVBoxLayout>
 
@@ -57,7 +58,7 @@ MachinesView::MachinesView(const Controllers &controllers, QWidget *parent)
     layout->addWidget(new PlainLabel(u"Machines are real Linux systems on this Mac. They stay until you delete them."_s,
                                      Typography::callout(), Colours::secondary, PlainLabel::Fit::wrap, this));
     layout->addWidget(makeCreationBox());
-    m_progress = Controls::indeterminateBar(this);
+    m_progress = new IndeterminateBar(this);
     layout->addWidget(m_progress);
     m_log = new LogBox(u"Machine log"_s, logHeight, [this] { return m_machines.log(); }, this);
     layout->addWidget(m_log);
@@ -96,9 +97,7 @@ QWidget *MachinesView::makeCreationBox()
     pickerRow->addWidget(label);
     pickerRow->addWidget(m_distro, 1);
 
-    m_name = new QLineEdit(box);
-    m_name->setPlaceholderText(u"Name (e.g. scratch)"_s);
-    m_name->setAccessibleName(m_name->placeholderText());
+    m_name = new TextField(u"Name (e.g. scratch)"_s, box);
     m_create = Controls::button(u"Create"_s, u"Create a machine"_s, box);
 
     auto *row = new QHBoxLayout(box);
@@ -107,8 +106,8 @@ QWidget *MachinesView::makeCreationBox()
     row->addWidget(m_name, 1);
     row->addWidget(m_create);
 
-    connect(m_name, &QLineEdit::textChanged, this, &MachinesView::showWhetherToCreate);
-    connect(m_name, &QLineEdit::returnPressed, m_create, &QPushButton::click);
+    connect(m_name, &TextField::textChanged, this, &MachinesView::showWhetherToCreate);
+    connect(m_name, &TextField::returnPressed, m_create, &QPushButton::click);
     connect(m_create, &QPushButton::clicked, this, &MachinesView::create);
     return box;
 }

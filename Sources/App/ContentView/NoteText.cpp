@@ -10,6 +10,7 @@ namespace
 {
 
 constexpr int mostLines = 6;
+constexpr int scrollBarDistance = 6;
 constexpr qsizetype longestName = 500;
 
 } // namespace
@@ -76,6 +77,8 @@ void NoteText::fitHeight()
         height += document()->documentLayout()->blockBoundingRect(block).height();
     const bool scrolls = height > most;
     setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    // The text does not touch the scroll bar.
+    setViewportMargins(0, 0, scrolls ? scrollBarDistance : 0, 0);
     // What scrolls can be reached by keyboard.
     setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::ClickFocus);
     setFixedHeight(static_cast<int>(std::ceil(std::min(height, most))));

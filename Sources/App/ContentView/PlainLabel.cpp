@@ -127,10 +127,13 @@ void PlainLabel::applyColour()
     // The parent's palette, because this label's own has the colour already in it.
     const QPalette around = parentWidget() != nullptr ? parentWidget()->palette() : QApplication::palette();
     const QColor colour = m_colour(around);
-    if (testAttribute(Qt::WA_SetPalette) && palette().color(QPalette::WindowText) == colour)
+    const QColor dimmed = around.color(QPalette::Disabled, QPalette::WindowText);
+    if (testAttribute(Qt::WA_SetPalette) && palette().color(QPalette::Active, QPalette::WindowText) == colour &&
+        palette().color(QPalette::Disabled, QPalette::WindowText) == dimmed)
         return;
     QPalette own;
     own.setColor(QPalette::WindowText, colour);
+    own.setColor(QPalette::Disabled, QPalette::WindowText, dimmed);
     setPalette(own);
 }
 

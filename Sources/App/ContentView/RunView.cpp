@@ -10,6 +10,7 @@
 #include "ContentView/PlainLabel.h"
 #include "ContentView/RunStatus.h"
 #include "ContentView/ScriptEditor.h"
+#include "ContentView/TextField.h"
 #include "ContentView/Typography.h"
 #include "MachineStore/MachineStore.h"
 #include "RunController/RunController.h"
@@ -18,7 +19,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QLineEdit>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -158,13 +158,11 @@ QLayout *RunView::makeFolderSection()
 
 QLayout *RunView::makePackageRow()
 {
-    m_packages = new QLineEdit(this);
-    m_packages->setPlaceholderText(u"Packages, e.g. git curl"_s);
-    m_packages->setAccessibleName(m_packages->placeholderText());
+    m_packages = new TextField(u"Packages, e.g. git curl"_s, this);
     m_packages->setMaximumWidth(240);
     m_install = Controls::button(u"Install packages"_s, {}, this);
-    connect(m_packages, &QLineEdit::textChanged, this, &RunView::showFields);
-    connect(m_packages, &QLineEdit::returnPressed, m_install, &QPushButton::click);
+    connect(m_packages, &TextField::textChanged, this, &RunView::showFields);
+    connect(m_packages, &TextField::returnPressed, m_install, &QPushButton::click);
     connect(m_install, &QPushButton::clicked, this, &RunView::installPackages);
 
     auto *row = new QHBoxLayout;

@@ -18,7 +18,7 @@ class PlainLabel;
 class QCheckBox;
 class QLabel;
 class QLayout;
-class QLineEdit;
+class TextField;
 class QPushButton;
 class RunStatus;
 
@@ -62,7 +62,7 @@ private:
     FolderPicker *m_folder = nullptr;
     PlainLabel *m_folderWarning = nullptr;
     QCheckBox *m_timeLimit = nullptr;
-    QLineEdit *m_packages = nullptr;
+    TextField *m_packages = nullptr;
     QPushButton *m_install = nullptr;
     QPushButton *m_run = nullptr;
     RunStatus *m_status = nullptr;

@@ -2,6 +2,7 @@
 
 #include "ContentView/Colours.h"
 #include "ContentView/Controls.h"
+#include "ContentView/IndeterminateBar.h"
 #include "ContentView/LogBox.h"
 #include "ContentView/NoteText.h"
 #include "ContentView/PlainLabel.h"
@@ -101,7 +102,7 @@ QLayout *SetupHeader::makeProgressRow()
 {
     auto *row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(Controls::indeterminateBar(m_progress), 1);
+    row->addWidget(new IndeterminateBar(m_progress), 1);
     m_cancel = Controls::button(u"Cancel"_s, u"Cancel the OrbStack operation"_s, m_progress);
     connect(m_cancel, &QPushButton::clicked, &m_setup, &SetupController::cancel);
     row->addWidget(m_cancel);

@@ -1,0 +1,31 @@
+#include "ContentView/IndeterminateBar.h"
+#include "Screens/ByName.h"
+#include "Support/Waiting.h"
+
+using namespace Qt::StringLiterals;
+
+TEST(IndeterminateBar, SaysThatSomethingGoesOn)
+{
+    const IndeterminateBar bar;
+    EXPECT_EQ(ByName::nameOf(&bar), u"In progress"_s);
+    EXPECT_EQ(bar.maximum(), 0);
+    EXPECT_FALSE(bar.isTextVisible());
+}
+
+TEST(IndeterminateBar, NeverLooksFullAndMoves)
+{
+#ifdef Q_OS_MACOS
+    GTEST_SKIP() << "it is the system's own";
+#endif
+    IndeterminateBar bar;
+    bar.resize(400, bar.height());
+    bar.show();
+    const auto pixel = [&bar](double share) {
+        const QImage picture = bar.grab().toImage();
+        return picture.pixelColor(static_cast<int>(share * (picture.width() - 1)), picture.height() / 2);
+    };
+    EXPECT_TRUE(waitUntil([&] { return pixel(0.5) == bar.palette().color(QPalette::Highlight); }));
+    EXPECT_NE(pixel(0.02), bar.palette().color(QPalette::Highlight));
+    EXPECT_NE(pixel(0.98), bar.palette().color(QPalette::Highlight));
+    EXPECT_TRUE(waitUntil([&] { return pixel(0.5) != bar.palette().color(QPalette::Highlight); }));
+}
