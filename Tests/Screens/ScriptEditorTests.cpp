@@ -3,6 +3,7 @@
 
 #include <QElapsedTimer>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -102,4 +103,17 @@ TEST(ScriptEditor, StaysQuickWithFiveMegabytes)
     EXPECT_EQ(run.script(), u"quick"_s + script);
     // Generous, because sanitizers and other programs slow it down; a keystroke takes about 15 ms.
     EXPECT_LT(timer.elapsed(), 5 * 400);
+}
+
+TEST(ScriptEditor, KeepsItsScrollBarWithinTheRoundedFrame)
+{
+    RunController run;
+    run.setScript(u"line\n"_s.repeated(50));
+    ScriptEditor editor(run);
+    editor.resize(400, 120);
+    editor.show();
+    const QScrollBar *bar = editor.verticalScrollBar();
+    ASSERT_TRUE(bar->isVisible());
+    EXPECT_LT(bar->mapTo(&editor, bar->rect().bottomRight()).x(), editor.rect().right());
+    EXPECT_LT(bar->mapTo(&editor, bar->rect().bottomRight()).y(), editor.rect().bottom());
 }

@@ -3,6 +3,7 @@
 #include "ContentView/Typography.h"
 
 #include <QAbstractButton>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
@@ -11,7 +12,22 @@
 namespace
 {
 
-constexpr int textWidth = 360;
+constexpr int textWidth = 420;
+
+/// Lets the texts begin where the box's margin ends, not where they would beside an icon.
+void alignToMargin(const QMessageBox &alert)
+{
+#ifndef Q_OS_MACOS
+    auto *grid = qobject_cast<QGridLayout *>(alert.layout());
+    QLayoutItem *room = grid != nullptr ? grid->itemAtPosition(0, 0) : nullptr;
+    if (room == nullptr || room->spacerItem() == nullptr)
+        return;
+    room->spacerItem()->changeSize(0, 0, QSizePolicy::Fixed, QSizePolicy::Fixed);
+    grid->setHorizontalSpacing(0);
+#else
+    Q_UNUSED(alert)
+#endif
+}
 
 } // namespace
 
@@ -34,8 +50,10 @@ QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &m
         if (label->text().isEmpty())
             continue;
         label->setMinimumWidth(textWidth);
+        label->setIndent(0);
         label->setFont(label->text() == title ? Typography::headline() : Typography::body());
     }
+    alignToMargin(*alert);
     const QPointer<QWidget> focused = parent->window()->focusWidget();
     QObject::connect(alert, &QMessageBox::finished, parent, [alert, accept, accepted, focused] {
         if (focused)

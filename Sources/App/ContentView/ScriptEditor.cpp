@@ -14,6 +14,7 @@ namespace
 {
 
 constexpr double cornerRadius = 6;
+constexpr int frameThickness = 2;
 
 } // namespace
 
@@ -27,8 +28,10 @@ ScriptEditor::ScriptEditor(RunController &run, QWidget *parent) : QPlainTextEdit
     setTabStopDistance(4 * fontMetrics().horizontalAdvance(u' '));
     // Not at word boundaries: that takes quadratic time in the length of a line.
     setWordWrapMode(QTextOption::WrapAnywhere);
-    setFrameShape(QFrame::NoFrame);
-    setViewportMargins(4, 3, 4, 3);
+    // A frame of its own keeps the scroll bar within the rounded one.
+    setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
+    setLineWidth(frameThickness);
+    setViewportMargins(2, 1, 2, 1);
     viewport()->setAutoFillBackground(false);
 
     takeScript();
@@ -51,6 +54,7 @@ bool ScriptEditor::event(QEvent *event)
         painter.setPen(hasFocus() ? palette().color(QPalette::Highlight) : frame);
         painter.setBrush(palette().color(QPalette::Base));
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+        return true;
     }
     if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
         update();
