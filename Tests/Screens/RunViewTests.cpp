@@ -9,6 +9,7 @@
 #include <QAbstractItemView>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -280,6 +281,20 @@ TEST(RunView, AsksOnceBeforeItTurnsDisposableModeOn)
     QTest::keyClick(disposable, Qt::Key_Space);
     EXPECT_TRUE(disposable->isChecked());
     EXPECT_EQ(alert(), nullptr);
+}
+
+TEST(RunView, FitsTheSmallestWindowWithEverythingOn)
+{
+    TestWindow window;
+    QSettings().setValue(u"disposableConfirmed"_s, true);
+    ContentView &content = window.showRunning({u"box"_s});
+    content.resize(820, 640);
+    find<QCheckBox>(content, u"Disposable mode"_s)->click();
+    shareFolder(content, QDir::tempPath());
+    const auto *screen = content.findChild<RunView *>();
+    EXPECT_TRUE(waitUntil([screen] { return screen->height() == screen->parentWidget()->height(); }))
+        << screen->height() << " in " << screen->parentWidget()->height();
+    EXPECT_EQ(screen->width(), 820);
 }
 
 TEST(RunView, LosesItsAlertWithItself)

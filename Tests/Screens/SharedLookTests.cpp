@@ -1,6 +1,7 @@
 #include "ContentView/Colours.h"
 #include "ContentView/LogBox.h"
 #include "ContentView/NoteText.h"
+#include "ContentView/Picker.h"
 #include "ContentView/PlainLabel.h"
 #include "ContentView/StatusDot.h"
 #include "ContentView/TextField.h"
@@ -13,6 +14,7 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QScrollBar>
+#include <QStyleOptionComboBox>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -114,6 +116,20 @@ TEST(PlainLabel, FollowsASwitchOfLightAndDark)
     EXPECT_NE(Colours::red(darkPalette()), Colours::red(QPalette(Qt::white)));
 }
 
+TEST(PlainLabel, AsksForNoMoreHeightThanItsWidthNeeds)
+{
+    QWidget window;
+    QVBoxLayout layout(&window);
+    auto *label = new PlainLabel(u"a caption of some twenty words "_s.repeated(4), Typography::caption(),
+                                 Colours::secondary, PlainLabel::Fit::wrap, &window);
+    layout.addWidget(label);
+    const int line = label->fontMetrics().height();
+    EXPECT_LT(layout.minimumSize().height(), 2 * line + 2 * layout.contentsMargins().top());
+    window.resize(label->fontMetrics().horizontalAdvance(label->text()) / 2, 300);
+    window.show();
+    EXPECT_GE(label->height(), 2 * line);
+}
+
 TEST(PlainLabel, IsDimmedWhileDisabled)
 {
     QWidget window;
@@ -156,6 +172,27 @@ TEST(TextField, LeavesAThemeItsOwnPlaceholderColour)
     dark.setColor(QPalette::PlaceholderText, QColor(255, 255, 255, 64));
     window.setPalette(dark);
     EXPECT_EQ(field.palette().color(QPalette::PlaceholderText), QColor(255, 255, 255, 64));
+}
+
+TEST(Picker, EndsAChoiceThatDoesNotFitWithAnEllipsis)
+{
+    class OpenPicker : public Picker
+    {
+    public:
+        using Picker::initStyleOption;
+        using Picker::Picker;
+    };
+    OpenPicker picker(u"Machine"_s, Picker::Label::visible, nullptr);
+    picker.addItems({u"box"_s, u"a-name-that-goes-on-"_s.repeated(5)});
+    picker.resize(200, picker.sizeHint().height());
+    QStyleOptionComboBox option;
+    picker.initStyleOption(&option);
+    EXPECT_EQ(option.currentText, u"box"_s);
+    picker.setCurrentIndex(1);
+    picker.initStyleOption(&option);
+    EXPECT_TRUE(option.currentText.endsWith(u'…')) << option.currentText.toStdString();
+    EXPECT_LT(option.fontMetrics.horizontalAdvance(option.currentText), picker.width());
+    EXPECT_EQ(picker.currentText().size(), 100);
 }
 
 TEST(StatusDot, SaysItsStateInWords)

@@ -4,7 +4,16 @@
 #include "ContentView/PlainLabel.h"
 #include "ContentView/Typography.h"
 
+#include <QStyleOptionComboBox>
 #include <QWheelEvent>
+
+namespace
+{
+
+/// What styles leave free beside the text within its place.
+constexpr int sidesOfText = 4;
+
+} // namespace
 
 Picker::Picker(const QString &label, Label kind, QWidget *parent) : QComboBox(parent)
 {
@@ -14,6 +23,14 @@ Picker::Picker(const QString &label, Label kind, QWidget *parent) : QComboBox(pa
     auto *invisible = new PlainLabel(label, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd, parent);
     invisible->hide();
     invisible->setBuddy(this);
+}
+
+void Picker::initStyleOption(QStyleOptionComboBox *option) const
+{
+    QComboBox::initStyleOption(option);
+    const QRect place = style()->subControlRect(QStyle::CC_ComboBox, option, QStyle::SC_ComboBoxEditField, this);
+    option->currentText =
+        option->fontMetrics.elidedText(option->currentText, Qt::ElideRight, place.width() - sidesOfText);
 }
 
 void Picker::wheelEvent(QWheelEvent *event)

@@ -18,5 +18,7 @@ public:
     Picker(const QString &label, Label kind, QWidget *parent);
 
 protected:
+    /// A choice that is too long for the box ends with an ellipsis there.
+    void initStyleOption(QStyleOptionComboBox *option) const override;
     void wheelEvent(QWheelEvent *event) override;
 };

@@ -40,7 +40,8 @@ PlainLabel::PlainLabel(const QString &text, const QFont &font, ColourOfPalette c
     setFont(font);
     setWordWrap(fit == Fit::wrap);
     if (fit == Fit::wrap) {
-        QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+        // Not Minimum: that would be the height of a narrow column, where there is width for a single line.
+        QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
         policy.setHeightForWidth(true);
         setSizePolicy(policy);
         setAlignment(Qt::AlignLeft | Qt::AlignTop);
