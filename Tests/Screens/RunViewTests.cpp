@@ -192,6 +192,9 @@ TEST(RunView, PicksTheFirstRunningMachineElseTheFirst)
     EXPECT_TRUE(waitFor(window.machines.refresh()));
     EXPECT_EQ(picker->currentText(), u"on"_s);
     EXPECT_EQ(picker->count(), 3);
+    window.orbStack.setMachineList(R"([{"name":"odd","state":"Running"},{"name":"new","state":"running"}])");
+    EXPECT_TRUE(waitFor(window.machines.refresh()));
+    EXPECT_EQ(picker->currentText(), u"new"_s);
     window.orbStack.setMachineList(R"([{"name":"off","state":"stopped"},{"name":"other","state":"stopped"}])");
     EXPECT_TRUE(waitFor(window.machines.refresh()));
     EXPECT_EQ(picker->currentText(), u"off"_s);

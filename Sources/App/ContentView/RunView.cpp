@@ -229,7 +229,7 @@ void RunView::pickDefault()
         return;
     const QList<Machine> &machines = m_controllers.machines.machines();
     auto choice =
-        std::find_if(machines.cbegin(), machines.cend(), [](const Machine &each) { return each.isRunning(); });
+        std::find_if(machines.cbegin(), machines.cend(), [](const Machine &each) { return each.state == u"running"; });
     if (choice == machines.cend())
         choice = machines.cbegin();
     m_selected = machines.isEmpty() ? QString() : choice->name;
