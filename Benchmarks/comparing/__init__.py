@@ -1,0 +1,1 @@
+"""What `compare` is made of."""

@@ -1,0 +1,89 @@
+"""What Tidewell is held to. Each bar is judged by the median of the run, and says so where nothing was measured."""
+
+import operator
+from dataclasses import dataclass
+
+from .ours import APPENDING, COPYING, FURTHER_TEXTS, LEAVING, SHOWING, STORING
+from .peers import PEERS
+
+_COMPARISONS = {"at most": operator.le, "at least": operator.ge}
+
+
+@dataclass(frozen=True)
+class Bar:
+    what: str
+    comparison: str
+    limit: float
+    unit: str
+    # The median, or None where it was not measured.
+    measured: float | None
+
+    @property
+    def passes(self):
+        return None if self.measured is None else _COMPARISONS[self.comparison](self.measured, self.limit)
+
+
+def _ratio(one, other):
+    return None if one is None or not other else one / other
+
+
+def fastest_terminal(figures):
+    """Its title and its MiB a second; None and None where none ran."""
+    speeds = [(figures.median(peer.title, "mib_per_second"), peer.title) for peer in PEERS]
+    speed, title = max(((speed, title) for speed, title in speeds if speed), default=(None, None))
+    return title, speed
+
+
+def _plain(figures):
+    def ours(field):
+        return figures.median(SHOWING.title, field)
+
+    speed = ours("mib_per_second")
+    storing = figures.median(STORING.title, "mib_per_second")
+    fastest = fastest_terminal(figures)[1]
+    yield Bar("speed over that of the fastest terminal", "at least", 8, "times", _ratio(speed, fastest))
+    yield Bar("speed over storing and repainting nothing", "at least", 0.5, "times", _ratio(speed, storing))
+    yield Bar("between two turns of the event loop, 99th percentile", "at most", 17, "ms", ours("gap_p99_ms"))
+    yield Bar("between two turns of the event loop, longest", "at most", 33, "ms", ours("gap_worst_ms"))
+    yield Bar("repaints", "at least", 30, "a second", ours("frames_per_second"))
+    yield Bar("memory over the idle application", "at most", 1.3, "bytes a byte", ours("bytes_per_byte"))
+
+
+def _further_texts(figures):
+    plain = figures.median(SHOWING.title, "mib_per_second")
+    for program in FURTHER_TEXTS:
+
+        def ours(field, title=program.title):
+            return figures.median(title, field)
+
+        case = program.case
+        slower = _ratio(plain, ours("mib_per_second"))
+        yield Bar(f"{case}: time over that of the plain text", "at most", 2, "times", slower)
+        yield Bar(f"{case}: memory", "at most", 3, "bytes a byte", ours("bytes_per_byte"))
+        yield Bar(f"{case}: between two turns, longest", "at most", 50, "ms", ours("gap_worst_ms"))
+
+
+def _whole_transcript(figures):
+    for act in ("leaving the Run tab", "coming back", "resizing"):
+        milliseconds = figures.median(LEAVING.title, f"{act}: median_ms")
+        yield Bar(f"{act}, 100 MiB in the transcript", "at most", 33, "ms", milliseconds)
+    yield Bar("first frame after “Copy output” of 100 MiB", "at most", 300, "ms",
+              figures.median(COPYING.title, "median_ms"))  # fmt: skip
+    yield Bar("one chunk of 80 bytes, to 100 MiB over to nothing", "at most", 1.2, "times",
+              figures.median(APPENDING.title, "ratio"))  # fmt: skip
+
+
+# Each with its bar. There is no program yet that measures these.
+NOT_YET_MEASURED = (
+    ("first paint over that of the smallest Qt window with ten widgets", "at most 1.25 times"),
+    ("the same with every tool taking 30 s to answer", "at most 1.25 times"),
+    ("5 idle minutes: processor time over that of such a window that starts the same children", "at most 1.3 times"),
+    ("5 idle minutes: memory, descriptors, threads", "no growth"),
+    ("`yes` for 10 minutes: the window answers within", "at most 50 ms"),
+    ("`yes` for 10 minutes: memory", "at most 1.5 GiB"),
+    ("`yes` for 10 minutes: Stop; what was shown; memory after Clear", "at once; all there; given back"),
+)
+
+
+def bars(figures):
+    return [*_plain(figures), *_further_texts(figures), *_whole_transcript(figures)]
