@@ -1,6 +1,7 @@
 #pragma once
 
-// The command line that the programs about a child's output share: [--json] [--alternating] FILE.
+// The command line that the programs about a child's output share: [--json] [--alternating] FILE, and for
+// those that repeat something the number of rounds.
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -14,6 +15,7 @@ struct OutputArguments {
     QString file;
     qint64 bytes = 0;
     bool asJson = false;
+    int rounds = 15;
     /// The shell script that prints the file and does nothing else.
     QString script;
 
@@ -24,8 +26,10 @@ struct OutputArguments {
         QStringList given = QCoreApplication::arguments().mid(1);
         result.asJson = given.removeAll(QStringLiteral("--json")) > 0;
         const bool alternates = given.removeAll(QStringLiteral("--alternating")) > 0;
-        if (given.size() != 1 || !QFileInfo(given.first()).isReadable()) {
-            std::fputs("[--json] [--alternating] FILE\n", stderr);
+        if (given.size() == 2)
+            result.rounds = given.takeLast().toInt();
+        if (given.size() != 1 || result.rounds < 1 || !QFileInfo(given.first()).isReadable()) {
+            std::fputs("[--json] [--alternating] FILE [ROUNDS]\n", stderr);
             std::exit(2);
         }
         result.file = QFileInfo(given.first()).absoluteFilePath();

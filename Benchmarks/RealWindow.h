@@ -6,8 +6,10 @@
 #include "App/MainWindow.h"
 #include "App/TidewellApp.h"
 #include "ContentView/ContentView.h"
+#include "ContentView/HistoryView.h"
 #include "ContentView/OutputPane.h"
 #include "ContentView/ScriptEditor.h"
+#include "ContentView/Typography.h"
 #include "Screens/ByName.h"
 #include "Screens/FakeOrbStack.h"
 #include "Support/Waiting.h"
@@ -31,7 +33,17 @@ public:
         expect(waitUntil([this] { return ByName::isOffered(m_window, QStringLiteral("Run")); }));
     }
 
+    ~RealWindow()
+    {
+        m_run.stop();
+        waitUntil([this] { return !m_run.isRunning(); });
+    }
+
+    RealWindow(const RealWindow &) = delete;
+    RealWindow &operator=(const RealWindow &) = delete;
+
     MainWindow &window() { return m_window; }
+    ContentView &content() { return m_window.content(); }
     OutputPane &pane() { return *m_window.findChild<OutputPane *>(); }
     RunController &run() { return m_run; }
 
@@ -47,6 +59,18 @@ public:
         auto *const button = ByName::find<QAbstractButton>(m_window, name);
         expect(button != nullptr && button->isEnabled());
         QTest::mouseClick(button, Qt::LeftButton);
+    }
+
+    /// Lets a script print that many bytes and then go on without a word, so that the transcript holds all of them: the
+    /// line at a run's end, of another kind, makes it drop what is too much.
+    void fill(const QString &script, qint64 bytes)
+    {
+        const TextStore::Position allOfIt = m_run.transcript().end() + bytes;
+        type(QStringLiteral("(%1); exec sleep 100000").arg(script));
+        press(QStringLiteral("Run"));
+        expect(waitUntil([this, allOfIt] { return m_run.transcript().end() >= allOfIt; }));
+        QTest::qWait(200);
+        expect(showsEnd() && m_run.transcript().end() - m_run.transcript().begin() >= bytes);
     }
 
     /// Whether the pane stands at the end of what arrived, and the end is in view.

@@ -1,0 +1,35 @@
+// "Copy output" of a whole text: how long the button holds the window up, and when it is painted again.
+//
+// CopyingOutput [--json] FILE [ROUNDS]
+
+#include "FrameWatch.h"
+#include "Measuring.h"
+#include "OutputArguments.h"
+#include "ProcessMemory.h"
+#include "RealWindow.h"
+
+using namespace Qt::StringLiterals;
+
+int main(int argumentCount, char *arguments[])
+{
+    FrameWatch frames(argumentCount, arguments);
+    const OutputArguments wanted = OutputArguments::read();
+    RealWindow real;
+    real.fill(wanted.script, wanted.bytes);
+
+    std::vector<double> times;
+    const long before = privateKibibytes();
+    for (int round = 0; round < wanted.rounds; ++round) {
+        const auto start = std::chrono::steady_clock::now();
+        real.press(u"Copy output"_s);
+        frames.watch(real.pane().viewport());
+        real.pane().viewport()->update();
+        frames.waitForFrame();
+        times.push_back(std::chrono::duration<double, std::milli>(frames.last() - start).count());
+        QTest::qWait(50);
+    }
+    std::printf(wanted.asJson ? "{\"what\":\"copying\",\"median_ms\":%.1f,\"worst_ms\":%.1f,\"kept_kib\":%ld}\n"
+                              : "copying: median %.1f ms, worst %.1f ms, %ld KiB more are kept\n",
+                median(times), percentile(times, 1), privateKibibytes() - before);
+    return 0;
+}
