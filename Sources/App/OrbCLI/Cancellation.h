@@ -27,6 +27,9 @@ public:
             m_child->cancel();
     }
 
+    /// The child that runs now; null when there is none.
+    const ProcessHandlePointer &child() const { return m_child; }
+
     void childEnded() { m_child.reset(); }
 
 private:

@@ -2,6 +2,7 @@
 
 #include "OrbCLI/ChildProcess.h"
 
+#include <algorithm>
 #include <utility>
 
 ProcessHandle::ProcessHandle(std::shared_ptr<ChildProcess> child) : process(std::move(child)) {}
@@ -22,7 +23,35 @@ std::optional<QString> ProcessHandle::launchError() const
 
 void ProcessHandle::cancel()
 {
+    {
+        const std::lock_guard guard(lock);
+        _wasCancelled = true;
+    }
     process->terminate();
+}
+
+void ProcessHandle::pauseOutput(std::chrono::nanoseconds time)
+{
+    const std::lock_guard guard(lock);
+    _pausedUntil = std::max(_pausedUntil, std::chrono::steady_clock::now()) + time;
+}
+
+void ProcessHandle::resumeOutput()
+{
+    const std::lock_guard guard(lock);
+    _pausedUntil = {};
+}
+
+bool ProcessHandle::isOutputPaused() const
+{
+    const std::lock_guard guard(lock);
+    return _pausedUntil > std::chrono::steady_clock::now();
+}
+
+bool ProcessHandle::wasAskedToTerminate() const
+{
+    const std::lock_guard guard(lock);
+    return _wasCancelled || _timedOut;
 }
 
 void ProcessHandle::setTimedOut()

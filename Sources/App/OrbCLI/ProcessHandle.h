@@ -7,6 +7,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -28,6 +29,13 @@ public:
     /// Asks a running child to terminate, once per call and politely; nothing happens after its end. Any thread.
     void cancel();
 
+    /// Leaves what the child prints in its pipes for that much longer, also beyond a pause that is going on; the child
+    /// is held up once they are full. Other children are not. The output that is there when the child ends, or is asked
+    /// to terminate, is not held back. Any thread.
+    void pauseOutput(std::chrono::nanoseconds time);
+    /// Ends a pause; within a tenth of a second the output goes on. Any thread.
+    void resumeOutput();
+
 private:
     friend class ProcessEngine;
     friend class RunningChild;
@@ -35,10 +43,15 @@ private:
     void setTimedOut();
     void setLaunchError(const QString &description);
 
+    bool isOutputPaused() const;
+    bool wasAskedToTerminate() const;
+
     const std::shared_ptr<ChildProcess> process;
-    mutable std::mutex lock;
+    mutable std::mutex lock; // guards all below
     bool _timedOut = false;
     std::optional<QString> _launchError;
+    std::chrono::steady_clock::time_point _pausedUntil;
+    bool _wasCancelled = false;
 };
 
 using ProcessHandlePointer = std::shared_ptr<ProcessHandle>;

@@ -12,6 +12,8 @@ enum : std::size_t { outputEntry, errorEntry, inputEntry, noticeEntry };
 
 /// How often a child is asked whether it still runs when the system gave no notice of its end.
 constexpr auto askingInterval = std::chrono::milliseconds(10);
+/// How often it is looked whether a pause of the output has ended or was called off.
+constexpr auto pauseInterval = std::chrono::milliseconds(50);
 
 } // namespace
 
@@ -19,18 +21,29 @@ RunningChild::RunningChild(Parts parts) : m_parts(std::move(parts)) {}
 
 std::array<pollfd, RunningChild::entryCount> RunningChild::pollEntries()
 {
-    const bool hasRoom = m_parts.queue->hasRoom();
-    return {{{hasRoom ? m_parts.output.descriptor() : -1, POLLIN, 0},
-             {hasRoom ? m_parts.errorOutput.descriptor() : -1, POLLIN, 0},
+    m_awaitsPause = isPaused();
+    const bool reads = !m_awaitsPause && m_parts.queue->hasRoom();
+    return {{{reads ? m_parts.output.descriptor() : -1, POLLIN, 0},
+             {reads ? m_parts.errorOutput.descriptor() : -1, POLLIN, 0},
              {m_parts.input.descriptor(), POLLOUT, 0},
              {m_parts.exitNotice.number(), POLLIN, 0}}};
 }
 
+bool RunningChild::isPaused() const
+{
+    const bool isEnding = !m_isRunning || m_parts.handle->wasAskedToTerminate();
+    return m_parts.handle->isOutputPaused() && !(isEnding && m_lastOutput > 0);
+}
+
 RunningChild::Moment RunningChild::wakeTime() const
 {
+    const Moment now = std::chrono::steady_clock::now();
+    Moment wake = m_parts.deadline;
     if (m_isRunning && !m_parts.exitNotice.isOpen())
-        return std::min(m_parts.deadline, std::chrono::steady_clock::now() + askingInterval);
-    return m_parts.deadline;
+        wake = std::min(wake, now + askingInterval);
+    if (m_awaitsPause)
+        wake = std::min(wake, now + pauseInterval);
+    return wake;
 }
 
 RunningChild::Outcome RunningChild::attend(std::span<const pollfd, entryCount> entries, QByteArray &block)
@@ -41,10 +54,14 @@ RunningChild::Outcome RunningChild::attend(std::span<const pollfd, entryCount> e
         outcome.bytesRead += part.size;
         outcome.mustAnnounce |= part.mustAnnounce;
     };
-    if (entries[outputEntry].revents != 0)
+    // A pause may have begun while the thread waited.
+    const bool reads = !isPaused();
+    if (reads && entries[outputEntry].revents != 0)
         read(m_parts.output);
-    if (entries[errorEntry].revents != 0)
+    if (reads && entries[errorEntry].revents != 0)
         read(m_parts.errorOutput);
+    if (!m_isRunning || m_parts.handle->wasAskedToTerminate())
+        m_lastOutput -= outcome.bytesRead;
     if (entries[inputEntry].revents != 0)
         m_parts.input.write();
 

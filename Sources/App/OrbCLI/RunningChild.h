@@ -35,10 +35,10 @@ public:
     /// One place each for standard output, standard error, standard input and the exit notice.
     static constexpr std::size_t entryCount = 4;
 
-    /// What to wait for now; a full queue's pipes are left out.
+    /// What to wait for now; the pipes are left out while the queue is full or the output is paused.
     std::array<pollfd, entryCount> pollEntries();
 
-    /// When to look again even if nothing is reported.
+    /// When to look again even if nothing is reported, after pollEntries.
     Moment wakeTime() const;
 
     struct Outcome {
@@ -55,9 +55,15 @@ public:
     bool isFinished() const { return m_isEnded && m_parts.input.isDone(); }
 
 private:
+    bool isPaused() const;
     void enforceTimeLimit();
 
     Parts m_parts;
+    /// Bytes still read during a pause once the child has ended or was asked to: all that its pipes can hold, and what
+    /// a grandchild may hurry to print. Not without end, for it may print on and on.
+    qsizetype m_lastOutput = qsizetype{64} * 1024 * 1024;
+    /// The pipes were left out because of a pause, whose end nothing reports.
+    bool m_awaitsPause = false;
     bool m_isRunning = true;
     bool m_isEnded = false;
 };
