@@ -1,7 +1,11 @@
 #include "RunController/PageMemory.h"
 
+#include <iterator>
 #include <new>
+#include <system_error>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include <sys/mman.h>
 
@@ -30,4 +34,23 @@ PageMemory &PageMemory::operator=(PageMemory &&other) noexcept
     std::swap(m_data, other.m_data);
     std::swap(m_size, other.m_size);
     return *this;
+}
+
+void PageMemory::giveBackFront(std::deque<PageMemory> &list, std::size_t count)
+{
+    constexpr std::size_t many = std::size_t{16} * 1024 * 1024;
+    const auto end = list.begin() + static_cast<std::ptrdiff_t>(count);
+    std::vector<PageMemory> given(std::move_iterator(list.begin()), std::move_iterator(end));
+    list.erase(list.begin(), end);
+    std::size_t size = 0;
+    for (const PageMemory &each : given)
+        size += each.m_size;
+    if (size < many)
+        return;
+    try {
+        std::thread([held = std::move(given)] {}).detach();
+    } catch (const std::system_error &) {
+        // No thread is to be had: then they are given back here, by whoever holds them now.
+        return;
+    }
 }

@@ -7,7 +7,6 @@
 #include <QStringDecoder>
 
 #include <cstring>
-#include <iterator>
 
 namespace
 {
@@ -30,11 +29,26 @@ qsizetype characterStart(QByteArrayView text, qsizetype limit)
     return start;
 }
 
+/// The first of the numbers below `size` for which the condition holds, which holds for all behind it; else `size`.
+template <typename Condition>
+std::int64_t firstWhere(std::int64_t size, Condition condition)
+{
+    std::int64_t begin = 0;
+    while (begin < size) {
+        const std::int64_t middle = begin + (size - begin) / 2;
+        if (condition(middle))
+            size = middle;
+        else
+            begin = middle + 1;
+    }
+    return begin;
+}
+
 } // namespace
 
 void TextStore::append(QByteArrayView text)
 {
-    if (m_blocks.empty() && !text.isEmpty())
+    if (m_facts.isEmpty() && !text.isEmpty())
         startBlock();
     while (!text.isEmpty()) {
         text = text.sliced(fill(text));
@@ -46,95 +60,121 @@ void TextStore::append(QByteArrayView text)
 /// Adds as much of the text to the last block as belongs there, and returns how much that was.
 qsizetype TextStore::fill(QByteArrayView text)
 {
-    StoredBlock &block = m_blocks.back();
-    const qsizetype room = block.room();
+    const BlockNumber last = endBlock() - 1;
+    const qsizetype room = blockCapacity - droppedOf(last) - block(last).size;
     qsizetype taken = text.size();
     if (taken > room) {
         taken = text.first(room).lastIndexOf('\n') + 1;
-        if (taken == 0 && !block.openLineMovesOn())
+        if (taken == 0 && !openLineMovesOn(last))
             taken = characterStart(text, room);
     }
-    add(block, text.first(taken));
+    addToLast(text.first(taken));
     return taken;
+}
+
+/// Whether the unfinished last line goes to the next block when this one is full.
+bool TextStore::openLineMovesOn(BlockNumber number) const
+{
+    const qsizetype openLine = openLineBytes(number);
+    return openLine <= longestMovedLine && openLine < block(number).size;
 }
 
 /// Makes a new last block, and moves the unfinished last line of the one before into it unless that is too long.
 void TextStore::startBlock()
 {
-    StoredBlock fresh{PageMemory(blockCapacity), 0, Block{.begin = m_end, .utf16Begin = m_utf16End}};
+    PageMemory memory = takeMemory();
     QByteArrayView moved;
-    if (!m_blocks.empty()) {
-        StoredBlock &full = m_blocks.back();
-        if (full.openLineMovesOn()) {
-            const qsizetype openLine = full.openLineBytes();
-            moved = full.bytes().last(openLine);
-            const auto utf16Length = static_cast<std::int32_t>(Utf8::utf16Length(moved));
-            full.facts.size -= static_cast<std::int32_t>(openLine);
-            full.facts.utf16Length -= utf16Length;
-            full.facts.cells -= full.facts.openLine;
-            full.facts.openLine = 0;
-            m_end -= openLine;
-            m_utf16End -= utf16Length;
-            fresh.facts.begin = m_end;
-            fresh.facts.utf16Begin = m_utf16End;
-        }
+    if (!m_facts.isEmpty() && openLineMovesOn(endBlock() - 1)) {
+        moved = bytes(endBlock() - 1).last(openLineBytes(endBlock() - 1));
+        const auto utf16Length = static_cast<std::int32_t>(Utf8::utf16Length(moved));
+        Block &full = m_facts.back();
+        full.size -= static_cast<std::int32_t>(moved.size());
+        full.utf16Length -= utf16Length;
+        full.cells -= full.openLine;
+        full.openLine = 0;
+        m_end -= moved.size();
+        m_utf16End -= utf16Length;
     }
+    m_facts.append(Block{.begin = m_end, .utf16Begin = m_utf16End});
     // Adding a block leaves the others, and so the moved bytes, where they are.
-    add(m_blocks.emplace_back(std::move(fresh)), moved);
+    m_hot.push_back(std::move(memory));
+    addToLast(moved);
 }
 
-void TextStore::add(StoredBlock &block, QByteArrayView text)
+/// Memory for another block: that of the oldest hot block, which turns cold, when there are enough of them.
+PageMemory TextStore::takeMemory()
+{
+    if (m_hot.size() < m_hotBlocks)
+        return PageMemory(blockCapacity);
+    m_cold.append(bytes(firstHotBlock()));
+    if (m_cold.size() == 1)
+        m_droppedOfFront = 0; // what was dropped of it did not go with it
+    PageMemory memory = std::move(m_hot.front());
+    m_hot.pop_front();
+    return memory;
+}
+
+void TextStore::addToLast(QByteArrayView text)
 {
     if (text.isEmpty())
         return;
-    std::memcpy(block.memory.data() + block.offset + block.facts.size, text.data(),
+    Block &last = m_facts.back();
+    std::memcpy(m_hot.back().data() + droppedOf(endBlock() - 1) + last.size, text.data(),
                 static_cast<std::size_t>(text.size()));
-    TextMeasure measure(block.facts.openLine);
+    TextMeasure measure(last.openLine);
     measure.add(text);
-    block.facts.size += static_cast<std::int32_t>(text.size());
-    block.facts.utf16Length += measure.utf16Length();
-    block.facts.lineFeeds += measure.lineFeeds();
-    block.facts.cells += measure.cells();
-    block.facts.longestEndedLine = std::max(block.facts.longestEndedLine, measure.longestEndedLine());
-    block.facts.openLine = measure.openLine();
+    last.size += static_cast<std::int32_t>(text.size());
+    last.utf16Length += measure.utf16Length();
+    last.lineFeeds += measure.lineFeeds();
+    last.cells += measure.cells();
+    last.longestEndedLine = std::max(last.longestEndedLine, measure.longestEndedLine());
+    last.openLine = measure.openLine();
     m_end += text.size();
     m_utf16End += measure.utf16Length();
 }
 
 void TextStore::dropFront(Position newBegin)
 {
-    while (!m_blocks.empty() && m_blocks.front().facts.end() <= newBegin) {
-        m_blocks.pop_front();
-        ++m_firstBlock;
+    const auto dropped =
+        firstWhere(m_facts.size(), [&](std::int64_t index) { return m_facts[index].end() > newBegin; });
+    if (dropped > 0) {
+        const std::int64_t cold = std::min(dropped, m_cold.size());
+        m_facts.dropFront(dropped);
+        m_cold.dropFront(cold);
+        PageMemory::giveBackFront(m_hot, static_cast<std::size_t>(dropped - cold));
+        m_firstBlock += dropped;
+        m_droppedOfFront = 0;
     }
     m_begin = newBegin;
-    if (m_blocks.empty() || m_blocks.front().facts.begin == newBegin)
+    if (m_facts.isEmpty() || m_facts[0].begin == newBegin)
         return;
-    StoredBlock &front = m_blocks.front();
-    const QByteArrayView dropped = front.bytes().first(newBegin - front.facts.begin);
     TextMeasure measure;
-    measure.add(dropped);
-    front.offset += static_cast<std::int32_t>(dropped.size());
-    front.facts.begin = newBegin;
-    front.facts.size -= static_cast<std::int32_t>(dropped.size());
-    front.facts.utf16Begin += measure.utf16Length();
-    front.facts.utf16Length -= measure.utf16Length();
-    front.facts.lineFeeds -= measure.lineFeeds();
+    const QByteArrayView cut = bytesBetween(m_firstBlock, m_facts[0].begin, newBegin);
+    measure.add(cut);
+    Block &front = m_facts[0];
+    m_droppedOfFront += static_cast<std::int32_t>(cut.size());
+    front.begin = newBegin;
+    front.size -= static_cast<std::int32_t>(cut.size());
+    front.utf16Begin += measure.utf16Length();
+    front.utf16Length -= measure.utf16Length();
+    front.lineFeeds -= measure.lineFeeds();
     // A line cut here keeps its full width as a bound; tabs in what is left of it may stand wider than before.
-    front.facts.cells = std::max(0, front.facts.cells - measure.cells());
+    front.cells = std::max(0, front.cells - measure.cells());
 }
 
 QByteArrayView TextStore::bytes(BlockNumber number) const
 {
-    return stored(number).bytes();
+    const std::int32_t dropped = droppedOf(number);
+    if (number < firstHotBlock())
+        return m_cold.read(number - m_firstBlock).sliced(dropped);
+    const PageMemory &memory = m_hot[static_cast<std::size_t>(number - firstHotBlock())];
+    return {memory.data() + dropped, block(number).size};
 }
 
 TextStore::BlockNumber TextStore::blockAt(Position position) const
 {
-    const auto after =
-        std::upper_bound(m_blocks.begin(), m_blocks.end(), position,
-                         [](Position value, const StoredBlock &block) { return value < block.facts.begin; });
-    return m_firstBlock + std::max<BlockNumber>(0, std::distance(m_blocks.begin(), after) - 1);
+    const auto after = firstWhere(m_facts.size(), [&](std::int64_t index) { return m_facts[index].begin > position; });
+    return m_firstBlock + std::max<std::int64_t>(0, after - 1);
 }
 
 /// The part of a block's text that lies between two positions.
@@ -153,6 +193,8 @@ TextStore::Position TextStore::codePointAt(Position position) const
     if (isEmpty())
         return position;
     const BlockNumber number = blockAt(position);
+    if (block(number).isAscii())
+        return position;
     const QByteArrayView after = bytesBetween(number, position, block(number).end());
     const auto start = std::find_if_not(after.begin(), after.end(), Utf8::isContinuation);
     return position + (start - after.begin());
@@ -178,27 +220,29 @@ qint64 TextStore::utf16Offset(Position position) const
 {
     if (isEmpty())
         return 0;
-    const BlockNumber number = blockAt(std::clamp(position, m_begin, m_end));
-    const QByteArrayView before = bytesBetween(number, block(number).begin, position);
-    const qint64 inside = block(number).isAscii() ? before.size() : Utf8::utf16Length(before);
-    return block(number).utf16Begin + inside - m_blocks.front().facts.utf16Begin;
+    position = std::clamp(position, m_begin, m_end);
+    const BlockNumber number = blockAt(position);
+    const Block &facts = block(number);
+    const qint64 inside =
+        facts.isAscii() ? position - facts.begin : Utf8::utf16Length(bytesBetween(number, facts.begin, position));
+    return facts.utf16Begin + inside - m_facts[0].utf16Begin;
 }
 
 TextStore::Position TextStore::positionAtUtf16(qint64 offset) const
 {
     if (isEmpty() || offset <= 0)
         return m_begin;
-    const qint64 absolute = offset + m_blocks.front().facts.utf16Begin;
+    const qint64 absolute = offset + m_facts[0].utf16Begin;
     if (absolute >= m_utf16End)
         return m_end;
     const auto after =
-        std::upper_bound(m_blocks.begin(), m_blocks.end(), absolute,
-                         [](qint64 value, const StoredBlock &block) { return value < block.facts.utf16Begin; });
-    const StoredBlock &found = *std::prev(after);
-    const qint64 inside = absolute - found.facts.utf16Begin;
-    if (found.facts.isAscii())
-        return found.facts.begin + inside;
-    const QByteArrayView text = found.bytes();
+        firstWhere(m_facts.size(), [&](std::int64_t index) { return m_facts[index].utf16Begin > absolute; });
+    const BlockNumber number = m_firstBlock + after - 1;
+    const Block &facts = block(number);
+    const qint64 inside = absolute - facts.utf16Begin;
+    if (facts.isAscii())
+        return facts.begin + inside;
+    const QByteArrayView text = bytes(number);
     qsizetype at = 0;
     for (qint64 units = 0; units < inside;) {
         const int length = Utf8::lengthOf(text[at]);
@@ -206,7 +250,7 @@ TextStore::Position TextStore::positionAtUtf16(qint64 offset) const
         if (units <= inside)
             at += length;
     }
-    return found.facts.begin + at;
+    return facts.begin + at;
 }
 
 TextStore::Position TextStore::lineBegin(Position position) const
@@ -214,8 +258,9 @@ TextStore::Position TextStore::lineBegin(Position position) const
     if (isEmpty())
         return m_begin;
     for (BlockNumber number = blockAt(position); number >= firstBlock(); --number) {
-        const QByteArrayView before = bytesBetween(number, block(number).begin, position);
-        const qsizetype lineFeed = block(number).lineFeeds > 0 ? before.lastIndexOf('\n') : -1;
+        if (block(number).lineFeeds == 0)
+            continue;
+        const qsizetype lineFeed = bytesBetween(number, block(number).begin, position).lastIndexOf('\n');
         if (lineFeed >= 0)
             return block(number).begin + lineFeed + 1;
     }
@@ -227,10 +272,17 @@ TextStore::Position TextStore::lineEnd(Position position) const
     if (isEmpty())
         return m_end;
     for (BlockNumber number = blockAt(position); number < endBlock(); ++number) {
+        if (block(number).lineFeeds == 0)
+            continue;
         const QByteArrayView after = bytesBetween(number, position, block(number).end());
-        const qsizetype lineFeed = block(number).lineFeeds > 0 ? after.indexOf('\n') : -1;
+        const qsizetype lineFeed = after.indexOf('\n');
         if (lineFeed >= 0)
             return block(number).end() - after.size() + lineFeed + 1;
     }
     return m_end;
+}
+
+std::int64_t TextStore::memory() const
+{
+    return m_facts.memory() + m_cold.memory() + static_cast<std::int64_t>(m_hot.size()) * blockCapacity;
 }

@@ -10,9 +10,13 @@
 // line where it can: when one is full, its unfinished last line moves on to the next. Only a line longer than
 // `longestMovedLine` continues in another block. A block never cuts a code point.
 //
-// Who reads asks for the bytes of one block at a time, so where a block's bytes really are is this class's own affair.
+// Who reads asks for the bytes of one block at a time, so where a block's bytes really are is this class's own affair:
+// those near the end as they are, for speed, all others compressed (ColdBlocks.h), so that hours of a chatty script fit
+// into memory. What is known of a block, its bytes apart, is always at hand.
 
+#include "RunController/ColdBlocks.h"
 #include "RunController/PageMemory.h"
+#include "RunController/PagedList.h"
 
 #include <QByteArrayView>
 #include <QString>
@@ -48,7 +52,14 @@ public:
         Position end() const { return begin + size; }
         bool isAscii() const { return utf16Length == size; }
         std::int32_t longestLine() const { return std::max(longestEndedLine, openLine); }
+
+        friend bool operator==(const Block &, const Block &) = default;
     };
+
+    /// So many blocks at the end are left uncompressed: what a run of common size prints never is compressed.
+    static constexpr std::size_t usualHotBlocks = 1024;
+    /// At least two: one fills up while the one before it hands on its unfinished line.
+    explicit TextStore(std::size_t hotBlocks = usualHotBlocks) : m_hotBlocks(std::max<std::size_t>(2, hotBlocks)) {}
 
     /// Adds valid UTF-8 that holds whole code points. Views of bytes become invalid.
     void append(QByteArrayView text);
@@ -63,9 +74,10 @@ public:
 
     /// The block numbers, as a half-open range; none of them is empty.
     BlockNumber firstBlock() const { return m_firstBlock; }
-    BlockNumber endBlock() const { return m_firstBlock + static_cast<BlockNumber>(m_blocks.size()); }
-    const Block &block(BlockNumber number) const { return stored(number).facts; }
-    /// The block's text, valid until the store changes.
+    BlockNumber endBlock() const { return m_firstBlock + m_facts.size(); }
+    const Block &block(BlockNumber number) const { return m_facts[number - m_firstBlock]; }
+    /// The block's text, valid until the store changes or the bytes of `ColdBlocks::mostUnpacked` other blocks have
+    /// been asked for, by whichever call: a reader holds no more than one or two at a time.
     QByteArrayView bytes(BlockNumber number) const;
     /// The block that holds `position`; the last one for the end. The store must not be empty.
     BlockNumber blockAt(Position position) const;
@@ -84,31 +96,31 @@ public:
     /// Behind the line feed of the line that holds `position`; end() when it has none.
     Position lineEnd(Position position) const;
 
+    /// Bytes of memory that all of it takes.
+    std::int64_t memory() const;
+
 private:
-    struct StoredBlock {
-        PageMemory memory;
-        /// Where the block's text begins in its memory: what was dropped before it stays unused.
-        std::int32_t offset = 0;
-        Block facts;
-
-        QByteArrayView bytes() const { return {memory.data() + offset, facts.size}; }
-        qsizetype openLineBytes() const { return facts.size - 1 - bytes().lastIndexOf('\n'); }
-        /// Whether the unfinished last line goes to the next block when this one is full.
-        bool openLineMovesOn() const { return openLineBytes() <= longestMovedLine && openLineBytes() < facts.size; }
-        std::int32_t room() const { return blockCapacity - offset - facts.size; }
-    };
-
-    const StoredBlock &stored(BlockNumber number) const
+    /// Bytes of the front block's memory that were dropped.
+    std::int32_t droppedOf(BlockNumber number) const { return number == m_firstBlock ? m_droppedOfFront : 0; }
+    BlockNumber firstHotBlock() const { return m_firstBlock + m_cold.size(); }
+    qsizetype openLineBytes(BlockNumber number) const
     {
-        return m_blocks[static_cast<std::size_t>(number - m_firstBlock)];
+        return block(number).size - 1 - bytes(number).lastIndexOf('\n');
     }
+    bool openLineMovesOn(BlockNumber number) const;
     qsizetype fill(QByteArrayView text);
     void startBlock();
-    void add(StoredBlock &block, QByteArrayView text);
+    PageMemory takeMemory();
+    void addToLast(QByteArrayView text);
     Position codePointAt(Position position) const;
     QByteArrayView bytesBetween(BlockNumber number, Position from, Position to) const;
 
-    std::deque<StoredBlock> m_blocks;
+    const std::size_t m_hotBlocks;
+    PagedList<Block> m_facts;
+    // The first blocks are cold, the others hot. To read a cold one is to unpack it.
+    mutable ColdBlocks m_cold{blockCapacity};
+    std::deque<PageMemory> m_hot;
+    std::int32_t m_droppedOfFront = 0;
     BlockNumber m_firstBlock = 0;
     Position m_begin = 0;
     Position m_end = 0;

@@ -60,6 +60,9 @@ public:
     Position begin() const { return m_text.begin(); }
     Position end() const { return m_text.end(); }
 
+    /// Bytes of memory that the text takes.
+    std::int64_t memory() const { return m_text.memory(); }
+
 private:
     struct Segment {
         QUuid id;

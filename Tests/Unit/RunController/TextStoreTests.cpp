@@ -1,5 +1,7 @@
 #include "RunController/TextStore.h"
 
+#include "Support/ResidentMemory.h"
+#include "Support/Waiting.h"
 #include "Unit/RunController/RandomText.h"
 
 #include <gtest/gtest.h>
@@ -51,7 +53,7 @@ TEST(TextStore, HoldsExactlyWhatWasAppendedInWhateverChunks)
 {
     RandomText random(1);
     for (int round = 0; round < 30; ++round) {
-        TextStore store;
+        TextStore store(round % 3 == 0 ? TextStore::usualHotBlocks : 2);
         QByteArray model;
         const QString text = random.text(random.below(200'000));
         for (const QByteArray &chunk : random.chunks(text, 1 + random.below(round % 2 == 0 ? 50 : 60'000))) {
@@ -112,7 +114,7 @@ TEST(TextStore, ContinuesAVeryLongLineInTheNextBlockWithoutCuttingACharacter)
 TEST(TextStore, KeepsItsPositionsWhenTheFrontIsDropped)
 {
     RandomText random(2);
-    TextStore store;
+    TextStore store(3);
     QByteArray model;
     TextStore::Position dropped = 0;
     for (int round = 0; round < 400; ++round) {
@@ -151,7 +153,7 @@ TEST(TextStore, IsEmptyAfterAClearAndUsesItsPositionsOnlyOnce)
 TEST(TextStore, CountsUtf16UnitsBothWays)
 {
     RandomText random(3);
-    TextStore store;
+    TextStore store(2);
     const QString front = random.text(150'000);
     const QString rest = random.text(150'000);
     store.append(front.toUtf8());
@@ -183,7 +185,7 @@ TEST(TextStore, KeepsAZeroWidthNoBreakSpaceAtTheStartOfAText)
 
 TEST(TextStore, FindsWhereLinesBeginAndEnd)
 {
-    TextStore store;
+    TextStore store(2);
     const QByteArray lines = linesOf(100, 5000);
     store.append(lines + "open");
     EXPECT_EQ(store.lineBegin(0), 0);
@@ -208,4 +210,102 @@ TEST(TextStore, BoundsTheWidthOfItsLines)
     EXPECT_EQ(store.block(0).longestLine(), 14);
     EXPECT_EQ(store.block(0).openLine, 0);
     EXPECT_EQ(store.block(0).cells, 9 + 14);
+}
+
+TEST(TextStore, KnowsAndReadsTheSameWhereverItsBytesAre)
+{
+    RandomText random(4);
+    TextStore hot;
+    TextStore cold(2);
+    TextStore::Position model = 0; // where all text ever appended ends
+    QByteArray all;
+    for (int round = 0; round < 150; ++round) {
+        // Long lines, no lines at all, plain lines, and a little of everything.
+        const int kind = random.below(4);
+        const int size = random.below(60'000);
+        const QByteArray chunk = kind == 0   ? QByteArray(size, 'l')
+                                 : kind == 1 ? QStringView(u"\u4e2d\U0001F600").toString().repeated(size / 7).toUtf8()
+                                 : kind == 2 ? linesOf(80, size / 80)
+                                             : random.text(size / 3).toUtf8();
+        hot.append(chunk);
+        cold.append(chunk);
+        all += chunk;
+        model += chunk.size();
+        if (round % 10 == 9) {
+            const bool clears = random.below(6) == 0;
+            TextStore::Position target =
+                clears ? model : hot.begin() + random.below(static_cast<int>(model - hot.begin()) + 1);
+            while (target < model && (static_cast<unsigned char>(all[target]) & 0xc0U) == 0x80U)
+                ++target;
+            hot.dropFront(target);
+            cold.dropFront(target);
+        }
+        ASSERT_EQ(cold.begin(), hot.begin());
+        ASSERT_EQ(cold.end(), hot.end());
+        ASSERT_EQ(cold.firstBlock(), hot.firstBlock());
+        ASSERT_EQ(cold.endBlock(), hot.endBlock());
+        for (TextStore::BlockNumber number = cold.firstBlock(); number < cold.endBlock(); ++number)
+            ASSERT_EQ(cold.block(number), hot.block(number));
+        for (int reads = 0; reads < 8 && !hot.isEmpty(); ++reads) {
+            const TextStore::Position at = hot.begin() + random.below(static_cast<int>(hot.end() - hot.begin()) + 1);
+            const TextStore::Position to = std::min<TextStore::Position>(at + random.below(300'000), hot.end());
+            ASSERT_EQ(cold.text(at, to), hot.text(at, to));
+            ASSERT_EQ(cold.lineBegin(at), hot.lineBegin(at));
+            ASSERT_EQ(cold.lineEnd(at), hot.lineEnd(at));
+            ASSERT_EQ(cold.utf16Offset(at), hot.utf16Offset(at));
+            ASSERT_EQ(cold.positionAtUtf16(hot.utf16Offset(at)), hot.positionAtUtf16(hot.utf16Offset(at)));
+            const TextStore::BlockNumber number = hot.blockAt(at);
+            ASSERT_TRUE(cold.bytes(number) == hot.bytes(number));
+        }
+    }
+    EXPECT_EQ(allBytes(cold), all.sliced(hot.begin()));
+    expectSoundBlocks(cold);
+}
+
+TEST(TextStore, NeedsNoBytesToFindTheEndsOfALineThatGoesOnForBlocks)
+{
+    TextStore store(2);
+    store.append("first\n");
+    const QByteArray piece(TextStore::blockCapacity, 'x');
+    for (int count = 0; count < 400; ++count)
+        store.append(piece);
+    const TextStore::Position middle = store.end() / 2;
+    const QByteArrayView held = store.bytes(store.blockAt(middle));
+    const QByteArray before = held.toByteArray();
+    EXPECT_EQ(store.lineBegin(middle), 6);
+    EXPECT_EQ(store.lineEnd(middle), store.end());
+    EXPECT_TRUE(held == before);
+}
+
+TEST(TextStore, HoldsAFloodOfOneWordInHardlyMoreThanItsHotBlocks)
+{
+    TextStore store(16);
+    const QByteArray piece = QByteArray("y\n").repeated(32 * 1024);
+    constexpr qint64 mebibyte = 1024 * 1024;
+    for (int count = 0; count < 16 * 256; ++count)
+        store.append(piece);
+    EXPECT_EQ(store.end(), 256 * mebibyte);
+    EXPECT_LT(store.memory(), 5 * mebibyte);
+    EXPECT_EQ(store.text(128 * mebibyte, 128 * mebibyte + 4), u"y\ny\n"_s);
+}
+
+TEST(TextStore, GivesItsMemoryBackToTheSystemWhenItIsCleared)
+{
+    constexpr std::int64_t mebibyte = 1024 * 1024;
+    RandomText random(5);
+    QByteArray piece(mebibyte, Qt::Uninitialized);
+    for (char &byte : piece)
+        byte = static_cast<char>(' ' + random.below(64));
+    for (const std::size_t hotBlocks : {std::size_t{2}, TextStore::usualHotBlocks}) {
+        TextStore store(hotBlocks);
+        const std::int64_t before = residentMemory();
+        for (int count = 0; count < 100; ++count)
+            store.append(piece);
+        EXPECT_GT(residentMemory(), before + 70 * mebibyte);
+        EXPECT_GT(store.memory(), 70 * mebibyte);
+        store.clear();
+        EXPECT_EQ(store.memory(), 0);
+        EXPECT_TRUE(waitUntil([&] { return residentMemory() < before + 10 * mebibyte; }))
+            << (residentMemory() - before) / mebibyte;
+    }
 }

@@ -1,0 +1,104 @@
+#include "RunController/ColdBlocks.h"
+
+#include "Support/ResidentMemory.h"
+#include "Support/Waiting.h"
+#include "Unit/RunController/RandomText.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+
+namespace
+{
+
+constexpr int blockSize = 128 * 1024;
+
+QByteArray repeated(char letter)
+{
+    return QByteArray(blockSize, letter);
+}
+
+/// Bytes that do not compress.
+QByteArray noise(RandomText &random, int size)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (char &byte : bytes)
+        byte = static_cast<char>(random.below(256));
+    return bytes;
+}
+
+} // namespace
+
+TEST(ColdBlocks, GivesBackEveryBlockInWhateverOrderItIsRead)
+{
+    RandomText random(21);
+    ColdBlocks cold(blockSize);
+    std::deque<QByteArray> model;
+    for (int round = 0; round < 600; ++round) {
+        QByteArray block = random.below(3) == 0 ? noise(random, 1 + random.below(blockSize))
+                                                : random.text(1 + random.below(8000)).toUtf8();
+        if (random.below(20) == 0)
+            block = block.first(1);
+        cold.append(block);
+        model.push_back(block);
+        if (random.below(4) == 0) {
+            const int dropped = random.below(static_cast<int>(model.size()) / (random.below(10) == 0 ? 1 : 8) + 1);
+            cold.dropFront(dropped);
+            model.erase(model.begin(), model.begin() + dropped);
+        }
+        ASSERT_EQ(cold.size(), static_cast<ColdBlocks::Index>(model.size()));
+        for (int reads = 0; reads < 4 && !model.empty(); ++reads) {
+            const int index = random.below(static_cast<int>(model.size()));
+            ASSERT_TRUE(cold.read(index) == model[static_cast<std::size_t>(index)]) << round;
+        }
+    }
+}
+
+TEST(ColdBlocks, KeepsTheBlocksReadableThatWereReadLast)
+{
+    ColdBlocks cold(blockSize);
+    for (char letter = 'a'; letter <= 'z'; ++letter)
+        cold.append(repeated(letter));
+    std::vector<QByteArrayView> views;
+    for (std::size_t index = 0; index < ColdBlocks::mostUnpacked; ++index)
+        views.push_back(cold.read(static_cast<ColdBlocks::Index>(2 * index)));
+    cold.read(0); // which is unpacked already
+    cold.append(repeated('!'));
+    for (std::size_t index = 0; index < views.size(); ++index)
+        EXPECT_TRUE(views[index] == repeated(static_cast<char>('a' + 2 * index)));
+}
+
+TEST(ColdBlocks, TakesNextToNothingForRepetitionsAndLittleMoreThanItselfForNoise)
+{
+    ColdBlocks repetitions(blockSize);
+    for (int count = 0; count < 1000; ++count)
+        repetitions.append(repeated('y'));
+    EXPECT_LT(repetitions.memory(), 64 * 1024);
+
+    RandomText random(22);
+    ColdBlocks noises(blockSize);
+    for (int count = 0; count < 50; ++count)
+        noises.append(noise(random, blockSize));
+    EXPECT_LT(noises.memory(), 51 * blockSize);
+    EXPECT_GE(noises.memory(), 50 * blockSize);
+}
+
+TEST(ColdBlocks, GivesItsMemoryBackAsItsFrontIsDropped)
+{
+    RandomText random(23);
+    const QByteArray block = noise(random, blockSize);
+    ColdBlocks cold(blockSize);
+    const std::int64_t before = residentMemory();
+    ASSERT_GT(before, 0);
+    for (int count = 0; count < 1024; ++count)
+        cold.append(block);
+    constexpr std::int64_t mebibyte = 1024 * 1024;
+    EXPECT_GT(residentMemory(), before + 120 * mebibyte);
+    cold.dropFront(512);
+    EXPECT_LT(cold.memory(), 73 * mebibyte); // at most one shelf is dropped in part only
+    EXPECT_TRUE(waitUntil([&] { return residentMemory() < before + 80 * mebibyte; }));
+    EXPECT_TRUE(cold.read(511) == block);
+    cold.dropFront(512);
+    EXPECT_EQ(cold.memory(), 0);
+    EXPECT_TRUE(waitUntil([&] { return residentMemory() < before + 16 * mebibyte; }));
+}
