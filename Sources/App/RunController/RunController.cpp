@@ -33,7 +33,12 @@ QString oneDecimal(double seconds)
 
 } // namespace
 
-RunController::RunController(RunTimeLimits limits, QObject *parent) : QObject(parent), m_limits(limits) {}
+RunController::RunController(RunTimeLimits limits, OutputPace pace, QObject *parent)
+    : QObject(parent),
+      m_limits(limits),
+      m_pace(pace)
+{
+}
 
 void RunController::append(QUtf8StringView text, OutputKind kind)
 {
@@ -49,6 +54,8 @@ void RunController::append(const QString &text, OutputKind kind)
 void RunController::clearTranscript()
 {
     m_transcript.clear();
+    if (const ProcessHandlePointer &child = m_cancellation.child())
+        child->resumeOutput();
     Q_EMIT transcriptCleared();
 }
 
@@ -74,8 +81,21 @@ QCoro::Task<OrbCLI::StreamResult> RunController::stream(const QString &orb, cons
         [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); },
         [self = QPointer(this), kindOfOutput](QUtf8StringView text, bool isError) {
             if (self)
-                self->append(text, isError ? OutputKind::err : kindOfOutput);
+                self->appendOutput(text, isError ? OutputKind::err : kindOfOutput);
         });
+}
+
+void RunController::appendOutput(QUtf8StringView text, OutputKind kind)
+{
+    const std::int64_t before = m_transcript.memory();
+    append(text, kind);
+    const std::int64_t now = m_transcript.memory();
+    const ProcessHandlePointer &child = m_cancellation.child();
+    if (!child)
+        return;
+    if (now < before)
+        child->resumeOutput();
+    child->pauseOutput(m_pace.pauseAfter(before, now));
 }
 
 QCoro::Task<> RunController::execute(RunJob job, QPointer<HistoryStore> history)

@@ -7,11 +7,13 @@
 //   idle ──start──▶ creating (disposable) ──▶ running in ──▶ deleting (disposable) ──▶ history written ──▶ idle
 //
 // A stop only sets a flag and asks the current child to terminate; the run reports it when the step returns. Deletion
-// and history are never skipped once a run began.
+// and history are never skipped once a run began. When the transcript has grown very large, the child is made to wait
+// (OutputPace.h).
 
 #include "HistoryStore/HistoryStore.h"
 #include "OrbCLI/Cancellation.h"
 #include "OrbCLI/OrbCLI.h"
+#include "RunController/OutputPace.h"
 #include "RunController/RunJob.h"
 #include "RunController/Transcript.h"
 
@@ -36,7 +38,7 @@ class RunController : public QObject
     Q_OBJECT
 
 public:
-    explicit RunController(RunTimeLimits limits = {}, QObject *parent = nullptr);
+    explicit RunController(RunTimeLimits limits = {}, OutputPace pace = {}, QObject *parent = nullptr);
 
     /// The text being edited on the Run screen.
     QString script() const { return m_script; }
@@ -101,8 +103,10 @@ private:
     QCoro::Task<OrbCLI::StreamResult> stream(const QString &orb, const QStringList &arguments,
                                              const std::optional<QString> &input, std::optional<double> timeLimit,
                                              OutputKind kindOfOutput);
+    void appendOutput(QUtf8StringView text, OutputKind kind);
 
     const RunTimeLimits m_limits;
+    const OutputPace m_pace;
     Transcript m_transcript;
     Cancellation m_cancellation;
     Q_OBJECT_BINDABLE_PROPERTY(RunController, QString, m_script, &RunController::scriptChanged)
