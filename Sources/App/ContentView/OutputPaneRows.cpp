@@ -20,7 +20,7 @@ void OutputPaneRows::setColumns(int columns)
         return;
     m_columns = columns;
     m_layouts.clear();
-    m_known.clear();
+    m_count.setColumns(columns);
 }
 
 OutputPaneRows::Row OutputPaneRows::last()
@@ -81,36 +81,21 @@ QByteArrayView OutputPaneRows::bytes(const Row &row)
     return m_text.bytes(row.block).sliced(rowBegin - blockBegin, end(row) - rowBegin);
 }
 
-qint64 OutputPaneRows::count()
-{
-    qint64 rows = 0;
-    for (TextStore::BlockNumber number = m_text.firstBlock(); number < m_text.endBlock(); ++number)
-        rows += rowsIn(number);
-    return rows;
-}
-
 qint64 OutputPaneRows::countBefore(const Row &row)
 {
     layout(row.block); // from here on its rows are known
-    qint64 rows = row.index;
-    for (TextStore::BlockNumber number = m_text.firstBlock(); number < row.block; ++number)
-        rows += rowsIn(number);
-    return rows;
+    return m_count.before(row.block) + row.index;
 }
 
 OutputPaneRows::Row OutputPaneRows::atCount(qint64 rows)
 {
-    rows = std::max<qint64>(0, rows);
-    for (TextStore::BlockNumber number = m_text.firstBlock(); number < m_text.endBlock(); ++number) {
-        const qint64 estimated = rowsIn(number);
-        if (rows < estimated) {
-            // Where the estimate was wrong the place is found in proportion.
-            const auto found = static_cast<qint64>(layout(number).starts.size());
-            return {number, static_cast<int>(found == estimated ? rows : rows * found / estimated)};
-        }
-        rows -= estimated;
-    }
-    return last();
+    const OutputPaneRowCount::Place place = m_count.at(std::max<qint64>(0, rows));
+    if (place.block == m_text.endBlock())
+        return last();
+    // Where the estimate was wrong the place is found in proportion.
+    const qint64 estimated = m_count.rowsIn(place.block);
+    const auto found = static_cast<qint64>(layout(place.block).starts.size());
+    return {place.block, static_cast<int>(found == estimated ? place.rows : place.rows * found / estimated)};
 }
 
 const OutputPaneRows::Layout &OutputPaneRows::layout(TextStore::BlockNumber number)
@@ -135,7 +120,7 @@ const OutputPaneRows::Layout &OutputPaneRows::layout(TextStore::BlockNumber numb
     }
     layout.endsText = endsText;
     extend(layout, m_text.bytes(number));
-    known(number) = {block.begin, block.size, static_cast<qint32>(layout.starts.size()), endsText};
+    m_count.found(number, static_cast<qint64>(layout.starts.size()));
     return layout;
 }
 
@@ -154,33 +139,4 @@ void OutputPaneRows::extend(Layout &layout, QByteArrayView text) const
     // The text goes on in a new row behind its last line end, if only for the caret.
     if (layout.endsText && text.endsWith('\n'))
         layout.starts.push_back(static_cast<qint32>(text.size()));
-}
-
-qint64 OutputPaneRows::rowsIn(TextStore::BlockNumber number) const
-{
-    const TextStore::Block &block = m_text.block(number);
-    const auto index = static_cast<std::size_t>(number - m_firstKnown);
-    const bool endsText = number + 1 == m_text.endBlock();
-    if (number >= m_firstKnown && index < m_known.size()) {
-        const Known &known = m_known[index];
-        if (known.begin == block.begin && known.size == block.size && known.endsText == endsText)
-            return known.rows;
-    }
-    const qint64 lines = block.lineFeeds + (block.openLine > 0 || endsText ? 1 : 0);
-    return block.longestLine() <= m_columns ? lines : std::max<qint64>(lines, lines / 2 + block.cells / m_columns);
-}
-
-OutputPaneRows::Known &OutputPaneRows::known(TextStore::BlockNumber number)
-{
-    // Forgets the blocks that were dropped.
-    while (!m_known.empty() && m_firstKnown < m_text.firstBlock()) {
-        m_known.pop_front();
-        ++m_firstKnown;
-    }
-    if (m_known.empty())
-        m_firstKnown = m_text.firstBlock();
-    const auto index = static_cast<std::size_t>(number - m_firstKnown);
-    if (index >= m_known.size())
-        m_known.resize(index + 1);
-    return m_known[index];
 }

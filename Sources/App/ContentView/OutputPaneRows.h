@@ -6,11 +6,11 @@
 //
 // Main thread only. Everything is asked of the text as it is at that moment; nothing needs to be told of changes.
 
+#include "ContentView/OutputPaneRowCount.h"
 #include "RunController/TextStore.h"
 
 #include <QtGlobal>
 
-#include <deque>
 #include <list>
 #include <vector>
 
@@ -27,7 +27,7 @@ public:
         friend bool operator==(const Row &, const Row &) = default;
     };
 
-    explicit OutputPaneRows(const TextStore &text) : m_text(text) {}
+    explicit OutputPaneRows(const TextStore &text) : m_text(text), m_count(text) {}
 
     const TextStore &text() const { return m_text; }
     int columns() const { return m_columns; }
@@ -47,12 +47,12 @@ public:
     Position begin(const Row &row);
     /// Behind the row's last character, which may be a line end.
     Position end(const Row &row);
-    /// The row's text, valid until the text changes.
+    /// The row's text, valid as long as what TextStore::bytes gives.
     QByteArrayView bytes(const Row &row);
 
     /// How many rows there are: exact for blocks seen before at this width and for those whose lines do not wrap, else
     /// estimated.
-    qint64 count();
+    qint64 count() { return m_count.all(); }
     /// How many rows, counted in the same way, stand before this one.
     qint64 countBefore(const Row &row);
     /// The row with that many before it, or the nearest there is.
@@ -67,23 +67,12 @@ private:
         std::vector<qint32> starts = {};
         bool endsText = false;
     };
-    /// The number of rows found in a block as it was then.
-    struct Known {
-        Position begin = 0;
-        qint32 size = -1;
-        qint32 rows = 0;
-        bool endsText = false;
-    };
-
     const Layout &layout(TextStore::BlockNumber number);
     void extend(Layout &layout, QByteArrayView text) const;
-    qint64 rowsIn(TextStore::BlockNumber number) const;
-    Known &known(TextStore::BlockNumber number);
 
     const TextStore &m_text;
     int m_columns = 80;
     /// The layouts used last, newest first.
     std::list<Layout> m_layouts;
-    std::deque<Known> m_known;
-    TextStore::BlockNumber m_firstKnown = 0;
+    OutputPaneRowCount m_count;
 };
