@@ -8,6 +8,7 @@
 #include <QFontMetricsF>
 
 #include <array>
+#include <limits>
 #include <random>
 
 using namespace Qt::StringLiterals;
@@ -136,6 +137,34 @@ TEST_F(OutputPaneTest, IsAsQuickWithOneLineOf100MegabytesAsWithAMillionLines)
     pane.grab();
     EXPECT_LT(watch.elapsed(), 2000); // some milliseconds; far from what laying out the whole would take
     EXPECT_EQ(run.transcript().end() - run.transcript().begin(), 100 * piece.size());
+}
+
+TEST_F(OutputPaneTest, AnswersAccessibilityBeyondWhatItsOffsetsCount)
+{
+    constexpr int most = std::numeric_limits<int>::max();
+    const QByteArray piece = (QByteArray(1023, 'x') + '\n').repeated(1024);
+    for (int count = 0; count < 2050; ++count)
+        run.append(QUtf8StringView(piece.constData(), piece.size()), OutputKind::out);
+    run.append(u"the end"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    QAccessibleTextInterface *const text = accessibleText();
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->characterCount(), most);
+    EXPECT_TRUE(waitUntil([&] { return text->cursorPosition() == most; }));
+    int start = 0;
+    int end = 0;
+    EXPECT_EQ(text->textAtOffset(most, QAccessible::LineBoundary, &start, &end), u"the end"_s);
+    EXPECT_EQ(end, most);
+    EXPECT_EQ(text->text(1020, 1026), u"xxx\nxx"_s);
+    EXPECT_EQ(text->text(most - 4, most - 1), u"xxx"_s);
+    // All of it at once would not fit through the bus, nor beside the text in memory.
+    EXPECT_EQ(text->text(0, most).size(), 127 * 1024 * 1024);
+    pane.selectAll();
+    text->selection(0, &start, &end);
+    EXPECT_EQ(start, 0);
+    EXPECT_EQ(end, most);
+    pane.scrollTo(pane.transcript().begin());
+    EXPECT_FALSE(pane.characterRect(pane.transcript().begin()).isEmpty());
 }
 
 TEST_F(OutputPaneTest, NeverWidensForWhatItShows)

@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <QPushButton>
 
+using namespace Qt::StringLiterals;
+
 namespace
 {
 
@@ -29,10 +31,7 @@ void alignToMargin(const QMessageBox &alert)
 #endif
 }
 
-} // namespace
-
-QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &message, const QString &acceptLabel,
-                         const QString &cancelLabel, const std::function<void()> &accepted, Kind kind)
+QMessageBox *make(QWidget *parent, const QString &title, const QString &message)
 {
     auto *alert = new QMessageBox(parent);
     alert->setAttribute(Qt::WA_DeleteOnClose);
@@ -40,27 +39,51 @@ QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &m
     alert->setTextFormat(Qt::PlainText);
     alert->setText(title);
     alert->setInformativeText(message);
-    const QAbstractButton *accept = alert->addButton(
-        acceptLabel, kind == Kind::destructive ? QMessageBox::DestructiveRole : QMessageBox::AcceptRole);
-    QPushButton *cancel = alert->addButton(cancelLabel, QMessageBox::RejectRole);
-    alert->setDefaultButton(cancel);
-    alert->setEscapeButton(cancel);
+    return alert;
+}
+
+void show(QMessageBox *alert, QPushButton *usual, const std::function<void()> &finished)
+{
+    alert->setDefaultButton(usual);
+    alert->setEscapeButton(usual);
     // Left alone, the box breaks its texts into a narrow column.
     for (QLabel *label : alert->findChildren<QLabel *>()) {
         if (label->text().isEmpty())
             continue;
         label->setMinimumWidth(textWidth);
         label->setIndent(0);
-        label->setFont(label->text() == title ? Typography::headline() : Typography::body());
+        label->setFont(label->text() == alert->text() ? Typography::headline() : Typography::body());
     }
     alignToMargin(*alert);
+    QWidget *const parent = alert->parentWidget();
     const QPointer<QWidget> focused = parent->window()->focusWidget();
-    QObject::connect(alert, &QMessageBox::finished, parent, [alert, accept, accepted, focused] {
+    QObject::connect(alert, &QMessageBox::finished, parent, [focused, finished] {
         if (focused)
             focused->setFocus();
+        finished();
+    });
+    alert->open();
+}
+
+} // namespace
+
+QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &message, const QString &acceptLabel,
+                         const QString &cancelLabel, const std::function<void()> &accepted, Kind kind)
+{
+    QMessageBox *alert = make(parent, title, message);
+    const QAbstractButton *accept = alert->addButton(
+        acceptLabel, kind == Kind::destructive ? QMessageBox::DestructiveRole : QMessageBox::AcceptRole);
+    QPushButton *cancel = alert->addButton(cancelLabel, QMessageBox::RejectRole);
+    show(alert, cancel, [alert, accept, accepted] {
         if (alert->clickedButton() == accept)
             accepted();
     });
-    alert->open();
+    return alert;
+}
+
+QMessageBox *Alert::tell(QWidget *parent, const QString &title, const QString &message)
+{
+    QMessageBox *alert = make(parent, title, message);
+    show(alert, alert->addButton(u"OK"_s, QMessageBox::AcceptRole), [] {});
     return alert;
 }

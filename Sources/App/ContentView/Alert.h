@@ -1,7 +1,7 @@
 #pragma once
 
-// A question over the window. It blocks the window but not the program, is gone with its parent, and gives the focus
-// back to where it was.
+// A question or a notice over the window. It blocks the window but not the program, is gone with its parent, and gives
+// the focus back to where it was.
 
 #include <QString>
 
@@ -22,5 +22,8 @@ enum class Kind {
 /// `cancelLabel`, Escape and closing the alert do nothing more than close it.
 QMessageBox *open(QWidget *parent, const QString &title, const QString &message, const QString &acceptLabel,
                   const QString &cancelLabel, const std::function<void()> &accepted, Kind kind = Kind::ordinary);
+
+/// Opens a notice, with the one button "OK", and returns at once. Both texts are plain.
+QMessageBox *tell(QWidget *parent, const QString &title, const QString &message);
 
 } // namespace Alert

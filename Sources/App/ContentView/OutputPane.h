@@ -51,7 +51,7 @@ public:
     QSize sizeHint() const override;
 
 public Q_SLOTS:
-    /// Copies the selection to the clipboard; does nothing when there is none.
+    /// Copies the selection to the clipboard; does nothing when there is none, and says so when it is too long.
     void copy();
     void selectAll();
 

@@ -19,9 +19,15 @@ using Position = TextStore::Position;
 /// Of a flood of output, this much is read out per frame.
 constexpr Position mostAnnounced = Position{16} * 1024;
 
+/// Of a long stretch, this much is handed out per call: the accessibility bus carries no message of 128 MiB.
+constexpr Position mostRead = Position{127} * 1024 * 1024;
+
+/// Offsets are int here. Beyond what that counts, the greatest one stands for all the rest and for the end.
+constexpr int lastOffset = std::numeric_limits<int>::max();
+
 int asOffset(qint64 units)
 {
-    return static_cast<int>(std::min<qint64>(units, std::numeric_limits<int>::max()));
+    return static_cast<int>(std::min<qint64>(units, lastOffset));
 }
 
 class OutputPaneInterface : public QAccessibleWidget, public QAccessibleTextInterface
@@ -85,7 +91,7 @@ public:
         pane().scrollTo(place);
     }
 
-    QString text(int start, int end) const override { return store().text(position(start), position(end)); }
+    QString text(int start, int end) const override { return read({position(start), position(end)}); }
 
     int characterCount() const override { return offset(store().end()); }
 
@@ -142,7 +148,15 @@ private:
     const TextStore &store() const { return pane().transcript().text(); }
     int offset(Position position) const { return asOffset(store().utf16Offset(position)); }
     /// -1 means the end, as assistive technology uses it.
-    Position position(int offset) const { return offset < 0 ? store().end() : store().positionAtUtf16(offset); }
+    Position position(int offset) const
+    {
+        return offset < 0 || offset == lastOffset ? store().end() : store().positionAtUtf16(offset);
+    }
+
+    QString read(OutputRange range) const
+    {
+        return store().text(range.begin, std::min(range.end, range.begin + mostRead));
+    }
 
     OutputRange unitAt(Position position, QAccessible::TextBoundaryType boundary) const
     {
@@ -171,7 +185,7 @@ private:
     {
         *start = offset(unit.begin);
         *end = offset(unit.end);
-        return store().text(unit.begin, unit.end);
+        return read(unit);
     }
 };
 

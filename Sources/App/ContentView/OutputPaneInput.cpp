@@ -2,6 +2,7 @@
 
 #include "ContentView/OutputPane.h"
 
+#include "ContentView/OutputCopy.h"
 #include "RunController/RunController.h"
 
 #include <QApplication>
@@ -47,7 +48,7 @@ void OutputPane::selectAll()
 void OutputPane::copy()
 {
     if (!m_selection.isEmpty())
-        QGuiApplication::clipboard()->setText(selectedText());
+        OutputCopy::copy(this, transcript(), m_selection.begin(), m_selection.end());
 }
 
 void OutputPane::selectionMoved()
@@ -240,7 +241,8 @@ void OutputPane::mouseReleaseEvent(QMouseEvent *event)
         return;
     endDrag();
     QClipboard *const clipboard = QGuiApplication::clipboard();
-    if (clipboard->supportsSelection() && !m_selection.isEmpty())
+    const bool isTooLong = m_selection.end() - m_selection.begin() > OutputCopy::most;
+    if (clipboard->supportsSelection() && !m_selection.isEmpty() && !isTooLong)
         clipboard->setText(selectedText(), QClipboard::Selection);
     // What came meanwhile has waited.
     if (m_wantsEnd)

@@ -5,6 +5,7 @@
 #include "ContentView/DisposableToggle.h"
 #include "ContentView/FolderPicker.h"
 #include "ContentView/MachinePicker.h"
+#include "ContentView/OutputCopy.h"
 #include "ContentView/OutputPane.h"
 #include "ContentView/Picker.h"
 #include "ContentView/PlainLabel.h"
@@ -16,8 +17,6 @@
 #include "RunController/RunController.h"
 #include "SetupController/SetupController.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -201,8 +200,10 @@ QLayout *RunView::makeOutputHeader()
         new PlainLabel(u"Output"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this);
     QPushButton *copy = Controls::button(u"Copy output"_s, {}, this);
     QPushButton *clear = Controls::button(u"Clear"_s, u"Clear the output"_s, this);
-    connect(copy, &QPushButton::clicked, this,
-            [this] { QGuiApplication::clipboard()->setText(m_controllers.run.plainText()); });
+    connect(copy, &QPushButton::clicked, this, [this] {
+        const Transcript &transcript = m_controllers.run.transcript();
+        OutputCopy::copy(this, transcript, transcript.begin(), transcript.end());
+    });
     connect(clear, &QPushButton::clicked, &m_controllers.run, &RunController::clearTranscript);
 
     auto *row = new QHBoxLayout;

@@ -1,0 +1,20 @@
+#pragma once
+
+// Output on its way to the clipboard.
+
+#include "RunController/Transcript.h"
+
+class QWidget;
+
+namespace OutputCopy
+{
+
+/// The clipboard holds all of a text at once, in twice its bytes, and the reader's window waits for it to be made.
+constexpr Transcript::Position most = Transcript::Position{1024} * 1024 * 1024;
+
+/// Puts what stands between two positions on the clipboard. More than `bound` bytes are refused, with a notice over the
+/// window of `widget`; the clipboard then keeps what it held.
+void copy(QWidget *widget, const Transcript &transcript, Transcript::Position from, Transcript::Position to,
+          Transcript::Position bound = most);
+
+} // namespace OutputCopy
