@@ -26,6 +26,7 @@ void alignToMargin(const QMessageBox &alert)
         return;
     room->spacerItem()->changeSize(0, 0, QSizePolicy::Fixed, QSizePolicy::Fixed);
     grid->setHorizontalSpacing(0);
+    grid->setColumnStretch(1, 1);
 #else
     Q_UNUSED(alert)
 #endif
@@ -46,13 +47,16 @@ void show(QMessageBox *alert, QPushButton *usual, const std::function<void()> &f
 {
     alert->setDefaultButton(usual);
     alert->setEscapeButton(usual);
-    // Left alone, the box breaks its texts into a narrow column.
+    const QString title = alert->text();
     for (QLabel *label : alert->findChildren<QLabel *>()) {
         if (label->text().isEmpty())
             continue;
-        label->setMinimumWidth(textWidth);
+        label->setFont(label->text() == title ? Typography::headline() : Typography::body());
         label->setIndent(0);
-        label->setFont(label->text() == alert->text() ? Typography::headline() : Typography::body());
+        // Left alone, the box breaks its texts into a narrow column. But it decides by the width that a title asks for
+        // whether to break it at all, so a long one must ask for its own.
+        if (label->text() != title || label->fontMetrics().horizontalAdvance(title) <= textWidth)
+            label->setMinimumWidth(textWidth);
     }
     alignToMargin(*alert);
     QWidget *const parent = alert->parentWidget();
