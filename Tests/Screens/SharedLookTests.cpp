@@ -267,6 +267,20 @@ TEST(LogBox, KeepsItsScrollBarWithinTheRoundedPane)
     EXPECT_LT(bar->mapTo(&box, bar->rect().bottomRight()).y(), box.rect().bottom());
 }
 
+TEST(LogBox, HasAnEdgeThatIsSeenInTheDark)
+{
+    QWidget window;
+    window.setPalette(darkPalette());
+    window.resize(400, 200);
+    LogBox box(u"Log"_s, 90, [] { return u"line"_s; }, &window);
+    box.setGeometry(20, 20, 300, 90);
+    window.show();
+    const QImage picture = window.grab().toImage();
+    const auto lightness = [&picture](int x) { return picture.pixelColor(x, 65).lightnessF(); };
+    EXPECT_GT(lightness(20), lightness(10) + 0.05F);
+    EXPECT_LT(lightness(30), lightness(10));
+}
+
 TEST(LogBox, ShowsATextThatLostItsFront)
 {
     QString text = u"old\n"_s.repeated(100);

@@ -10,13 +10,26 @@ namespace
 
 constexpr double cornerRadius = 6;
 
+QPen outline(const QWidget &pane)
+{
+    const QPalette palette = pane.palette();
+    if (pane.hasFocus())
+        return palette.color(QPalette::Highlight);
+    if (!Colours::isDark(palette))
+        return Qt::NoPen;
+    // The tint can hardly be seen on a dark window; a faint line shows where the pane ends.
+    QColor line = Colours::secondary(palette);
+    line.setAlphaF(0.25F);
+    return line;
+}
+
 } // namespace
 
 void PaneFrame::paint(QWidget &pane)
 {
     QPainter painter(&pane);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(pane.hasFocus() ? QPen(pane.palette().color(QPalette::Highlight)) : QPen(Qt::NoPen));
+    painter.setPen(outline(pane));
     painter.setBrush(Colours::paneTint());
     painter.drawRoundedRect(QRectF(pane.rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
 }
