@@ -23,35 +23,28 @@ std::optional<QString> ProcessHandle::launchError() const
 
 void ProcessHandle::cancel()
 {
-    {
-        const std::lock_guard guard(lock);
-        _wasCancelled = true;
-    }
+    m_wasCancelled = true;
     process->terminate();
 }
 
 void ProcessHandle::pauseOutput(std::chrono::nanoseconds time)
 {
-    const std::lock_guard guard(lock);
-    _pausedUntil = std::max(_pausedUntil, std::chrono::steady_clock::now()) + time;
+    m_pausedUntil = std::max(m_pausedUntil.load(), std::chrono::steady_clock::now()) + time;
 }
 
 void ProcessHandle::resumeOutput()
 {
-    const std::lock_guard guard(lock);
-    _pausedUntil = {};
+    m_pausedUntil = std::chrono::steady_clock::time_point();
 }
 
 bool ProcessHandle::isOutputPaused() const
 {
-    const std::lock_guard guard(lock);
-    return _pausedUntil > std::chrono::steady_clock::now();
+    return m_pausedUntil.load() > std::chrono::steady_clock::now();
 }
 
 bool ProcessHandle::wasAskedToTerminate() const
 {
-    const std::lock_guard guard(lock);
-    return _wasCancelled || _timedOut;
+    return m_wasCancelled || timedOut();
 }
 
 void ProcessHandle::setTimedOut()

@@ -7,6 +7,7 @@
 
 #include <QString>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <mutex>
@@ -31,9 +32,9 @@ public:
 
     /// Leaves what the child prints in its pipes for that much longer, also beyond a pause that is going on; the child
     /// is held up once they are full. Other children are not. The output that is there when the child ends, or is asked
-    /// to terminate, is not held back. Any thread.
+    /// to terminate, is not held back. Main thread.
     void pauseOutput(std::chrono::nanoseconds time);
-    /// Ends a pause; within a tenth of a second the output goes on. Any thread.
+    /// Ends a pause; within a tenth of a second the output goes on. Main thread.
     void resumeOutput();
 
 private:
@@ -47,11 +48,11 @@ private:
     bool wasAskedToTerminate() const;
 
     const std::shared_ptr<ChildProcess> process;
-    mutable std::mutex lock; // guards all below
+    mutable std::mutex lock; // guards the next two
     bool _timedOut = false;
     std::optional<QString> _launchError;
-    std::chrono::steady_clock::time_point _pausedUntil;
-    bool _wasCancelled = false;
+    std::atomic<std::chrono::steady_clock::time_point> m_pausedUntil;
+    std::atomic<bool> m_wasCancelled = false;
 };
 
 using ProcessHandlePointer = std::shared_ptr<ProcessHandle>;
