@@ -2,6 +2,7 @@
 
 import json
 import os
+import shutil
 import subprocess
 import tempfile
 from dataclasses import dataclass
@@ -10,6 +11,7 @@ from harness.desktop import ENDS_WITH_US
 
 from .results import CannotRun
 
+_SCRIPTS = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 _LIMIT_SECONDS = 900
 
 
@@ -41,7 +43,8 @@ FURTHER_TEXTS = (
 LEAVING = Program("LeavingAndResizing", text="plain")
 COPYING = Program("CopyingOutput", text="plain")
 APPENDING = Program("AppendingChunks")
-PROGRAMS = (SHOWING, STORING, STOCK, *FURTHER_TEXTS, LEAVING, COPYING, APPENDING)
+STARTING_AND_IDLING = Program("start-and-idle", is_long=True)
+PROGRAMS = (SHOWING, STORING, STOCK, *FURTHER_TEXTS, LEAVING, COPYING, APPENDING, STARTING_AND_IDLING)
 
 
 def _figures(said):
@@ -57,9 +60,10 @@ def _figures(said):
 
 def measure(program, desktop, folder, file):
     """The figures of one run of the program built in the folder; CannotRun says why there are none."""
-    command = [os.path.join(folder, program.name), "--json", *program.options, *([file] if file else [])]
-    if not os.access(command[0], os.X_OK):
+    executable = shutil.which(program.name, path=f"{folder}{os.pathsep}{_SCRIPTS}")
+    if executable is None:
         raise CannotRun("not built")
+    command = [executable, "--json", *program.options, *([file] if file else [])]
     with tempfile.TemporaryDirectory(prefix="tidewell-ours-", ignore_cleanup_errors=True) as scratch:
         environment = desktop.environment | {"HOME": scratch, "QT_QPA_PLATFORM": "xcb", "LC_ALL": "C.UTF-8"}
         try:
