@@ -12,7 +12,7 @@ constexpr double cornerRadius = 6;
 
 QPen outline(const QWidget &pane)
 {
-    const QPalette palette = pane.palette();
+    const QPalette &palette = pane.palette();
     if (pane.hasFocus())
         return palette.color(QPalette::Highlight);
     if (!Colours::isDark(palette))
