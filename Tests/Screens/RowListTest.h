@@ -1,0 +1,82 @@
+#pragma once
+
+// A list of rows between two text fields, in a window.
+
+#include "ContentView/PlainLabel.h"
+#include "ContentView/RowList.h"
+#include "Screens/PaintWatch.h"
+#include "Support/Waiting.h"
+
+#include <QAccessible>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QVBoxLayout>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+inline RowContent contentOf(const QString &id, bool isRunning = false)
+{
+    RowContent row;
+    row.id = id;
+    row.name = id;
+    row.dot = RowContent::Dot{isRunning ? StatusDot::Colour::green : StatusDot::Colour::grey,
+                              isRunning ? u"running"_s : u"not running"_s};
+    row.lines = {{id, RowContent::TextStyle::headline}, {u"caption of "_s + id, RowContent::TextStyle::caption}};
+    row.buttons = {{u"Start"_s, !isRunning}, {u"Stop"_s, isRunning}, {u"Delete"_s, true}};
+    return row;
+}
+
+inline QList<RowContent> rowsNumbered(int begin, int end)
+{
+    QList<RowContent> rows;
+    for (int number = begin; number < end; ++number)
+        rows.append(contentOf(u"row%1"_s.arg(number)));
+    return rows;
+}
+
+class RowListTest : public testing::Test
+{
+protected:
+    RowListTest()
+    {
+        window.resize(700, 400);
+        auto *layout = new QVBoxLayout(&window);
+        before = new QLineEdit(&window);
+        list = new RowList(u"Things"_s, &window);
+        after = new QLineEdit(&window);
+        for (QWidget *widget :
+             {static_cast<QWidget *>(before), static_cast<QWidget *>(list), static_cast<QWidget *>(after)})
+            layout->addWidget(widget);
+        window.show();
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    void settle() { QTest::qWait(50); }
+
+    QPushButton *button(int index, int number) { return list->row(index)->buttons().at(number); }
+
+    QString focusedText() const
+    {
+        const auto *focused = qobject_cast<QPushButton *>(QApplication::focusWidget());
+        return focused != nullptr ? focused->accessibleDescription() : QString();
+    }
+
+    bool isInView(int index)
+    {
+        const RowWidget *row = list->row(index);
+        return row->visibleRegion().boundingRect().height() == row->height();
+    }
+
+    int centreOnScreen(int index) { return list->row(index)->mapTo(&window, list->row(index)->rect().center()).y(); }
+
+    QWidget window;
+    QLineEdit *before;
+    RowList *list;
+    QLineEdit *after;
+};

@@ -1,0 +1,66 @@
+#include "Screens/RunViewSteps.h"
+
+TEST(RunView, SharesAFolderAndGivesItUp)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({u"box"_s});
+    const QString folder = window.orbStack.tools().directory(0);
+    EXPECT_FALSE(shows(content, warning));
+    EXPECT_EQ(find<QAbstractButton>(content, u"Clear"_s, u"Stop sharing the folder"_s), nullptr);
+    shareFolder(content, folder);
+    EXPECT_TRUE(shows(content, folder));
+    EXPECT_TRUE(shows(content, warning));
+    EXPECT_EQ(find<PlainLabel>(content, warning)->palette().color(QPalette::WindowText),
+              Colours::orange(content.palette()));
+    EXPECT_TRUE(runScript(window, u"pwd"_s).contains(u"   (folder: "_s + folder + u")\n"_s + folder + u'\n'));
+    press(content, u"Clear"_s, u"Stop sharing the folder"_s);
+    EXPECT_FALSE(shows(content, folder));
+    EXPECT_FALSE(shows(content, warning));
+    window.run.clearTranscript();
+    EXPECT_FALSE(runScript(window, u"pwd"_s).contains(u"(folder: "_s));
+}
+
+TEST(RunView, AsksForOneFolderInADialogThatBlocksNothing)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    find<QAbstractButton>(content, u"Share a folder…"_s)->setFocus();
+    QFileDialog *dialog = openFolderDialog(content);
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(dialog->fileMode(), QFileDialog::Directory);
+    EXPECT_TRUE(dialog->testOption(QFileDialog::ShowDirsOnly));
+    EXPECT_EQ(dialog->labelText(QFileDialog::Accept), u"Share"_s);
+    EXPECT_EQ(dialog->windowModality(), Qt::WindowModal);
+    dialog->reject();
+    EXPECT_FALSE(shows(content, warning));
+    EXPECT_EQ(ByName::nameOf(content.focusWidget()), u"Share a folder…"_s);
+}
+
+TEST(RunView, ShowsAFoldersPathCutInItsMiddleAndUndisguised)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    content.resize(820, 640);
+    const QString path = u"/home/<i>x</i>/\u202eevil/"_s + QString(4000, u'p') + u"/last"_s;
+    // No real folder has such a path here, so the dialog's answer is given in its place.
+    QFileDialog *dialog = openFolderDialog(content);
+    ASSERT_NE(dialog, nullptr);
+    Q_EMIT dialog->fileSelected(path);
+    dialog->reject();
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(content.width(), 820);
+    EXPECT_LE(content.findChild<RunView *>()->width(), 820);
+    bool isShown = false;
+    for (const PlainLabel *label : content.findChildren<PlainLabel *>()) {
+        if (label->isVisible() && label->text().startsWith(u"/home/<i>x</i>/\u27e8U+202E\u27e9evil/"_s)) {
+            isShown = true;
+            EXPECT_TRUE(label->text().endsWith(u"/last"_s));
+            EXPECT_TRUE(label->parentWidget()->rect().contains(label->geometry()));
+        }
+    }
+    EXPECT_TRUE(isShown);
+    EXPECT_TRUE(isOffered(content, u"Clear"_s, u"Stop sharing the folder"_s));
+    EXPECT_TRUE(content.rect().contains(QRect(toggle(content, u"10 minute time limit"_s)->mapTo(&content, QPoint()),
+                                              toggle(content, u"10 minute time limit"_s)->size())));
+}

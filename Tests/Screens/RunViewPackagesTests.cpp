@@ -1,0 +1,55 @@
+#include "Screens/RunViewSteps.h"
+
+TEST(RunView, OffersPackagesOnlyForAMachineOfTheUsersOwn)
+{
+    TestWindow window;
+    confirmDisposable();
+    ContentView &content = window.showRunning({u"box"_s});
+    auto *packages = find<QLineEdit>(content, packagesField);
+    const auto offered = [&content] { return isOffered(content, u"Install packages"_s); };
+    EXPECT_LE(packages->width(), 240);
+    EXPECT_FALSE(offered());
+    packages->setText(u" \t "_s);
+    EXPECT_FALSE(offered());
+    packages->setText(u" git "_s);
+    EXPECT_TRUE(offered());
+    toggle(content, u"Disposable mode"_s)->click();
+    EXPECT_FALSE(offered());
+    toggle(content, u"Disposable mode"_s)->click();
+    EXPECT_TRUE(offered());
+
+    window.run.setScript(u"exec sleep 60"_s);
+    press(content, u"Run"_s);
+    EXPECT_FALSE(offered());
+    press(content, u"Stop"_s, u"Stop the run"_s);
+    EXPECT_TRUE(waitUntil(offered));
+
+    window.orbStack.setMachines({});
+    EXPECT_TRUE(waitFor(window.machines.refresh()));
+    EXPECT_FALSE(offered());
+    window.orbStack.setMachines({u"box"_s});
+    EXPECT_TRUE(waitFor(window.machines.refresh()));
+    EXPECT_TRUE(offered());
+    window.orbStack.setRunning(false);
+    EXPECT_TRUE(waitFor(window.setup.refresh()));
+    EXPECT_FALSE(offered());
+}
+
+TEST(RunView, InstallsPackagesAndLeavesTheScriptAlone)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({u"box"_s});
+    window.run.setScript(u"mine"_s);
+    auto *packages = find<QLineEdit>(content, packagesField);
+    packages->setText(u"-rf"_s);
+    press(content, u"Install packages"_s);
+    EXPECT_EQ(window.run.plainText(), u"Package names may only contain letters, digits and . + _ : = ~ -\n"_s);
+    // The machine's shell is this host's: what is installed is never reached.
+    window.orbStack.tools().addTool(u"orb"_s, u"case $1 in -m) cat > /dev/null;; status) echo Running;; esac"_s);
+    packages->setText(u"git, curl"_s);
+    press(content, u"Install packages"_s);
+    EXPECT_TRUE(waitUntil([&] { return window.history.entries().size() == 1; }));
+    EXPECT_EQ(window.history.entries()[0].command, u"install packages: git curl"_s);
+    EXPECT_EQ(window.run.script(), u"mine"_s);
+    EXPECT_EQ(packages->text(), u"git, curl"_s);
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+// What a user does on the Run screen, in a call each.
+
+#include "ContentView/Colours.h"
+#include "ContentView/MachinePicker.h"
+#include "ContentView/PlainLabel.h"
+#include "ContentView/RunView.h"
+#include "ContentView/ScriptEditor.h"
+#include "ContentView/Spinner.h"
+#include "Screens/TestWindow.h"
+
+#include <QAbstractItemView>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QDir>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+using ByName::find;
+using ByName::isOffered;
+using ByName::press;
+using ByName::shows;
+
+inline const auto packagesField = u"Packages, e.g. git curl"_s;
+inline const auto warning =
+    u"Warning: a script can change or delete files in a shared folder. The command runs with that folder "
+    "as its working directory."_s;
+inline const auto nothingPersists =
+    u"Each run creates a fresh machine, runs in it, then deletes it. Nothing persists."_s;
+inline const auto startHint = u"Start OrbStack to run commands."_s;
+
+inline void confirmDisposable()
+{
+    QSettings().setValue(u"disposableConfirmed"_s, true);
+}
+
+inline QMessageBox *alert()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        auto *box = qobject_cast<QMessageBox *>(widget);
+        if (box != nullptr && box->isVisible())
+            return box;
+    }
+    return nullptr;
+}
+
+inline QCheckBox *toggle(const QWidget &content, const QString &name)
+{
+    return find<QCheckBox>(content, name);
+}
+
+inline QFileDialog *openFolderDialog(ContentView &content)
+{
+    press(content, u"Share a folder…"_s);
+    return content.findChild<QFileDialog *>();
+}
+
+inline void shareFolder(ContentView &content, const QString &path)
+{
+    QFileDialog *dialog = openFolderDialog(content);
+    ASSERT_NE(dialog, nullptr);
+    dialog->findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(path);
+    press(*dialog, u"Share"_s);
+    EXPECT_FALSE(dialog->isVisible());
+}
+
+inline QString runScript(TestWindow &window, const QString &script)
+{
+    window.run.setScript(script);
+    press(window.content(), u"Run"_s);
+    EXPECT_TRUE(waitUntil([&] { return !window.run.isRunning(); }));
+    return window.run.plainText();
+}
