@@ -5,8 +5,8 @@
 #include "FrameWatch.h"
 #include "Measuring.h"
 #include "OutputArguments.h"
-#include "ProcessMemory.h"
 #include "RealWindow.h"
+#include "Support/ProcessMemory.h"
 
 using namespace Qt::StringLiterals;
 

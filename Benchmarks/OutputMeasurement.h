@@ -5,7 +5,7 @@
 
 #include "FrameWatch.h"
 #include "Measuring.h"
-#include "ProcessMemory.h"
+#include "Support/ProcessMemory.h"
 
 #include <QTimer>
 

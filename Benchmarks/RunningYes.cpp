@@ -1,30 +1,28 @@
-// Whether a child that never stops printing can be left alone: the main thread's gaps, the memory, and what a stop and
-// a clear cost at the end. All of it goes into one segment of a transcript, at the pace the application allows.
+// Whether a script that never stops printing can be left alone in the real window: the gaps between two turns of the
+// event loop, the frames, the memory; how it scrolls through what is far from the end, and what Stop and Clear cost.
 //
-// RunningYes [SECONDS] [SHELL COMMAND]
+// RunningYes [SECONDS] [SCRIPT]
 
+#include "FrameWatch.h"
 #include "Measuring.h"
-#include "OrbCLI/OrbCLI.h"
-#include "RunController/OutputPace.h"
-#include "RunController/Transcript.h"
-#include "Support/ResidentMemory.h"
+#include "RealWindow.h"
+#include "Support/ProcessMemory.h"
 
-#include <QCoreApplication>
+#include <QScrollBar>
 #include <QTimer>
 
-#include <thread>
+#include <random>
+
+using namespace Qt::StringLiterals;
 
 namespace
 {
 
-/// What the program may keep after a clear.
-constexpr std::int64_t allowance = std::int64_t{16} * 1024 * 1024;
-
 using Clock = std::chrono::steady_clock;
 
-double secondsSince(Clock::time_point moment)
+double millisecondsSince(Clock::time_point moment)
 {
-    return std::chrono::duration<double>(Clock::now() - moment).count();
+    return std::chrono::duration<double, std::milli>(Clock::now() - moment).count();
 }
 
 double mebibytes(std::int64_t bytes)
@@ -32,68 +30,97 @@ double mebibytes(std::int64_t bytes)
     return static_cast<double>(bytes) / (1024 * 1024);
 }
 
+void report(const RunController &run)
+{
+    std::printf("  %9.0f MiB shown, %5.0f MiB held by the transcript, %5.0f MiB resident\n",
+                mebibytes(run.transcript().end() - run.transcript().begin()), mebibytes(run.transcript().memory()),
+                mebibytes(residentMemory()));
+    std::fflush(stdout);
+}
+
+/// Jumps with the scroll bar to places anywhere in the text, each until it is painted.
+std::vector<double> scrollAbout(FrameWatch &frames, OutputPane &pane)
+{
+    std::mt19937 random(1);
+    std::vector<double> times;
+    for (int jump = 0; jump < 100; ++jump) {
+        const int place = std::uniform_int_distribution<int>(0, pane.verticalScrollBar()->maximum())(random);
+        frames.watch(pane.viewport());
+        const Clock::time_point start = Clock::now();
+        pane.verticalScrollBar()->setValue(place);
+        pane.viewport()->repaint();
+        times.push_back(millisecondsSince(start));
+        QApplication::processEvents();
+    }
+    return times;
+}
+
 } // namespace
 
 int main(int argumentCount, char *arguments[])
 {
-    const QCoreApplication application(argumentCount, arguments);
-    const double seconds = argumentCount > 1 ? std::atof(arguments[1]) : 60;
-    const QString command = QString::fromLocal8Bit(argumentCount > 2 ? arguments[2] : "exec yes");
+    FrameWatch frames(argumentCount, arguments);
+    const int seconds = argumentCount > 1 ? std::atoi(arguments[1]) : 60;
+    const QString script = QString::fromLocal8Bit(argumentCount > 2 ? arguments[2] : "exec yes");
+    RealWindow real;
+    real.type(script);
+    QTest::qWait(500); // the first listing and its painting are over
+    const std::int64_t idle = residentMemory();
+    std::int64_t peak = idle;
 
     std::vector<double> gaps;
-    Clock::time_point last = Clock::now();
+    Clock::time_point last;
     QTimer heartbeat;
     heartbeat.setTimerType(Qt::PreciseTimer);
     heartbeat.callOnTimeout([&] {
-        gaps.push_back(secondsSince(last));
+        gaps.push_back(millisecondsSince(last));
         last = Clock::now();
+        peak = std::max(peak, gaps.size() % 64 == 0 ? residentMemory() : 0);
     });
-    heartbeat.start(1);
-
-    const std::int64_t idle = residentMemory();
-    std::int64_t peak = 0;
-    Transcript transcript;
-    const auto report = [&] {
-        peak = std::max(peak, residentMemory());
-        std::printf("%8.0f MiB shown, %5.0f MiB held by the transcript, %5.0f MiB resident\n",
-                    mebibytes(transcript.end()), mebibytes(transcript.memory()), mebibytes(residentMemory()));
-        std::fflush(stdout);
-    };
     QTimer looks;
-    looks.callOnTimeout(report);
-    looks.start(static_cast<int>(seconds * 1000 / 10));
+    looks.callOnTimeout([&] { report(real.run()); });
+    looks.start(seconds * 1000 / 10);
 
-    Clock::time_point stopped;
-    ProcessHandlePointer child;
-    const OutputPace pace;
-    child = OrbCLI::stream(
-        QStringLiteral("/bin/sh"), {QStringLiteral("-c"), command}, std::nullopt, std::nullopt,
-        [&](QUtf8StringView text, bool) {
-            const std::int64_t before = transcript.memory();
-            transcript.append(text, OutputKind::out);
-            child->pauseOutput(pace.pauseAfter(before, transcript.memory()));
-        },
-        [](int, const ProcessHandlePointer &) { QCoreApplication::quit(); });
-    QTimer::singleShot(static_cast<int>(seconds * 1000), Qt::PreciseTimer, &application, [&] {
-        stopped = Clock::now();
-        child->cancel();
-    });
-    QCoreApplication::exec();
-    const double untilEnd = secondsSince(stopped);
-    report();
-    const double clearing = secondsFor([&] { transcript.clear(); });
-    const Clock::time_point cleared = Clock::now();
-    while (residentMemory() > idle + allowance && secondsSince(cleared) < 5)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    const double returning = secondsSince(cleared);
+    std::printf("%s for %d s\n", script.toLocal8Bit().constData(), seconds);
+    frames.watch(real.pane().viewport());
+    real.press(u"Run"_s);
+    last = Clock::now();
+    const Clock::time_point start = last;
+    heartbeat.start(1);
+    while (millisecondsSince(start) < seconds * 1000)
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    const Transcript &transcript = real.run().transcript();
+    const double shown = mebibytes(transcript.end() - transcript.begin());
+    const int frameCount = frames.count();
+    const std::vector<double> flooded = std::exchange(gaps, {});
+    looks.stop();
+    const std::vector<double> scrolled = scrollAbout(frames, real.pane());
 
-    std::printf("%s for %.0f s: %.0f MiB/s\n", command.toLocal8Bit().constData(), seconds,
-                mebibytes(transcript.end()) / seconds);
-    std::printf("  %zu turns of the event loop: longest gap %.2f ms, p99 %.2f ms, median %.2f ms\n", gaps.size(),
-                *std::max_element(gaps.begin(), gaps.end()) * 1e3, percentile(gaps, 0.99) * 1e3, median(gaps) * 1e3);
-    std::printf("  from the stop to the end %.1f ms; the clear %.1f ms, and %.1f ms later all is given back\n",
-                untilEnd * 1e3, clearing * 1e3, returning * 1e3);
-    std::printf("  resident: %.0f MiB at the start, %.0f MiB at most, %.0f MiB after the clear\n", mebibytes(idle),
-                mebibytes(peak), mebibytes(residentMemory()));
-    return 0;
+    // The line that tells of the stop is of another kind, and makes the transcript drop the flood.
+    last = Clock::now();
+    gaps.clear();
+    const Clock::time_point stopped = last;
+    // There is another Stop: OrbStack's.
+    QTest::mouseClick(ByName::find<QAbstractButton>(real.window(), u"Stop"_s, u"Stop the run"_s), Qt::LeftButton);
+    while (real.run().isRunning())
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    const double stopping = millisecondsSince(stopped);
+    frames.watch(real.pane().viewport());
+    real.press(u"Clear"_s);
+    frames.waitForFrame();
+    QTest::qWait(50);
+    const double worstAtEnd = percentile(gaps, 1);
+    const bool isBack = waitUntil([&] { return residentMemory() < idle + std::int64_t{32} * 1024 * 1024; });
+    const double returning = millisecondsSince(stopped);
+
+    std::printf("  %.0f MiB/s; gap p99 %.1f ms, worst %.1f ms; %.0f frames a second\n", shown / seconds,
+                percentile(flooded, 0.99), percentile(flooded, 1), static_cast<double>(frameCount) / seconds);
+    std::printf("  a jump with the scroll bar: median %.1f ms, worst %.1f ms\n", median(scrolled),
+                percentile(scrolled, 1));
+    std::printf("  Stop: the run has ended after %.0f ms; worst gap until Clear is painted %.1f ms\n", stopping,
+                worstAtEnd);
+    std::printf("  resident: %.0f MiB idle, %.0f MiB at most, %.0f MiB after Clear (%s, %.0f ms after Stop)\n",
+                mebibytes(idle), mebibytes(peak), mebibytes(residentMemory()), isBack ? "given back" : "NOT GIVEN BACK",
+                returning);
+    return isBack ? 0 : 1;
 }

@@ -1,6 +1,6 @@
 #include "RunController/ColdBlocks.h"
 
-#include "Support/ResidentMemory.h"
+#include "Support/ProcessMemory.h"
 #include "Support/Waiting.h"
 #include "Unit/RunController/RandomText.h"
 
