@@ -1,11 +1,11 @@
 #include "RunController/PageMemory.h"
 
+#include <chrono>
 #include <iterator>
 #include <new>
 #include <system_error>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include <sys/mman.h>
 
@@ -48,9 +48,25 @@ void PageMemory::giveBackFront(std::deque<PageMemory> &list, std::size_t count)
     if (size < many)
         return;
     try {
-        std::thread([held = std::move(given)] {}).detach();
+        std::thread(giveBackSlowly, std::move(given)).detach();
     } catch (const std::system_error &) {
         // No thread is to be had: then they are given back here, by whoever holds them now.
         return;
+    }
+}
+
+void PageMemory::giveBackSlowly(std::vector<PageMemory> given)
+{
+    constexpr std::size_t step = std::size_t{4} * 1024 * 1024;
+    constexpr auto nap = std::chrono::microseconds(200);
+    std::size_t sinceNap = 0;
+    while (!given.empty()) {
+        sinceNap += given.back().m_size;
+        given.pop_back();
+        if (sinceNap >= step) {
+            // All threads of a process share one lock on its memory: without a gap the window's would hardly get it.
+            std::this_thread::sleep_for(nap);
+            sinceNap = 0;
+        }
     }
 }

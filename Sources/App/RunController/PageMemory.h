@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <vector>
 
 class PageMemory
 {
@@ -23,6 +24,8 @@ public:
     static void giveBackFront(std::deque<PageMemory> &list, std::size_t count);
 
 private:
+    static void giveBackSlowly(std::vector<PageMemory> given);
+
     char *m_data = nullptr;
     std::size_t m_size = 0;
 };
