@@ -56,7 +56,7 @@ TEST_F(OutputCopyTest, RefusesMoreWithANoticeAndLeavesTheClipboardAlone)
     ASSERT_NE(notice, nullptr);
     EXPECT_TRUE(notice->isVisible());
     EXPECT_EQ(notice->text(), u"This is too much output to copy."_s);
-    EXPECT_EQ(notice->informativeText(), u"Select 1 GiB or less and copy that."_s);
+    EXPECT_EQ(notice->informativeText(), u"Select 512 MiB or less and copy that."_s);
     ASSERT_EQ(notice->buttons().size(), 1);
     notice->buttons().first()->click();
     EXPECT_TRUE(waitUntil([this] { return window.findChild<QMessageBox *>() == nullptr; }));

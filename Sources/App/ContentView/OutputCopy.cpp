@@ -11,7 +11,7 @@ void OutputCopy::copy(QWidget *widget, const Transcript &transcript, Transcript:
                       Transcript::Position bound)
 {
     if (to - from > bound)
-        Alert::tell(widget, u"This is too much output to copy."_s, u"Select 1 GiB or less and copy that."_s);
+        Alert::tell(widget, u"This is too much output to copy."_s, u"Select 512 MiB or less and copy that."_s);
     else
         QGuiApplication::clipboard()->setText(transcript.text().text(from, to));
 }

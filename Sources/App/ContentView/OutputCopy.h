@@ -9,8 +9,9 @@ class QWidget;
 namespace OutputCopy
 {
 
-/// The clipboard holds all of a text at once, in twice its bytes, and the reader's window waits for it to be made.
-constexpr Transcript::Position most = Transcript::Position{1024} * 1024 * 1024;
+/// The clipboard holds all of a text at once, in twice its bytes, and the window waits for it to be made: about a
+/// second for so much.
+constexpr Transcript::Position most = Transcript::Position{512} * 1024 * 1024;
 
 /// Puts what stands between two positions on the clipboard. More than `bound` bytes are refused, with a notice over the
 /// window of `widget`; the clipboard then keeps what it held.
