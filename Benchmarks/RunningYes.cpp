@@ -69,23 +69,25 @@ int main(int argumentCount, char *arguments[])
     std::int64_t peak = idle;
 
     std::vector<double> gaps;
+    Clock::time_point start;
     Clock::time_point last;
+    QTimer looks;
     QTimer heartbeat;
     heartbeat.setTimerType(Qt::PreciseTimer);
     heartbeat.callOnTimeout([&] {
         gaps.push_back(millisecondsSince(last));
+        if (gaps.back() > 20 && looks.isActive())
+            std::printf("  a gap of %.1f ms after %.1f s\n", gaps.back(), millisecondsSince(start) / 1000);
         last = Clock::now();
         peak = std::max(peak, gaps.size() % 64 == 0 ? residentMemory() : 0);
     });
-    QTimer looks;
     looks.callOnTimeout([&] { report(real.run()); });
     looks.start(seconds * 1000 / 10);
 
     std::printf("%s for %d s\n", script.toLocal8Bit().constData(), seconds);
     frames.watch(real.pane().viewport());
     real.press(u"Run"_s);
-    last = Clock::now();
-    const Clock::time_point start = last;
+    start = last = Clock::now();
     heartbeat.start(1);
     while (millisecondsSince(start) < seconds * 1000)
         QApplication::processEvents(QEventLoop::WaitForMoreEvents);
