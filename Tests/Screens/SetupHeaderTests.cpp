@@ -44,11 +44,17 @@ QColor textColour(const QWidget &header, const QString &text)
     return label == nullptr ? QColor() : label->palette().color(QPalette::WindowText);
 }
 
+QList<NoteText *> visibleNotes(const SetupHeader &header)
+{
+    QList<NoteText *> notes = header.findChildren<NoteText *>();
+    notes.removeIf([](const NoteText *note) { return !note->isVisible(); });
+    return notes;
+}
+
 bool holdsOnlyTheStatusRow(const SetupHeader &header)
 {
     return find<QProgressBar>(header, u"In progress"_s) == nullptr && find<LogBox>(header, u"Setup log"_s) == nullptr &&
-           !header.findChild<NoteText *>()->isVisible() && !shows(header, site) && !shows(header, what) &&
-           !shows(header, tooOld);
+           visibleNotes(header).isEmpty() && !shows(header, site) && !shows(header, what) && !shows(header, tooOld);
 }
 
 } // namespace
@@ -200,8 +206,11 @@ TEST(SetupHeader, ShowsAnyFailureAsPlainTextOfBoundedSize)
     ContentView &content = window.show();
     ASSERT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::running; }));
     press(headerOf(content), u"Stop"_s);
-    const auto *note = headerOf(content).findChild<NoteText *>();
-    EXPECT_TRUE(waitUntil([&] { return note->shownText().size() > 1000000; }));
+    const NoteText *note = nullptr;
+    ASSERT_TRUE(waitUntil([&] {
+        note = headerOf(content).findChild<NoteText *>();
+        return note != nullptr && note->shownText().size() > 1000000;
+    }));
     EXPECT_TRUE(note->shownText().startsWith(u"Stop failed: <b>bold</b> xxx"_s));
     QTest::qWait(0);
     EXPECT_LE(note->height(), 120);

@@ -61,18 +61,14 @@ SetupHeader::SetupHeader(SetupController &setup, QWidget *parent) : QWidget(pare
     m_progress = new QWidget(this);
     m_progress->setLayout(makeProgressRow());
     layout->addWidget(m_progress);
-    m_note = new NoteText(Typography::callout(), Colours::secondary, this);
-    layout->addWidget(m_note);
-    m_log = new LogBox(u"Setup log"_s, logHeight, [&setup] { return setup.log(); }, this);
-    m_log->hideWhileEmpty();
-    layout->addWidget(m_log);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 
     for (const auto changed : {&SetupController::stateChanged, &SetupController::hasBrewChanged,
                                &SetupController::busyChanged, &SetupController::noteChanged})
         connect(&setup, changed, this, &SetupHeader::showFields);
-    connect(&setup, &SetupController::logChanged, m_log, &LogBox::reload);
+    connect(&setup, &SetupController::logChanged, this, &SetupHeader::showLog);
     showFields();
+    showLog();
 }
 
 QLayout *SetupHeader::makeStatusRow()
@@ -118,8 +114,7 @@ void SetupHeader::showFields()
     m_progress->setVisible(m_setup.busy());
     showButtons();
     showExplanation();
-    m_note->setText(m_setup.note());
-    m_note->setVisible(!m_setup.note().isEmpty());
+    showNote();
     keepFocus(focused);
 }
 
@@ -147,6 +142,31 @@ void SetupHeader::showExplanation()
         m_explanation->setText(m_setup.hasBrew() ? whatItIs : noHomebrew);
     }
     m_explanation->setVisible(!m_setup.macSupported() || isMissing);
+}
+
+void SetupHeader::showNote()
+{
+    const QString note = m_setup.note();
+    if (m_note == nullptr && !note.isEmpty()) {
+        m_note = new NoteText(Typography::callout(), Colours::secondary, this);
+        auto *column = static_cast<QVBoxLayout *>(layout());
+        column->insertWidget(column->indexOf(m_progress) + 1, m_note);
+    }
+    if (m_note == nullptr)
+        return;
+    m_note->setText(note);
+    m_note->setVisible(!note.isEmpty());
+}
+
+void SetupHeader::showLog()
+{
+    if (m_log != nullptr) {
+        m_log->reload();
+    } else if (!m_setup.log().isEmpty()) {
+        m_log = new LogBox(u"Setup log"_s, logHeight, [&setup = m_setup] { return setup.log(); }, this);
+        layout()->addWidget(m_log);
+        m_log->hideWhileEmpty();
+    }
 }
 
 void SetupHeader::keepFocus(QWidget *focused)

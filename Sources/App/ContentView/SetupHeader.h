@@ -25,6 +25,8 @@ private:
     void showFields();
     void showButtons();
     void showExplanation();
+    void showNote();
+    void showLog();
     void keepFocus(QWidget *focused);
 
     SetupController &m_setup;
@@ -37,6 +39,7 @@ private:
     PlainLabel *m_explanation = nullptr;
     QWidget *m_progress = nullptr;
     QPushButton *m_cancel = nullptr;
+    /// These two are made when they first have something to show: that is rare, and the first paint need not wait.
     NoteText *m_note = nullptr;
     LogBox *m_log = nullptr;
 };
