@@ -29,7 +29,13 @@ public:
 
 private:
     void addPlain(QByteArrayView text);
-    void addAny(QByteArrayView text);
+    /// `isEnded`: a line feed comes behind the text.
+    void addAny(QByteArrayView text, bool isEnded);
+    void addCells(std::int32_t cells)
+    {
+        m_openLine += cells;
+        m_cells += cells;
+    }
     void endLine()
     {
         ++m_lineFeeds;

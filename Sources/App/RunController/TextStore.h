@@ -103,9 +103,11 @@ private:
     /// Bytes of the front block's memory that were dropped.
     std::int32_t droppedOf(BlockNumber number) const { return number == m_firstBlock ? m_droppedOfFront : 0; }
     BlockNumber firstHotBlock() const { return m_firstBlock + m_cold.size(); }
+    /// Exact up to `longestMovedLine`; more is not looked at.
     qsizetype openLineBytes(BlockNumber number) const
     {
-        return block(number).size - 1 - bytes(number).lastIndexOf('\n');
+        const QByteArrayView tail = bytes(number).last(std::min(block(number).size, longestMovedLine + 1));
+        return tail.size() - 1 - tail.lastIndexOf('\n');
     }
     bool openLineMovesOn(BlockNumber number) const;
     qsizetype fill(QByteArrayView text);
