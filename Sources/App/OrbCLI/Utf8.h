@@ -1,6 +1,6 @@
 #pragma once
 
-// Walking over valid UTF-8. Nothing here checks: what enters the transcript is checked once, at its door.
+// Walking over valid UTF-8. Nothing here checks: the tool runner checks all that comes from outside, once.
 
 #include <QByteArrayView>
 

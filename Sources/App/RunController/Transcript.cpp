@@ -6,10 +6,6 @@
 void Transcript::append(QUtf8StringView text, OutputKind kind)
 {
     const QByteArrayView bytes(text.data(), text.size());
-    if (!bytes.isValidUtf8()) {
-        append(QUtf8StringView(text.toString().toUtf8()), kind);
-        return;
-    }
     if (m_segments.empty() || m_segments.back().kind != kind)
         m_segments.push_back({.id = QUuid::createUuid(), .begin = m_text.end(), .kind = kind});
     m_text.append(bytes);

@@ -166,13 +166,6 @@ TEST(Transcript, TellsTheKindAtEveryPosition)
     EXPECT_EQ(transcript.runAt(7).end, 7);
 }
 
-TEST(Transcript, ReplacesBytesThatAreNoText)
-{
-    Transcript transcript;
-    transcript.append(QByteArray("a\xff\xc3"), OutputKind::out);
-    EXPECT_EQ(transcript.plainText(), QString(u"a\ufffd\ufffd"_s));
-}
-
 TEST(Transcript, StartsAnewAfterAClear)
 {
     Transcript transcript;
