@@ -36,8 +36,8 @@ public:
         OutputKind kind = OutputKind::out;
     };
 
-    /// Adds `text` to the last segment when that has the same kind, else as a new segment. It must be valid UTF-8, as the
-    /// tool runner hands it on: looking through it again would take longer than adding it.
+    /// Adds `text` to the last segment when that has the same kind, else as a new segment. It must be valid UTF-8, as
+    /// the tool runner hands it on: looking through it again would take longer than adding it.
     void append(QUtf8StringView text, OutputKind kind);
 
     /// Removes everything and gives the memory back.
