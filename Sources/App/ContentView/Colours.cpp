@@ -12,14 +12,6 @@ QColor toned(const QPalette &palette, QRgb onLight, QRgb onDark)
     return QColor::fromRgb(Colours::isDark(palette) ? onDark : onLight);
 }
 
-/// `over` covering a share of `under`.
-QColor mixed(const QColor &over, const QColor &under, float share)
-{
-    const auto channel = [share](float upper, float lower) { return upper * share + lower * (1 - share); };
-    return QColor::fromRgbF(channel(over.redF(), under.redF()), channel(over.greenF(), under.greenF()),
-                            channel(over.blueF(), under.blueF()));
-}
-
 } // namespace
 
 bool Colours::isDark(const QPalette &palette)
@@ -87,9 +79,19 @@ QColor Colours::forKind(OutputKind kind, const QPalette &palette)
     Q_UNREACHABLE();
 }
 
-QColor Colours::paneTint()
+QColor Colours::mixed(const QColor &over, const QColor &under, float share)
 {
-    QColor tint = Qt::black;
-    tint.setAlphaF(0.06F);
-    return tint;
+    const auto channel = [share](float upper, float lower) { return upper * share + lower * (1 - share); };
+    return QColor::fromRgbF(channel(over.redF(), under.redF()), channel(over.greenF(), under.greenF()),
+                            channel(over.blueF(), under.blueF()));
+}
+
+QColor Colours::line(const QPalette &palette, float share)
+{
+    return mixed(secondary(palette), palette.color(QPalette::Window), share);
+}
+
+QColor Colours::pane(const QPalette &palette)
+{
+    return mixed(Qt::black, palette.color(QPalette::Window), 0.06F);
 }

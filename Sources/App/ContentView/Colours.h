@@ -31,7 +31,12 @@ QColor purple(const QPalette &palette);
 /// The text colour of a piece of output. `fail` is purple because red belongs to standard error alone.
 QColor forKind(OutputKind kind, const QPalette &palette);
 
-/// The translucent tint of the output pane and of log boxes over whatever lies beneath: black at 6 %, light and dark.
-QColor paneTint();
+/// `over` covering a share, 0 to 1, of `under`; opaque. For what is large: Qt shares out a large translucent shape
+/// among threads, and waking those takes longer than painting it.
+QColor mixed(const QColor &over, const QColor &under, float share);
+/// Lines and frames on a window: secondary text covering that share of the window's colour.
+QColor line(const QPalette &palette, float share);
+/// The ground of the output pane and of log boxes: black covering 6 % of the window's colour, light and dark.
+QColor pane(const QPalette &palette);
 
 } // namespace Colours

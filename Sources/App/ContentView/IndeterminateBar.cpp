@@ -56,9 +56,7 @@ void IndeterminateBar::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     const double radius = height() / 2.0;
-    QColor groove = Colours::secondary(palette());
-    groove.setAlphaF(0.25F);
-    painter.setBrush(groove);
+    painter.setBrush(Colours::line(palette(), 0.25F));
     painter.drawRoundedRect(rect(), radius, radius);
 
     // It comes in at the left edge and leaves at the right one.

@@ -18,9 +18,7 @@ QPen outline(const QWidget &pane)
     if (!Colours::isDark(palette))
         return Qt::NoPen;
     // The tint can hardly be seen on a dark window; a faint line shows where the pane ends.
-    QColor line = Colours::secondary(palette);
-    line.setAlphaF(0.25F);
-    return line;
+    return Colours::line(palette, 0.25F);
 }
 
 } // namespace
@@ -30,6 +28,6 @@ void PaneFrame::paint(QWidget &pane)
     QPainter painter(&pane);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(outline(pane));
-    painter.setBrush(Colours::paneTint());
+    painter.setBrush(Colours::pane(pane.palette()));
     painter.drawRoundedRect(QRectF(pane.rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
 }

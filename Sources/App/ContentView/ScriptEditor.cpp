@@ -49,9 +49,7 @@ bool ScriptEditor::event(QEvent *event)
     if (event->type() == QEvent::Paint) {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        QColor frame = Colours::secondary(palette());
-        frame.setAlphaF(0.4F);
-        painter.setPen(hasFocus() ? palette().color(QPalette::Highlight) : frame);
+        painter.setPen(hasFocus() ? palette().color(QPalette::Highlight) : Colours::line(palette(), 0.4F));
         painter.setBrush(palette().color(QPalette::Base));
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
         return true;

@@ -40,20 +40,16 @@ void TabSelector::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     const bool isDark = Colours::isDark(palette());
 
-    QColor strip = isDark ? Qt::white : Qt::black;
-    strip.setAlphaF(0.08F);
+    const QColor strip = Colours::mixed(isDark ? Qt::white : Qt::black, palette().color(QPalette::Window), 0.08F);
     painter.setPen(Qt::NoPen);
     painter.setBrush(strip);
     painter.drawRoundedRect(rect(), stripRadius, stripRadius);
 
     for (int index = 0; index < count(); ++index) {
         if (index == currentIndex()) {
-            QColor raised = Qt::white;
-            raised.setAlphaF(isDark ? 0.22F : 1.0F);
-            QColor rim = Qt::black;
-            rim.setAlphaF(0.14F);
-            painter.setBrush(raised);
-            painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 2) : QPen(rim));
+            painter.setBrush(Colours::mixed(Qt::white, strip, isDark ? 0.22F : 1.0F));
+            painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 2)
+                                      : QPen(Colours::mixed(Qt::black, strip, 0.14F)));
             painter.drawRoundedRect(QRectF(tabRect(index)).adjusted(2, 2, -2, -2), segmentRadius, segmentRadius);
         }
         painter.setPen(palette().color(QPalette::WindowText));
