@@ -45,7 +45,7 @@ OutputPane::OutputPane(RunController &controller, QWidget *parent)
     setLineWidth(frameThickness);
     setMinimumHeight(lowest);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setAutoFillBackground(false);
     viewport()->setCursor(Qt::IBeamCursor);
     m_selection.moveTo({transcript().end(), false});
@@ -113,6 +113,8 @@ void OutputPane::updateScrollBar()
     // A slider in the user's hand stays where it is.
     if (bar->isSliderDown())
         return;
+    // Always there when there is something to show, so that no line is broken anew because it comes or goes.
+    setVerticalScrollBarPolicy(transcript().isEmpty() ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAlwaysOn);
     const QScopedValueRollback updating(m_updatesScrollBar, true);
     const qint64 height = m_view.contentHeight();
     m_pixelsPerStep = 1 + height / mostSteps;
