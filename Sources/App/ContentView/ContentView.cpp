@@ -21,6 +21,8 @@
 namespace
 {
 
+constexpr std::chrono::milliseconds untilPainted(20);
+
 // A task may wake after the window, and at the application's end after a controller, is gone.
 
 QCoro::Task<> refreshLists(QPointer<MachineStore> machines, QPointer<ContainerStore> containers)
@@ -46,12 +48,7 @@ public:
     explicit Divider(QWidget *parent) : QWidget(parent) { setFixedHeight(1); }
 
 protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QColor colour = Colours::secondary(palette());
-        colour.setAlphaF(0.4F);
-        QPainter(this).fillRect(rect(), colour);
-    }
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Colours::line(palette(), 0.4F)); }
 };
 
 } // namespace
@@ -121,8 +118,13 @@ void ContentView::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     // A spontaneous event only tells that the window was minimised or restored.
-    if (!event->spontaneous())
-        poll(++m_appearance);
+    if (event->spontaneous())
+        return;
+    // Starting a tool takes as long as painting the window, which the user waits for: that goes first.
+    QTimer::singleShot(untilPainted, this, [this, appearance = ++m_appearance] {
+        if (appearance == m_appearance)
+            poll(appearance);
+    });
 }
 
 void ContentView::hideEvent(QHideEvent *event)
