@@ -1,3 +1,4 @@
+#include "App/ApplicationStyle.h"
 #include "App/MainWindow.h"
 #include "App/TidewellApp.h"
 
@@ -11,6 +12,7 @@ int main(int argumentCount, char *arguments[])
     QApplication::setApplicationName(u"Tidewell"_s);
     QApplication::setOrganizationName(u"Tidewell"_s);
     QApplication::setApplicationVersion(QStringLiteral(TIDEWELL_VERSION));
+    QApplication::setStyle(new ApplicationStyle);
     TidewellApp tidewell;
     tidewell.window().show();
     return QApplication::exec();

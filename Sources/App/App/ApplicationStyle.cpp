@@ -1,0 +1,8 @@
+#include "App/ApplicationStyle.h"
+
+QIcon ApplicationStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
+{
+    if (icon == SP_ToolBarHorizontalExtensionButton)
+        return {};
+    return QProxyStyle::standardIcon(icon, option, widget);
+}
