@@ -86,3 +86,19 @@ TEST_F(OutputPaneTest, TakesTheCaretAlongOnlyFromTheEnd)
     EXPECT_TRUE(showsEnd());
     EXPECT_EQ(pane.selection().caret().position, 5);
 }
+
+TEST_F(OutputPaneTest, StandsInTheEmptyLastLineWhenItWentThere)
+{
+    run.append(u"one\ntwo\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    QTest::keySequence(&pane, QKeySequence::MoveToStartOfDocument);
+    QTest::keySequence(&pane, QKeySequence::MoveToNextLine);
+    QTest::keySequence(&pane, QKeySequence::MoveToNextLine);
+    QTest::keySequence(&pane, QKeySequence::MoveToEndOfLine);
+    EXPECT_EQ(pane.selection().caret().position, 8);
+    QTest::keySequence(&pane, QKeySequence::MoveToStartOfLine);
+    EXPECT_EQ(pane.selection().caret().position, 8);
+    QTest::keySequence(&pane, QKeySequence::MoveToNextLine);
+    QTest::keySequence(&pane, QKeySequence::MoveToPreviousLine);
+    EXPECT_EQ(pane.selection().caret().position, 4);
+}

@@ -68,8 +68,14 @@ double OutputPaneNavigation::xOf(OutputCaret caret) const
 
 OutputCaret OutputPaneNavigation::nearest(const Row &row, double x) const
 {
-    const Position position = m_rows.begin(row) + layOut(row).byteNearest(x);
-    return {position, position == m_rows.end(row)};
+    return caretIn(row, layOut(row).byteNearest(x));
+}
+
+/// At the row's end the caret stays in this row; one without any text is no row's end.
+OutputCaret OutputPaneNavigation::caretIn(const Row &row, qint64 byte) const
+{
+    const Position position = m_rows.begin(row) + byte;
+    return {position, byte > 0 && position == m_rows.end(row)};
 }
 
 TextStore::Position OutputPaneNavigation::nextCharacter(Position position) const
@@ -125,8 +131,7 @@ OutputCaret OutputPaneNavigation::rowBegin(OutputCaret caret) const
 OutputCaret OutputPaneNavigation::rowEnd(OutputCaret caret) const
 {
     const Row row = rowOf(caret);
-    const Position position = m_rows.begin(row) + layOut(row).endOfText();
-    return {position, position == m_rows.end(row)};
+    return caretIn(row, layOut(row).endOfText());
 }
 
 OutputCaret OutputPaneNavigation::lineEnd(Position position) const

@@ -52,6 +52,8 @@ public:
     OutputRange lineAt(Position position) const;
 
 private:
+    OutputCaret caretIn(const Row &row, qint64 byte) const;
+
     OutputPaneRows &m_rows;
     const OutputPaneFont &m_font;
 };
