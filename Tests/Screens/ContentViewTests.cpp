@@ -282,3 +282,21 @@ TEST(ContentView, FitsItsSmallestSizeByScrollingTheScreen)
     EXPECT_GE(content.findChild<QScrollArea *>()->y(),
               ByName::find<QWidget>(content, u"Setup log"_s)->geometry().bottom());
 }
+
+TEST(ContentView, AsksOnceHoweverQuicklyItIsHiddenAndShownAgain)
+{
+    TestWindow window;
+    {
+        ContentView gone(window.controllers());
+        gone.show();
+    }
+    ContentView content(window.controllers());
+    for (int round = 0; round < 5; ++round) {
+        content.show();
+        content.hide();
+    }
+    content.show();
+    EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
+    EXPECT_TRUE(waitFor(window.setup.refresh()));
+    EXPECT_EQ(window.orbStack.calls(status), 2);
+}

@@ -3,6 +3,7 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QMenu>
+#include <QStyleOptionSlider>
 #include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
@@ -173,4 +174,44 @@ TEST_F(OutputPaneTest, ScrollsByTheWheelHoweverFinelyItTurns)
     place = bar.value();
     turnWheel(pane, 120, 7);
     EXPECT_EQ(place - bar.value(), 7) << "a touch pad says how many pixels";
+}
+
+TEST_F(OutputPaneTest, HoldsStillUnderTheMouseAlsoWhereTheEndIsInView)
+{
+    fill();
+    const TextStore::Position word = run.transcript().end() - 30;
+    const QRect place = pane.characterRect(word);
+    press(place.center());
+    const int length = pane.verticalScrollBar()->maximum();
+    for (int line = 0; line < 5; ++line)
+        run.append(u"more\n"_s, OutputKind::out);
+    EXPECT_TRUE(waitUntil([&] { return pane.verticalScrollBar()->maximum() > length; }));
+    EXPECT_EQ(pane.characterRect(word), place);
+    drag(place.center());
+    EXPECT_EQ(pane.selectedText(), QString());
+    release(place.center());
+    EXPECT_TRUE(showsEnd());
+}
+
+TEST_F(OutputPaneTest, FollowsTheEndAlsoWhenTheReleaseOfItsSliderWentElsewhere)
+{
+    fill();
+    QScrollBar &bar = *pane.verticalScrollBar();
+    bar.setValue(0);
+    QStyleOptionSlider option;
+    option.initFrom(&bar);
+    option.orientation = Qt::Vertical;
+    option.minimum = bar.minimum();
+    option.maximum = bar.maximum();
+    option.pageStep = bar.pageStep();
+    const QRect slider = bar.style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, &bar);
+    QTest::mousePress(&bar, Qt::LeftButton, {}, slider.center());
+    ASSERT_TRUE(bar.isSliderDown());
+    run.append(u"held\n"_s, OutputKind::out);
+    QApplication::processEvents();
+    EXPECT_EQ(bar.value(), 0);
+    QWidget question;
+    QTest::mouseRelease(&question, Qt::LeftButton);
+    run.append(u"more\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
 }

@@ -238,3 +238,52 @@ TEST_F(OutputPaneTest, StartsAnewAfterAClearOfWhatWasScrolled)
     run.append(u"anew\n"_s, OutputKind::out);
     EXPECT_TRUE(showsEnd());
 }
+
+TEST_F(OutputPaneTest, ComesBackToWhatWasReadWhenItIsResizedAndBack)
+{
+    QString text;
+    for (int word = 0; word < 20'000; ++word)
+        text += QString::number(word) + u' ';
+    run.append(text, OutputKind::out);
+    ASSERT_TRUE(waitUntil([this] { return pane.verticalScrollBar()->maximum() > 0; }));
+    pane.verticalScrollBar()->setValue(pane.verticalScrollBar()->maximum() / 2);
+    const TextStore::Position top = pane.positionAt({0, 0});
+    for (int width = 640; width > 400; width -= 3)
+        pane.resize(width, pane.height());
+    for (int height = 300; height < 800; height += 50)
+        pane.resize(pane.width(), height);
+    QApplication::processEvents();
+    pane.resize(640, 300);
+    EXPECT_EQ(pane.positionAt({0, 0}), top);
+}
+
+TEST_F(OutputPaneTest, HasAScrollBarWhileThereIsSomethingToShow)
+{
+    const QScrollBar &bar = *pane.verticalScrollBar();
+    const int whole = pane.viewport()->width();
+    EXPECT_FALSE(bar.isVisible());
+    fill();
+    EXPECT_TRUE(bar.isVisible());
+    EXPECT_EQ(pane.viewport()->width(), whole - bar.width());
+    run.append(QString(1000, u'x'), OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    // No character is behind the bar.
+    TextStore::Position x = run.transcript().end() - 1000;
+    for (; x < run.transcript().end(); ++x)
+        EXPECT_LE(pane.characterRect(x).right(), pane.viewport()->width());
+    run.clearTranscript();
+    EXPECT_TRUE(waitUntil([&] { return !bar.isVisible(); }));
+    EXPECT_EQ(pane.viewport()->width(), whole);
+    pane.resize(500, 200);
+    run.append(QString(100'000, u'x'), OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    EXPECT_TRUE(waitUntil([&] { return bar.isVisible(); }));
+    pane.hide();
+    run.clearTranscript();
+    pane.show();
+    EXPECT_FALSE(bar.isVisible());
+    pane.hide();
+    run.append(u"again"_s, OutputKind::out);
+    pane.show();
+    EXPECT_TRUE(bar.isVisible());
+}

@@ -93,6 +93,8 @@ private:
     /// ends here.
     bool isHeld();
     void endDrag();
+    /// The same for the scroll bar's slider.
+    bool isSliderHeld();
     OutputCaret caretAt(QPoint point);
     OutputRange unitAt(QPoint point);
 

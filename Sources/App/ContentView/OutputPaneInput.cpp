@@ -174,6 +174,7 @@ void OutputPane::press(QPoint point, Unit unit, bool extends)
         m_selection.extendTo(caretAt(point));
     else
         m_selection.moveTo(caretAt(point));
+    m_view.hold();
     selectionMoved();
 }
 
@@ -187,6 +188,7 @@ void OutputPane::dragTo(QPoint point)
         m_selection.extendTo(caretAt(point));
     else
         m_selection.extendTo(unitAt(point));
+    m_view.hold();
     selectionMoved();
 
     const bool outside = point.y() < 0 || point.y() >= viewport()->height();
@@ -207,6 +209,15 @@ void OutputPane::endDrag()
 {
     m_dragUnit = Unit::none;
     m_autoScroll.stop();
+    m_view.letGo();
+}
+
+bool OutputPane::isSliderHeld()
+{
+    QScrollBar *const bar = verticalScrollBar();
+    if (bar->isSliderDown() && !QGuiApplication::mouseButtons().testFlag(Qt::LeftButton))
+        bar->setSliderDown(false);
+    return bar->isSliderDown();
 }
 
 void OutputPane::mousePressEvent(QMouseEvent *event)

@@ -1,6 +1,7 @@
 #include "ContentView/OutputPaneViewport.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace
 {
@@ -30,6 +31,12 @@ std::vector<OutputPaneViewport::VisibleRow> OutputPaneViewport::visibleRows()
     return visible;
 }
 
+void OutputPaneViewport::hold()
+{
+    if (m_isAtEnd && !m_rows.isEmpty())
+        keep(topAtEnd());
+}
+
 void OutputPaneViewport::scrollBy(qint64 pixels)
 {
     if (m_rows.isEmpty())
@@ -54,10 +61,7 @@ void OutputPaneViewport::scrollTo(qint64 pixels)
 void OutputPaneViewport::show(const Row &row)
 {
     const Top place = top();
-    const auto isBefore = [](const Row &one, const Row &other) {
-        return one.block != other.block ? one.block < other.block : one.index < other.index;
-    };
-    if (isBefore(row, place.row) || (row == place.row && place.above > 0)) {
+    if (isBefore({row, 0}, place)) {
         setTop({row, row == m_rows.first() ? -padding : 0});
         return;
     }
@@ -82,16 +86,20 @@ qint64 OutputPaneViewport::contentAbove()
     return padding + m_rows.countBefore(place.row) * m_rowHeight + place.above;
 }
 
+bool OutputPaneViewport::isBefore(const Top &one, const Top &other)
+{
+    return std::tie(one.row.block, one.row.index, one.above) < std::tie(other.row.block, other.row.index, other.above);
+}
+
 OutputPaneViewport::Top OutputPaneViewport::top()
 {
+    const Top last = topAtEnd();
     if (m_isAtEnd)
-        return topAtEnd();
+        return last;
     // What was there may have been dropped since, or stand in another row at another width.
-    if (m_topPosition < m_rows.text().begin())
-        setTop({m_rows.first(), -padding});
-    else
-        setTop({m_rows.at(m_topPosition), m_above});
-    return m_isAtEnd ? topAtEnd() : Top{m_rows.at(m_topPosition), m_above};
+    const bool isDropped = m_topPosition < m_rows.text().begin();
+    const Top place = within(isDropped ? Top{m_rows.first(), -padding} : Top{m_rows.at(m_topPosition), m_above});
+    return isBefore(place, last) ? place : last;
 }
 
 /// The place from which the rows reach exactly to the bottom; the start when they do not fill the viewport.
@@ -104,8 +112,8 @@ OutputPaneViewport::Top OutputPaneViewport::topAtEnd()
     return place;
 }
 
-/// Takes a place whose distance may be any number, and brings it within the row and the content.
-void OutputPaneViewport::setTop(Top top)
+/// A place whose distance may be any number, brought within the row and the content.
+OutputPaneViewport::Top OutputPaneViewport::within(Top top)
 {
     while (top.above < 0 && m_rows.previous(top.row))
         top.above += m_rowHeight;
@@ -113,11 +121,19 @@ void OutputPaneViewport::setTop(Top top)
         top.above -= m_rowHeight;
     if (top.row == m_rows.first())
         top.above = std::max<qint64>(top.above, -padding);
+    return top;
+}
 
-    const Top last = topAtEnd();
-    m_isAtEnd = top.row.block > last.row.block ||
-                (top.row.block == last.row.block &&
-                 (top.row.index > last.row.index || (top.row.index == last.row.index && top.above >= last.above)));
+void OutputPaneViewport::setTop(Top top)
+{
+    top = within(top);
+    keep(top);
+    m_isAtEnd = !isBefore(top, topAtEnd());
+}
+
+void OutputPaneViewport::keep(const Top &top)
+{
+    m_isAtEnd = false;
     m_topPosition = m_rows.begin(top.row);
     m_above = top.above;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
 // Which rows of the output stand where in the pane: the scroll position, held as a place in the text (so that neither a
-// new width nor a dropped front moves what the reader looks at) or as "the end", which stays the end. Heights are
-// pixels. The whole content is the rows with a padding above and below, and one pixel more at the very bottom.
+// new width nor a dropped front moves what the reader looks at, and the width of before brings it back) or as "the
+// end", which stays the end. Heights are pixels. The whole content is the rows with a padding above and below, and one
+// pixel more at the very bottom.
 
 #include "ContentView/OutputPaneRows.h"
 
@@ -31,6 +32,9 @@ public:
 
     bool isAtEnd() const { return m_isAtEnd; }
     void scrollToEnd() { m_isAtEnd = true; }
+    /// Stays where it is, also at the end; whoever scrolls next, or lets go, may be at the end again.
+    void hold();
+    void letGo() { scrollBy(0); }
     /// Scrolls down, or up by a negative number; not past the ends.
     void scrollBy(qint64 pixels);
     /// Scrolls to a place among the whole content, as near as the count of rows is known.
@@ -50,9 +54,12 @@ private:
         qint64 above = 0;
     };
 
+    static bool isBefore(const Top &one, const Top &other);
     Top top();
     Top topAtEnd();
+    Top within(Top top);
     void setTop(Top top);
+    void keep(const Top &top);
 
     OutputPaneRows &m_rows;
     int m_viewportHeight = 0;
