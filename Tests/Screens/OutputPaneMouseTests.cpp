@@ -215,3 +215,22 @@ TEST_F(OutputPaneTest, FollowsTheEndAlsoWhenTheReleaseOfItsSliderWentElsewhere)
     run.append(u"more\n"_s, OutputKind::out);
     EXPECT_TRUE(showsEnd());
 }
+
+TEST_F(OutputPaneTest, FindsEveryCharacterWhereItIsDrawn)
+{
+    for (const QString &line : {u"\u05e9\u05dc\u05d5\u05dd\n"_s, u"ls \u0645\u0631\u062d\u0628\u0627 end\n"_s,
+                                u"\u0645\u0631\u062d\u0628\u0627 \u05e9\u05dc a\u4e2d\u0301b\n"_s,
+                                u"a\tb\x1bz e\u0301\n"_s, u"\u0928\u092e \u0928\u0947 x\n"_s}) {
+        run.clearTranscript();
+        const TextStore::Position begin = run.transcript().end();
+        run.append(line, OutputKind::out);
+        EXPECT_TRUE(showsEnd());
+        const TextStore::Position end = run.transcript().end() - 1;
+        for (TextStore::Position at = begin; at < end; at = pane.navigation().nextCharacter(at))
+            EXPECT_EQ(pane.positionAt(pane.characterRect(at).center()), at) << line.toStdString() << at - begin;
+        // No place between two characters is taken for one beside the text.
+        const QRect first = pane.characterRect(begin);
+        for (int x = 0; x < pane.characterRect(end).left(); ++x)
+            EXPECT_LT(pane.positionAt(QPoint(x, first.center().y())), end) << line.toStdString() << " at " << x;
+    }
+}

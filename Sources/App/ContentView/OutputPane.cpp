@@ -280,14 +280,8 @@ QRect OutputPane::characterRect(Position position)
     for (const OutputPaneViewport::VisibleRow &visible : m_view.visibleRows()) {
         if (!(visible.row == row))
             continue;
-        const OutputPaneRow laidOut = m_navigation.layOut(row);
-        const qint64 byte = position - m_rows.begin(row);
-        const std::size_t index = laidOut.indexOf(byte);
-        const double one = laidOut.xOf(byte);
-        const double other = index < laidOut.clusters().size() ? laidOut.xOf(laidOut.clusters()[index].end()) : one;
-        return QRectF(OutputPaneViewport::padding + std::min(one, other), visible.y, std::abs(other - one),
-                      m_font.rowHeight())
-            .toAlignedRect();
+        const auto [left, right] = m_navigation.layOut(row).extentOf(position - m_rows.begin(row));
+        return QRectF(OutputPaneViewport::padding + left, visible.y, right - left, m_font.rowHeight()).toAlignedRect();
     }
     return {};
 }

@@ -107,20 +107,27 @@ const OutputPaneRow::Joined *OutputPaneRow::joinedAt(std::size_t index) const
 }
 
 /// Where the caret stands before a cluster; in right-to-left text that is its right edge.
-double OutputPaneRow::left(std::size_t index) const
+double OutputPaneRow::before(std::size_t index) const
 {
     if (const Joined *joined = joinedAt(index))
         return joined->x + joined->scale * joined->layout->lineAt(0).cursorToX(joined->starts[index - joined->first]);
     return m_clusters[index].column * m_font.cellWidth();
 }
 
-double OutputPaneRow::right(std::size_t index) const
+/// Where it stands behind a cluster.
+double OutputPaneRow::after(std::size_t index) const
 {
     if (const Joined *joined = joinedAt(index)) {
         const int next = joined->starts[index - joined->first + 1];
         return joined->x + joined->scale * joined->layout->lineAt(0).cursorToX(next);
     }
     return (m_clusters[index].column + m_clusters[index].cells) * m_font.cellWidth();
+}
+
+OutputPaneRow::Extent OutputPaneRow::extent(std::size_t index) const
+{
+    const auto [left, right] = std::minmax({before(index), after(index)});
+    return {left, right};
 }
 
 std::size_t OutputPaneRow::indexOf(qint64 byte) const
@@ -135,29 +142,51 @@ double OutputPaneRow::xOf(qint64 byte) const
     if (m_clusters.empty())
         return 0;
     const std::size_t index = indexOf(byte);
-    return index < m_clusters.size() ? left(index) : right(m_clusters.size() - 1);
+    return index < m_clusters.size() ? before(index) : after(m_clusters.size() - 1);
+}
+
+OutputPaneRow::Extent OutputPaneRow::extentOf(qint64 byte) const
+{
+    const std::size_t index = indexOf(byte);
+    const double end = xOf(byte);
+    return index < m_clusters.size() ? extent(index) : Extent{end, end};
+}
+
+/// The cluster drawn at `x` or nearest to it, as text pressed or spread into its cells may leave some blank; none to
+/// the right of the whole row.
+std::optional<std::size_t> OutputPaneRow::nearest(double x) const
+{
+    std::optional<std::size_t> found;
+    double least = 0;
+    bool isWithin = false;
+    for (std::size_t index = 0; index < m_clusters.size(); ++index) {
+        const Extent drawn = extent(index);
+        if (drawn.left <= x && x < drawn.right)
+            return index;
+        isWithin = isWithin || x < drawn.right;
+        const double distance = std::max(drawn.left - x, x - drawn.right);
+        if (m_clusters[index].look != Look::lineEnd && (!found || distance < least)) {
+            found = index;
+            least = distance;
+        }
+    }
+    return isWithin ? found : std::nullopt;
 }
 
 qint64 OutputPaneRow::byteAt(double x) const
 {
-    for (std::size_t index = 0; index < m_clusters.size(); ++index) {
-        const double before = left(index);
-        const double after = right(index);
-        if (x < std::max(before, after) && (x >= std::min(before, after) || index == 0))
-            return m_clusters[index].begin;
-    }
+    if (const auto index = nearest(x))
+        return m_clusters[*index].begin;
     return m_clusters.empty() ? 0 : m_clusters.back().begin;
 }
 
 qint64 OutputPaneRow::byteNearest(double x) const
 {
-    for (std::size_t index = 0; index < m_clusters.size(); ++index) {
-        const double before = left(index);
-        const double after = right(index);
-        if (x < std::max(before, after) && (x >= std::min(before, after) || index == 0))
-            return std::abs(x - before) <= std::abs(x - after) ? m_clusters[index].begin : m_clusters[index].end();
-    }
-    return endOfText();
+    const auto index = nearest(x);
+    if (!index)
+        return endOfText();
+    const bool isNearerBefore = std::abs(x - before(*index)) <= std::abs(x - after(*index));
+    return isNearerBefore ? m_clusters[*index].begin : m_clusters[*index].end();
 }
 
 qint64 OutputPaneRow::endOfText() const

@@ -9,6 +9,7 @@
 #include <QByteArrayView>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class OutputPaneRow
@@ -40,6 +41,12 @@ public:
     std::size_t indexOf(qint64 byte) const;
     /// Where the caret stands before that byte.
     double xOf(qint64 byte) const;
+    /// From where to where the cluster that holds the byte is drawn; nothing behind the last.
+    struct Extent {
+        double left = 0;
+        double right = 0;
+    };
+    Extent extentOf(qint64 byte) const;
     /// The byte before which the caret comes to stand nearest to `x`: never behind a line end.
     qint64 byteNearest(double x) const;
     /// The byte of the cluster drawn at `x`, the nearest one beside the text.
@@ -51,8 +58,10 @@ private:
     void join();
     std::size_t rightToLeftEnd(std::size_t first) const;
     void addJoined(std::size_t first, std::size_t end, Qt::LayoutDirection direction);
-    double left(std::size_t index) const;
-    double right(std::size_t index) const;
+    double before(std::size_t index) const;
+    double after(std::size_t index) const;
+    Extent extent(std::size_t index) const;
+    std::optional<std::size_t> nearest(double x) const;
 
     QByteArrayView m_text;
     const OutputPaneFont &m_font;
