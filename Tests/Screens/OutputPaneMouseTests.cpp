@@ -191,6 +191,9 @@ TEST_F(OutputPaneTest, HoldsStillUnderTheMouseAlsoWhereTheEndIsInView)
     EXPECT_EQ(pane.selectedText(), QString());
     release(place.center());
     EXPECT_TRUE(showsEnd());
+    QTest::mouseClick(pane.viewport(), Qt::LeftButton, {}, place.center());
+    pane.resize(pane.width(), 200);
+    EXPECT_TRUE(showsEnd()) << "a click leaves the end in view";
 }
 
 TEST_F(OutputPaneTest, FollowsTheEndAlsoWhenTheReleaseOfItsSliderWentElsewhere)

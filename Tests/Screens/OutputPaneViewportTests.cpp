@@ -1,0 +1,204 @@
+#include "ContentView/OutputPaneViewport.h"
+
+#include "ContentView/OutputPaneRowBreak.h"
+#include "OrbCLI/Utf8.h"
+#include "Unit/RunController/RandomText.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+using Position = TextStore::Position;
+
+constexpr int rowHeight = 15;
+
+/// A view of a text that grows, loses its front and is wrapped anew, beside the slow and plain way to find its rows.
+class OutputPaneViewportTest : public testing::Test
+{
+protected:
+    OutputPaneViewportTest() { view.setHeights(height, rowHeight); }
+
+    int below(qint64 bound) { return std::uniform_int_distribution<int>(0, static_cast<int>(bound) - 1)(m_engine); }
+
+    void append()
+    {
+        QByteArray added;
+        const int kind = below(8);
+        if (kind < 4)
+            added = (QByteArray(below(200), 'x') + '\n').repeated(1 + below(400));
+        else if (kind < 6)
+            added = m_random.text(1 + below(3000)).toUtf8();
+        else if (kind == 6)
+            added = QByteArray(below(300'000), 'y');
+        else
+            added = QString(below(20'000), u'\u4e2d').toUtf8() + '\n';
+        text.append(added);
+    }
+
+    void dropFront()
+    {
+        if (text.isEmpty())
+            return;
+        const TextStore::BlockNumber number =
+            text.blockAt(text.begin() + below(std::min<qint64>(1'000'000, text.end() - text.begin())));
+        const QByteArrayView bytes = text.bytes(number);
+        qsizetype at = below(bytes.size());
+        while (at < bytes.size() && Utf8::isContinuation(bytes[at]))
+            ++at;
+        text.dropFront(text.block(number).begin + at);
+    }
+
+    /// Where each row begins, found from the start.
+    std::vector<Position> allRows() const
+    {
+        std::vector<Position> starts;
+        for (TextStore::BlockNumber number = text.firstBlock(); number < text.endBlock(); ++number) {
+            const QByteArrayView bytes = text.bytes(number);
+            for (qsizetype at = 0; at < bytes.size(); at = OutputPaneRowBreak::rowEnd(bytes, at, rows.columns()))
+                starts.push_back(text.block(number).begin + at);
+            if (number + 1 == text.endBlock() && bytes.endsWith('\n'))
+                starts.push_back(text.end());
+        }
+        return starts;
+    }
+
+    /// Every row is found by its place and by its number, and all of them are counted.
+    void expectRows()
+    {
+        const std::vector<Position> all = allRows();
+        if (all.empty())
+            return;
+        for (const Position start : all)
+            rows.at(start); // from here on every block is known
+        ASSERT_EQ(rows.count(), static_cast<qint64>(all.size()));
+        for (int sample = 0; sample < 50; ++sample) {
+            const int index = below(static_cast<qint64>(all.size()));
+            const Position start = all[static_cast<std::size_t>(index)];
+            const OutputPaneRows::Row row = rows.at(start);
+            ASSERT_EQ(rows.begin(row), start);
+            ASSERT_EQ(rows.countBefore(row), index);
+            ASSERT_EQ(rows.atCount(index), row);
+        }
+    }
+
+    /// What is in view follows upon each other and fills the view, with nothing blank beyond its ends.
+    void expectView()
+    {
+        const std::vector<OutputPaneViewport::VisibleRow> visible = view.visibleRows();
+        ASSERT_EQ(visible.empty(), rows.isEmpty());
+        if (visible.empty())
+            return;
+        for (std::size_t index = 1; index < visible.size(); ++index) {
+            ASSERT_EQ(rows.begin(visible[index].row), rows.end(visible[index - 1].row));
+            ASSERT_EQ(visible[index].y, visible[index - 1].y + rowHeight);
+        }
+        const bool fromStart = visible.front().row == rows.first();
+        const bool toEnd = visible.back().row == rows.last();
+        const int bottom = visible.back().y + rowHeight;
+        constexpr int space = OutputPaneViewport::padding + 1;
+        ASSERT_GT(visible.front().y, -rowHeight);
+        ASSERT_LE(visible.front().y, fromStart ? OutputPaneViewport::padding : 0);
+        ASSERT_GE(bottom, toEnd ? 0 : height);
+        const bool isShort = fromStart && visible.front().y == OutputPaneViewport::padding;
+        ASSERT_TRUE(isShort || !toEnd || bottom + space >= height) << bottom;
+        if (view.isAtEnd()) {
+            ASSERT_TRUE(toEnd && (isShort || bottom + space == height)) << bottom;
+        }
+    }
+
+    /// The text at the view's top edge, and how much of its row is above that.
+    std::pair<Position, int> top()
+    {
+        const OutputPaneViewport::VisibleRow first = view.visibleRows().front();
+        return {rows.begin(first.row), first.y};
+    }
+
+    TextStore text{2};
+    OutputPaneRows rows{text};
+    OutputPaneViewport view{rows};
+    int height = 300;
+
+private:
+    std::mt19937 m_engine{11};
+    RandomText m_random{12};
+};
+
+} // namespace
+
+TEST_F(OutputPaneViewportTest, ShowsRowsAsTheyAreWhateverHappensToTextAndWidth)
+{
+    for (int round = 0; round < 400; ++round) {
+        switch (below(9)) {
+        case 0:
+        case 1:
+            append();
+            break;
+        case 2:
+            if (below(4) == 0)
+                dropFront();
+            break;
+        case 3:
+            rows.setColumns(1 + below(150));
+            break;
+        case 4:
+            view.scrollBy(below(20'000) - 10'000);
+            break;
+        case 5:
+            view.scrollTo(below(std::max<qint64>(1, view.contentHeight())));
+            break;
+        case 6:
+            height = 1 + below(900);
+            view.setHeights(height, rowHeight);
+            break;
+        case 7:
+            view.scrollToEnd();
+            break;
+        default:
+            view.hold();
+        }
+        expectView();
+        if (round % 20 == 0)
+            expectRows();
+        if (HasFatalFailure())
+            FAIL() << "round " << round;
+    }
+}
+
+TEST_F(OutputPaneViewportTest, KeepsWhatIsReadWhileTextComesAndGoesElsewhere)
+{
+    for (int filling = 0; filling < 60; ++filling)
+        append();
+    for (int round = 0; round < 200; ++round) {
+        const qint64 length = view.contentHeight();
+        view.scrollTo(length / 4 + below(length / 2));
+        const auto before = top();
+        append();
+        ASSERT_EQ(top(), before);
+        const int columns = rows.columns();
+        rows.setColumns(1 + below(150));
+        view.visibleRows();
+        rows.setColumns(columns);
+        ASSERT_EQ(top(), before);
+        view.scrollBy(40);
+        view.scrollBy(-40);
+        ASSERT_EQ(top(), before);
+        if (round % 10 == 0)
+            text.dropFront(text.begin() + below((before.first - text.begin()) / 8 + 1));
+        if (before.first > text.begin()) {
+            ASSERT_EQ(top().second, before.second);
+        }
+        view.scrollToEnd();
+        const auto end = top();
+        view.hold();
+        append();
+        ASSERT_EQ(top(), end);
+        view.letGo();
+        ASSERT_EQ(top(), end);
+    }
+}
