@@ -28,6 +28,8 @@ bool OutputQueue::hasRoom()
 
 bool OutputQueue::append(QByteArrayView text, bool isError)
 {
+    if (text.size() > maximumChunk)
+        return adopt(text.toByteArray(), text.size(), isError);
     const std::lock_guard guard(m_lock);
     m_size += text.size();
     if (!m_chunks.empty()) {

@@ -73,6 +73,21 @@ TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
     EXPECT_EQ(joined, block.toStdString());
 }
 
+TEST_F(OutputQueueTest, CutsALongCopiedTextBetweenCharactersOnly)
+{
+    const QByteArray text = "x" + QByteArray("\xE2\x82\xAC").repeated(80'000);
+    EXPECT_TRUE(queue.append(text, true));
+    deliverAll();
+    std::string joined;
+    for (const Heard &chunk : heard) {
+        EXPECT_LE(chunk.text.size(), 64U * 1024U);
+        EXPECT_TRUE(QByteArrayView(chunk.text.data(), static_cast<qsizetype>(chunk.text.size())).isValidUtf8());
+        EXPECT_TRUE(chunk.isError);
+        joined += chunk.text;
+    }
+    EXPECT_EQ(joined, text.toStdString());
+}
+
 TEST_F(OutputQueueTest, TakesOnlyTheFilledPartOfABlock)
 {
     QByteArray block("textrest");
