@@ -3,6 +3,8 @@
 #include "OrbCLI/Pipe.h"
 #include "OrbCLI/Utf8Repair.h"
 
+#include <poll.h>
+
 #include <cerrno>
 #include <utility>
 
@@ -16,6 +18,12 @@ constexpr qsizetype largestPipeSize = qsizetype{1024} * 1024;
 OutputReader::OutputReader(FileDescriptor end, bool isError) : m_end(std::move(end)), m_isError(isError)
 {
     makeNonBlocking(m_end);
+}
+
+bool OutputReader::isComplete() const
+{
+    pollfd entry{m_end.number(), POLLIN, 0};
+    return isAtEnd() || (::poll(&entry, 1, 0) > 0 && (entry.revents & POLLHUP) != 0);
 }
 
 OutputReader::Outcome OutputReader::read(QByteArray &block, OutputQueue &queue)

@@ -17,6 +17,8 @@ public:
 
     bool isAtEnd() const { return !m_end.isOpen(); }
     int descriptor() const { return m_end.number(); }
+    /// Nobody can write into the pipe any more: what it still holds is all that will come. Asks the system.
+    bool isComplete() const;
 
     struct Outcome {
         qsizetype size = 0;

@@ -31,8 +31,13 @@ std::array<pollfd, RunningChild::entryCount> RunningChild::pollEntries()
 
 bool RunningChild::isPaused() const
 {
+    if (!m_parts.handle->isOutputPaused())
+        return false;
     const bool isEnding = !m_isRunning || m_parts.handle->wasAskedToTerminate();
-    return m_parts.handle->isOutputPaused() && !(isEnding && m_lastOutput > 0);
+    if (isEnding && m_lastOutput > 0)
+        return false;
+    // Once nobody is left who could print, what the pipes hold is no flood, and their end is to be noticed.
+    return !(m_parts.output.isComplete() && m_parts.errorOutput.isComplete());
 }
 
 RunningChild::Moment RunningChild::wakeTime() const

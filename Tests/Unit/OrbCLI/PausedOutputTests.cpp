@@ -89,3 +89,33 @@ TEST(PausedOutput, DeliversAllThatAPausedChildHadPrintedBeforeItsEnd)
     EXPECT_TRUE(recording->output.endsWith(u"\n5000\n"_s));
     EXPECT_TRUE(recording->errors.endsWith(u"\n5000\n"_s));
 }
+
+TEST(PausedOutput, EndsAtOnceWhenTheTimeLimitStopsAPausedChild)
+{
+    TestTools tools;
+    const auto recording = record(tools.addTool(u"flooder"_s, u"exec yes"_s), {}, std::nullopt, 0.5);
+    ASSERT_TRUE(waitUntil([&] { return !recording->output.isEmpty(); }));
+    recording->handle->pauseOutput(std::chrono::hours(1));
+    EXPECT_TRUE(recording->waitForEnd());
+    EXPECT_TRUE(recording->handle->timedOut());
+}
+
+TEST(PausedOutput, NoticesInAPauseThatNobodyIsLeftWhoCouldPrint)
+{
+    TestTools tools;
+    // More than is read in a pause after the end of the child, but not more than then fits into the pipe.
+    const qint64 size = qint64{64} * 1024 * 1024 + qint64{512} * 1024;
+    const QString tool = tools.addTool(u"parent"_s, u"echo; "_s + tools.waitForFile(u"go"_s) +
+                                                        u"head -c %1 /dev/zero & exit 5"_s.arg(size - 1));
+    const auto heard = std::make_shared<qint64>(0);
+    const auto status = std::make_shared<std::optional<int>>();
+    const ProcessHandlePointer handle = OrbCLI::stream(
+        tool, {}, std::nullopt, std::nullopt, [heard](QUtf8StringView text, bool) { *heard += text.size(); },
+        [status](int exitStatus, const ProcessHandlePointer &) { *status = exitStatus; });
+    ASSERT_TRUE(waitUntil([&] { return *heard > 0; }));
+    handle->pauseOutput(std::chrono::hours(1));
+    tools.addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([&] { return status->has_value(); }));
+    EXPECT_EQ(*status, 5);
+    EXPECT_EQ(*heard, size);
+}
