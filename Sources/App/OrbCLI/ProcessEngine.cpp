@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cmath>
 #include <csignal>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -206,18 +207,25 @@ bool ProcessEngine::takeArrivals()
 
 void ProcessEngine::waitForEvents()
 {
-    m_pollEntries.clear();
-    m_pollEntries.push_back({m_wakePipe->readEnd.number(), POLLIN, 0});
+    m_entries.clear();
     RunningChild::Moment wakeTime = RunningChild::never;
     for (const auto &child : m_children) {
         const auto entries = child->pollEntries();
-        m_pollEntries.insert(m_pollEntries.end(), entries.begin(), entries.end());
+        m_entries.insert(m_entries.end(), entries.begin(), entries.end());
         wakeTime = std::min(wakeTime, child->wakeTime());
     }
-    if (::poll(m_pollEntries.data(), static_cast<nfds_t>(m_pollEntries.size()), waitUntil(wakeTime)) < 0)
-        for (pollfd &entry : m_pollEntries)
+    // The system takes no more entries than there may be descriptors, whether or not it is to skip them.
+    m_polled.assign(1, {m_wakePipe->readEnd.number(), POLLIN, 0});
+    std::copy_if(m_entries.begin(), m_entries.end(), std::back_inserter(m_polled),
+                 [](const pollfd &entry) { return entry.fd >= 0; });
+    if (::poll(m_polled.data(), static_cast<nfds_t>(m_polled.size()), waitUntil(wakeTime)) < 0)
+        for (pollfd &entry : m_polled)
             entry.revents = 0;
-    if (m_pollEntries.front().revents != 0) {
+    auto polled = m_polled.cbegin();
+    const bool isWoken = (polled++)->revents != 0;
+    for (pollfd &entry : m_entries)
+        entry.revents = entry.fd >= 0 ? (polled++)->revents : short{0};
+    if (isWoken) {
         char bytes[64];
         while (::read(m_wakePipe->readEnd.number(), bytes, sizeof bytes) == sizeof bytes) {
         }
@@ -227,8 +235,7 @@ void ProcessEngine::waitForEvents()
 void ProcessEngine::attendToEvents()
 {
     qsizetype bytesRead = 0;
-    std::span<const pollfd> entries(m_pollEntries);
-    entries = entries.subspan(1);
+    std::span<const pollfd> entries(m_entries);
     for (const auto &child : m_children) {
         const RunningChild::Outcome outcome = child->attend(entries.first<RunningChild::entryCount>(), m_block);
         entries = entries.subspan(RunningChild::entryCount);

@@ -237,6 +237,24 @@ TEST(Stream, RunsTwoHundredChildrenAtOnce)
     }
 }
 
+TEST(Stream, RunsAsManyChildrenAsThereAreDescriptors)
+{
+    TestTools tools;
+    const QString tool = tools.addTool(u"talker"_s, u"echo up; "_s + tools.waitForFile(u"go"_s));
+    ASSERT_TRUE(record(tools.addTool(u"silent"_s, u":"_s))->waitForEnd());
+    std::vector<std::shared_ptr<StreamRecording>> recordings;
+    const DescriptorRoom room(100 * 3 + 10); // each has two pipes and a notice
+    for (int number = 0; number < 100; ++number)
+        recordings.push_back(record(tool));
+    const auto all = [&](const auto &condition) {
+        return waitUntil([&] { return std::all_of(recordings.begin(), recordings.end(), condition); },
+                         std::chrono::seconds(50));
+    };
+    EXPECT_TRUE(all([](const auto &recording) { return recording->output == u"up\n"_s; }));
+    tools.addFile(u"go"_s);
+    EXPECT_TRUE(all([](const auto &recording) { return recording->hasEnded() && recording->status == 0; }));
+}
+
 TEST(Stream, LeavesNoDescriptorOpen)
 {
     TestTools tools;
