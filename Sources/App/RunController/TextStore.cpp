@@ -11,11 +11,12 @@
 namespace
 {
 
-/// The last place at or before `limit`, which is inside the text, where a character begins; 0 when there is none. Reads
-/// a short stretch only: a monstrous pile of accents may be cut.
+/// How far back the start of a character is looked for: a monstrous pile of accents may be cut.
+constexpr qsizetype stretch = 256;
+
+/// The last place at or before `limit`, which is inside the text, where a character begins; 0 when there is none.
 qsizetype characterStart(QByteArrayView text, qsizetype limit)
 {
-    constexpr qsizetype stretch = 256;
     qsizetype at = std::max<qsizetype>(0, limit - stretch);
     while (at < limit && Utf8::isContinuation(text[at]))
         ++at;
@@ -49,11 +50,11 @@ std::int64_t firstWhere(std::int64_t size, Condition condition)
 void TextStore::append(QByteArrayView text)
 {
     if (m_facts.isEmpty() && !text.isEmpty())
-        startBlock();
+        startBlock(text);
     while (!text.isEmpty()) {
         text = text.sliced(fill(text));
         if (!text.isEmpty())
-            startBlock();
+            startBlock(text);
     }
 }
 
@@ -79,21 +80,35 @@ bool TextStore::openLineMovesOn(BlockNumber number) const
     return openLine <= longestMovedLine && openLine < block(number).size;
 }
 
-/// Makes a new last block, and moves the unfinished last line of the one before into it unless that is too long.
-void TextStore::startBlock()
+/// How much of the end of the last block, which is full, goes to the next: its unfinished last line, or where that is
+/// too long, the character that goes on in the text to come.
+qsizetype TextStore::bytesThatMoveOn(QByteArrayView next) const
+{
+    const BlockNumber full = endBlock() - 1;
+    if (openLineMovesOn(full))
+        return openLineBytes(full);
+    const QByteArrayView tail = bytes(full).last(std::min<qsizetype>(block(full).size, stretch));
+    const QByteArray joined = tail.toByteArray().append(next.first(Utf8::lengthOf(next.front())));
+    const qsizetype start = characterStart(joined, tail.size());
+    return start == 0 ? 0 : tail.size() - start;
+}
+
+/// Makes a new last block for `next`, and moves what belongs together with it from the one before.
+void TextStore::startBlock(QByteArrayView next)
 {
     PageMemory memory = takeMemory();
     QByteArrayView moved;
-    if (!m_facts.isEmpty() && openLineMovesOn(endBlock() - 1)) {
-        moved = bytes(endBlock() - 1).last(openLineBytes(endBlock() - 1));
-        const auto utf16Length = static_cast<std::int32_t>(Utf8::utf16Length(moved));
+    if (!m_facts.isEmpty()) {
+        moved = bytes(endBlock() - 1).last(bytesThatMoveOn(next));
+        TextMeasure measure;
+        measure.add(moved);
         Block &full = m_facts.back();
         full.size -= static_cast<std::int32_t>(moved.size());
-        full.utf16Length -= utf16Length;
-        full.cells -= full.openLine;
-        full.openLine = 0;
+        full.utf16Length -= measure.utf16Length();
+        full.cells -= measure.cells();
+        full.openLine -= measure.cells();
         m_end -= moved.size();
-        m_utf16End -= utf16Length;
+        m_utf16End -= measure.utf16Length();
     }
     m_facts.append(Block{.begin = m_end, .utf16Begin = m_utf16End});
     // Adding a block leaves the others, and so the moved bytes, where they are.

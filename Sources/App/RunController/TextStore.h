@@ -8,7 +8,8 @@
 // There is no index of lines: each block knows its numbers (line feeds, UTF-16 length, widths), a search among the
 // blocks finds the right one, and a scan inside one block is a matter of microseconds. A block begins at the start of a
 // line where it can: when one is full, its unfinished last line moves on to the next. Only a line longer than
-// `longestMovedLine` continues in another block. A block never cuts a code point.
+// `longestMovedLine` continues in another block. A block never cuts a code point, nor a character as a reader sees it
+// unless that is monstrous.
 //
 // Who reads asks for the bytes of one block at a time, so where a block's bytes really are is this class's own affair:
 // those near the end as they are, for speed, all others compressed (ColdBlocks.h), so that hours of a chatty script fit
@@ -110,8 +111,9 @@ private:
         return tail.size() - 1 - tail.lastIndexOf('\n');
     }
     bool openLineMovesOn(BlockNumber number) const;
+    qsizetype bytesThatMoveOn(QByteArrayView next) const;
     qsizetype fill(QByteArrayView text);
-    void startBlock();
+    void startBlock(QByteArrayView next);
     PageMemory takeMemory();
     void addToLast(QByteArrayView text);
     Position codePointAt(Position position) const;

@@ -111,6 +111,39 @@ TEST(TextStore, ContinuesAVeryLongLineInTheNextBlockWithoutCuttingACharacter)
     expectSoundBlocks(store);
 }
 
+TEST(TextStore, CutsNoCharacterOfAVeryLongLineThatArrivesInPieces)
+{
+    const QString family = u"\U0001F468\u200D\U0001F469\u200D\U0001F467"_s;
+    for (const QString &character : {u"e\u0301"_s, u"\U0001f1e9\U0001f1ea"_s, family}) {
+        const QByteArray bytes = character.toUtf8().repeated(60'000);
+        for (const qsizetype pieceSize : {qsizetype{64} * 1024, qsizetype{1}}) {
+            TextStore store;
+            // Cut as the tool runner cuts, between code points.
+            for (qsizetype at = 0; at < bytes.size();) {
+                qsizetype end = std::min(at + pieceSize, bytes.size());
+                while (end < bytes.size() && (static_cast<unsigned char>(bytes[end]) & 0xc0U) == 0x80U)
+                    pieceSize == 1 ? ++end : --end;
+                store.append(QByteArrayView(bytes).sliced(at, end - at));
+                at = end;
+            }
+            for (TextStore::BlockNumber number = 0; number < store.endBlock(); ++number)
+                EXPECT_EQ(store.block(number).size % character.toUtf8().size(), 0) << character.toStdString();
+            EXPECT_EQ(allBytes(store), bytes);
+            expectSoundBlocks(store);
+        }
+    }
+}
+
+TEST(TextStore, KeepsBothHalvesOfALineEndTogether)
+{
+    TextStore store;
+    store.append(QByteArray(TextStore::blockCapacity - 1, 'x') + '\r');
+    store.append("\nnext");
+    EXPECT_TRUE(store.bytes(store.endBlock() - 1) == "\r\nnext");
+    EXPECT_EQ(store.block(0).cells, TextStore::blockCapacity - 1);
+    expectSoundBlocks(store);
+}
+
 TEST(TextStore, KeepsItsPositionsWhenTheFrontIsDropped)
 {
     RandomText random(2);
