@@ -228,6 +228,16 @@ TEST_F(RunControllerTest, CountsEveryAppend)
     EXPECT_EQ(told(run), QStringList({u"out: ab"_s, u"err: "_s}));
 }
 
+TEST_F(RunControllerTest, ShowsHalfACharacterHarmlessly)
+{
+    for (const QString &text : {QString(QChar(0xd800)), QString(QChar(0xdc00)) + u'x', u"x"_s + QChar(0xdbff)}) {
+        run.clearTranscript();
+        run.append(text, OutputKind::info);
+        EXPECT_EQ(run.plainText().size(), text.size());
+        EXPECT_TRUE(run.plainText().isValidUtf16());
+    }
+}
+
 TEST_F(RunControllerTest, TimesOutWhenTheLimitIsOn)
 {
     for (const int status : {0, 3}) {
