@@ -1,7 +1,7 @@
 // Whether a script that never stops printing can be left alone in the real window: the gaps between two turns of the
 // event loop, the frames, the memory; how it scrolls through what is far from the end, and what Stop and Clear cost.
 //
-// RunningYes [SECONDS] [SCRIPT]
+// RunningYes [--json] [SECONDS] [SCRIPT]
 
 #include "FrameWatch.h"
 #include "Measuring.h"
@@ -30,6 +30,7 @@ double mebibytes(std::int64_t bytes)
     return static_cast<double>(bytes) / (1024 * 1024);
 }
 
+/// A look in between. What is held grows all the time, so it is worth seeing how.
 void report(const RunController &run)
 {
     std::printf("  %9.0f MiB shown, %5.0f MiB held by the transcript, %5.0f MiB resident\n",
@@ -60,8 +61,11 @@ std::vector<double> scrollAbout(FrameWatch &frames, OutputPane &pane)
 int main(int argumentCount, char *arguments[])
 {
     FrameWatch frames(argumentCount, arguments);
-    const int seconds = argumentCount > 1 ? std::atoi(arguments[1]) : 60;
-    const QString script = QString::fromLocal8Bit(argumentCount > 2 ? arguments[2] : "exec yes");
+    QStringList given = QCoreApplication::arguments().mid(1);
+    const bool asJson = given.removeAll(u"--json"_s) > 0;
+    const int seconds = given.isEmpty() ? 60 : given.first().toInt();
+    const QString script = given.size() < 2 ? u"exec yes"_s : given.at(1);
+    RealWindow::expect(seconds > 0);
     RealWindow real;
     real.type(script);
     QTest::qWait(500); // the first listing and its painting are over
@@ -76,23 +80,27 @@ int main(int argumentCount, char *arguments[])
     heartbeat.setTimerType(Qt::PreciseTimer);
     heartbeat.callOnTimeout([&] {
         gaps.push_back(millisecondsSince(last));
-        if (gaps.back() > 20 && looks.isActive())
+        if (!asJson && gaps.back() > 20 && looks.isActive())
             std::printf("  a gap of %.1f ms after %.1f s\n", gaps.back(), millisecondsSince(start) / 1000);
         last = Clock::now();
         peak = std::max(peak, gaps.size() % 64 == 0 ? residentMemory() : 0);
     });
-    looks.callOnTimeout([&] { report(real.run()); });
+    looks.callOnTimeout([&] {
+        if (!asJson)
+            report(real.run());
+    });
     looks.start(seconds * 1000 / 10);
 
-    std::printf("%s for %d s\n", script.toLocal8Bit().constData(), seconds);
     frames.watch(real.pane().viewport());
     real.press(u"Run"_s);
     start = last = Clock::now();
     heartbeat.start(1);
+    const Transcript &transcript = real.run().transcript();
+    const TextStore::Position begin = transcript.begin();
     while (millisecondsSince(start) < seconds * 1000)
         QApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    const Transcript &transcript = real.run().transcript();
-    const double shown = mebibytes(transcript.end() - transcript.begin());
+    RealWindow::expect(real.run().isRunning() && transcript.begin() == begin && real.showsEnd());
+    const double shown = mebibytes(transcript.end() - begin);
     const int frameCount = frames.count();
     const std::vector<double> flooded = std::exchange(gaps, {});
     looks.stop();
@@ -114,15 +122,27 @@ int main(int argumentCount, char *arguments[])
     const double worstAtEnd = percentile(gaps, 1);
     const bool isBack = waitUntil([&] { return residentMemory() < idle + std::int64_t{32} * 1024 * 1024; });
     const double returning = millisecondsSince(stopped);
+    const double cleared = mebibytes(residentMemory());
 
-    std::printf("  %.0f MiB/s; gap p99 %.1f ms, worst %.1f ms; %.0f frames a second\n", shown / seconds,
-                percentile(flooded, 0.99), percentile(flooded, 1), static_cast<double>(frameCount) / seconds);
+    const double framesPerSecond = static_cast<double>(frameCount) / seconds;
+    if (asJson) {
+        std::printf("{\"what\":\"running yes\",\"seconds\":%d,\"mib_shown\":%.0f,\"gap_p99_ms\":%.2f,"
+                    "\"gap_worst_ms\":%.2f,\"frames_per_second\":%.1f,\"jump_worst_ms\":%.2f,\"stop_ms\":%.1f,"
+                    "\"gap_worst_stopping_ms\":%.2f,\"idle_mib\":%.0f,\"peak_mib\":%.0f,\"cleared_mib\":%.0f,"
+                    "\"clearing_ms\":%.0f}\n",
+                    seconds, shown, percentile(flooded, 0.99), percentile(flooded, 1), framesPerSecond,
+                    percentile(scrolled, 1), stopping, worstAtEnd, mebibytes(idle), mebibytes(peak), cleared,
+                    returning);
+        return isBack ? 0 : 1;
+    }
+    std::printf("%s for %d s: %.0f MiB/s; gap p99 %.1f ms, worst %.1f ms; %.0f frames a second\n",
+                script.toLocal8Bit().constData(), seconds, shown / seconds, percentile(flooded, 0.99),
+                percentile(flooded, 1), framesPerSecond);
     std::printf("  a jump with the scroll bar: median %.1f ms, worst %.1f ms\n", median(scrolled),
                 percentile(scrolled, 1));
     std::printf("  Stop: the run has ended after %.0f ms; worst gap until Clear is painted %.1f ms\n", stopping,
                 worstAtEnd);
     std::printf("  resident: %.0f MiB idle, %.0f MiB at most, %.0f MiB after Clear (%s, %.0f ms after Stop)\n",
-                mebibytes(idle), mebibytes(peak), mebibytes(residentMemory()), isBack ? "given back" : "NOT GIVEN BACK",
-                returning);
+                mebibytes(idle), mebibytes(peak), cleared, isBack ? "given back" : "NOT GIVEN BACK", returning);
     return isBack ? 0 : 1;
 }

@@ -3,7 +3,20 @@
 import operator
 from dataclasses import dataclass
 
-from .ours import APPENDING, COPYING, FURTHER_TEXTS, LEAVING, SHOWING, STARTING_AND_IDLING, STORING
+from .ours import (
+    ALTERNATING,
+    APPENDING,
+    COPYING,
+    FURTHER_TEXTS,
+    LEAVING,
+    LINE_BY_LINE,
+    RANDOM_TEXT,
+    SHOWING,
+    STARTING_AND_IDLING,
+    STORING,
+    WRITING_LINES,
+    YES,
+)
 from .peers import PEERS
 
 _COMPARISONS = {"at most": operator.le, "at least": operator.ge}
@@ -63,6 +76,16 @@ def _further_texts(figures):
         yield Bar(f"{case}: between two turns, longest", "at most", 50, "ms", ours("gap_worst_ms"))
 
 
+def _line_by_line(figures):
+    def slower(than):
+        return _ratio(figures.median(than.title, "mib_per_second"), figures.median(ALTERNATING.title, "mib_per_second"))
+
+    yield Bar("alternating: time over that of the same lines written one at a time to one stream", "at most", 2, "times",
+              slower(LINE_BY_LINE))  # fmt: skip
+    yield Bar("alternating: time over that of its writer alone, which nobody makes wait", "at most", 2, "times",
+              slower(WRITING_LINES))  # fmt: skip
+
+
 def _whole_transcript(figures):
     for act in ("leaving the Run tab", "coming back", "resizing"):
         milliseconds = figures.median(LEAVING.title, f"{act}: median_ms")
@@ -91,14 +114,21 @@ def _starting_and_idling(figures):
         yield Bar(f"5 idle minutes: growth of {unit.split()[-1]}", "at most", 0, unit, growth(of))
 
 
-# Each with its bar. There is no program yet that measures these.
-NOT_YET_MEASURED = (
-    ("`yes` for 10 minutes: the window answers within", "at most 50 ms"),
-    ("`yes` for 10 minutes: memory", "at most 1.5 GiB"),
-    ("`yes` for 10 minutes: Stop; what was shown; memory after Clear", "at once; all there; given back"),
-)
+def _without_end(figures):
+    for program, what in ((YES, "`yes` for 10 minutes"), (RANDOM_TEXT, "random text for a minute")):
+
+        def ours(field, title=program.title):
+            return figures.median(title, field)
+
+        idle, cleared = ours("idle_mib"), ours("cleared_mib")
+        yield Bar(f"{what}: the window answers within", "at most", 50, "ms", ours("gap_worst_ms"))
+        yield Bar(f"{what}: memory", "at most", 1536, "MiB", ours("peak_mib"))
+        yield Bar(f"{what}: a jump to anywhere in what was shown", "at most", 50, "ms", ours("jump_worst_ms"))
+        yield Bar(f"{what}: from Stop to the end of the run", "at most", 50, "ms", ours("stop_ms"))
+        yield Bar(f"{what}: memory over idle after Clear", "at most", 32, "MiB",
+                  None if cleared is None else cleared - idle)  # fmt: skip
 
 
 def bars(figures):
-    parts = (_plain, _further_texts, _whole_transcript, _starting_and_idling)
+    parts = (_plain, _further_texts, _line_by_line, _whole_transcript, _starting_and_idling, _without_end)
     return [bar for part in parts for bar in part(figures)]

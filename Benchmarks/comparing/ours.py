@@ -34,17 +34,28 @@ class Program:
 SHOWING = Program("ShowingOutput", text="plain")
 STORING = Program("StoringOnly", text="plain")
 STOCK = Program("StockEditor", text="plain")
+ALTERNATING = Program("ShowingOutput", "alternating", ("--alternating",), "plain")
 FURTHER_TEXTS = (
-    Program("ShowingOutput", "alternating", ("--alternating",), "plain"),
+    ALTERNATING,
     Program("ShowingOutput", "wide", text="wide"),
     Program("ShowingOutput", "one-line", text="one-line"),
     Program("ShowingOutput", "codes", text="codes"),
 )
+# What the alternating streams are to be seen beside: each line is a write of its own there, and a writer has its limit.
+LINE_BY_LINE = Program("ShowingOutput", "line by line", ("--line-by-line",), "plain")
+WRITING_LINES = Program("WritingLines", text="plain")
 LEAVING = Program("LeavingAndResizing", text="plain")
 COPYING = Program("CopyingOutput", text="plain")
 APPENDING = Program("AppendingChunks")
 STARTING_AND_IDLING = Program("start-and-idle", is_long=True)
-PROGRAMS = (SHOWING, STORING, STOCK, *FURTHER_TEXTS, LEAVING, COPYING, APPENDING, STARTING_AND_IDLING)
+# A little less than the ten minutes after which the application itself ends a script.
+YES = Program("RunningYes", options=("595",), is_long=True)
+# What cannot be compressed fills the memory that a transcript may take within seconds, and then waits.
+RANDOM_TEXT = Program("RunningYes", "of random text", ("60", "exec base64 -w 76 /dev/urandom"), is_long=True)
+PROGRAMS = (
+    SHOWING, STORING, STOCK, *FURTHER_TEXTS, LINE_BY_LINE, WRITING_LINES, LEAVING, COPYING, APPENDING,
+    STARTING_AND_IDLING, YES, RANDOM_TEXT,
+)  # fmt: skip
 
 
 def _figures(said):

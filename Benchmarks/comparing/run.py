@@ -7,6 +7,8 @@ from .results import CannotRun, Results
 from .texts import text_file
 
 _MIB, _QUICK_MIB = 100, 8
+# By which a run can be of some alone.
+NAMES = sorted({"ours", "terminals"} | {name for each in (*ours.PROGRAMS, *peers.PEERS) for name in (each.name, each.title)})
 
 
 def begin(options, repository, path):

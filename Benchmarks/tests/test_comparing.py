@@ -98,6 +98,20 @@ class Comparing(unittest.TestCase):
         self.assertEqual(titles(only=["terminals"], skip=["konsole"]),
                          [peer.title for peer in PEERS if peer.name != "konsole"])  # fmt: skip
 
+    def test_a_name_that_nothing_has_is_refused(self):
+        compare = os.path.join(_BENCHMARKS, "compare")
+        done = subprocess.run([compare, "--page", "--only", "no-such-program"], capture_output=True, text=True)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn("invalid choice: 'no-such-program'", done.stderr)
+
+    def test_a_script_without_end_is_held_to_its_bars(self):
+        figures = {"gap_worst_ms": 40, "idle_mib": 30, "peak_mib": 1600, "jump_worst_ms": 2, "stop_ms": 9, "cleared_mib": 41}
+        results = self.measured(RunningYes=figures)
+        self.assertTrue(self.bar(results, "`yes` for 10 minutes: the window answers within").passes)
+        self.assertFalse(self.bar(results, "`yes` for 10 minutes: memory").passes)
+        self.assertEqual(self.bar(results, "`yes` for 10 minutes: memory over idle after Clear").measured, 11)
+        self.assertIsNone(self.bar(results, "random text for a minute: memory").passes)
+
     def test_a_terminal_that_did_not_run_has_its_reason_in_place_of_figures(self):
         results = self.measured(ShowingOutput=speed(80), **{PEERS[0].title: "not installed", PEERS[1].title: speed(10)})
         self.assertIn(f"| {PEERS[0].title} |  | did not run: not installed |", page(results))

@@ -1,0 +1,97 @@
+// The limit of what writes each line by itself: a child writes lines by turns to two pipes whose reader never makes it
+// wait, throws all away and naps, so that it does not take a processor from the child either.
+//
+// WritingLines [--json] FILE
+
+#include "Measuring.h"
+
+#include <fcntl.h>
+#include <poll.h>
+
+#include <array>
+#include <filesystem>
+#include <string_view>
+#include <thread>
+
+namespace
+{
+
+std::array<int, 2> openLargePipe()
+{
+    std::array<int, 2> ends{};
+    if (::pipe(ends.data()) != 0)
+        std::abort();
+    for (const int end : ends)
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+#ifdef F_SETPIPE_SZ
+    ::fcntl(ends[0], F_SETPIPE_SZ, 1024 * 1024);
+#endif
+    return ends;
+}
+
+pid_t start(std::vector<std::string> command, int output, int errorOutput)
+{
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+    ::posix_spawn_file_actions_adddup2(&actions, errorOutput, STDERR_FILENO);
+    std::vector<char *> arguments;
+    for (std::string &argument : command)
+        arguments.push_back(argument.data());
+    arguments.push_back(nullptr);
+    pid_t pid = 0;
+    if (::posix_spawn(&pid, arguments[0], &actions, nullptr, arguments.data(), environ) != 0)
+        std::abort();
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(output);
+    ::close(errorOutput);
+    return pid;
+}
+
+/// Bytes read from both until their ends.
+std::uintmax_t drain(int output, int errorOutput)
+{
+    std::array<pollfd, 2> sources{pollfd{output, POLLIN, 0}, pollfd{errorOutput, POLLIN, 0}};
+    std::vector<char> buffer(1024 * 1024);
+    std::uintmax_t total = 0;
+    while (sources[0].fd >= 0 || sources[1].fd >= 0) {
+        ::poll(sources.data(), sources.size(), -1);
+        for (pollfd &source : sources) {
+            if (source.fd < 0 || source.revents == 0)
+                continue;
+            const ssize_t size = ::read(source.fd, buffer.data(), buffer.size());
+            if (size <= 0)
+                source.fd = -1;
+            else
+                total += static_cast<std::uintmax_t>(size);
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(500));
+    }
+    return total;
+}
+
+} // namespace
+
+int main(int argumentCount, char *arguments[])
+{
+    const bool asJson = argumentCount > 1 && std::string_view(arguments[1]) == "--json";
+    const char *const file = argumentCount > (asJson ? 2 : 1) ? arguments[argumentCount - 1] : "";
+    if (!std::filesystem::is_regular_file(file)) {
+        std::fputs("WritingLines [--json] FILE\n", stderr);
+        return 2;
+    }
+    const double seconds = secondsFor([&] {
+        const auto output = openLargePipe();
+        const auto errorOutput = openLargePipe();
+        const pid_t writer = start({ALTERNATING_WRITER, file}, output[1], errorOutput[1]);
+        int status = 0;
+        if (drain(output[0], errorOutput[0]) != std::filesystem::file_size(file) ||
+            ::waitpid(writer, &status, 0) != writer || status != 0)
+            std::abort();
+    });
+    const double rate = static_cast<double>(std::filesystem::file_size(file)) / seconds / (1024 * 1024);
+    std::printf(asJson ? "{\"what\":\"writing lines\",\"seconds\":%.4f,\"mib_per_second\":%.1f}\n"
+                       : "lines written by turns to two streams: %.3f s, %.0f MiB/s\n",
+                seconds, rate);
+    return 0;
+}
