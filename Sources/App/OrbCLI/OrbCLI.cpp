@@ -10,7 +10,8 @@ ProcessHandlePointer OrbCLI::stream(const QString &tool, const QStringList &argu
                                     const std::optional<QString> &input, std::optional<double> timeLimit,
                                     OutputHandler onOutput, ExitHandler onExit)
 {
-    return ProcessEngine::instance().launch(tool, arguments, input, timeLimit, std::move(onOutput), std::move(onExit));
+    return ProcessEngine::instance().launch(tool, arguments, input, timeLimit, std::move(onOutput), std::move(onExit),
+                                            OutputQueue::Announcing::asItComes);
 }
 
 QCoro::Task<OrbCLI::StreamResult> OrbCLI::streamAsync(QString tool, QStringList arguments, std::optional<QString> input,
@@ -39,6 +40,7 @@ QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::opt
         end.resume(
             {status, textFromUtf8(output), textFromUtf8(errorOutput), handle->timedOut(), handle->launchError()});
     };
-    stream(tool, arguments, input, timeLimit, onOutput, onExit);
+    ProcessEngine::instance().launch(tool, arguments, input, timeLimit, onOutput, onExit,
+                                     OutputQueue::Announcing::atTheEnd);
     co_return co_await end.value();
 }

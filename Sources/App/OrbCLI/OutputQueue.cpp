@@ -12,10 +12,12 @@ constexpr qsizetype maximumChunk = qsizetype{64} * 1024;
 
 } // namespace
 
-OutputQueue::OutputQueue(ProcessHandlePointer handle, OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit)
+OutputQueue::OutputQueue(ProcessHandlePointer handle, OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit,
+                         Announcing announcing)
     : m_handle(std::move(handle)),
       m_onOutput(std::move(onOutput)),
-      m_onExit(std::move(onExit))
+      m_onExit(std::move(onExit)),
+      m_announcing(announcing)
 {
 }
 
@@ -81,6 +83,13 @@ OutputQueue::Delivered OutputQueue::deliverNext()
     m_isAnnounced = !m_chunks.empty() || m_status.has_value();
     delivered.more = m_isAnnounced;
     return delivered;
+}
+
+bool OutputQueue::markAnnounced()
+{
+    if (m_announcing == Announcing::atTheEnd && !m_status && m_size < maximumSize)
+        return false;
+    return !std::exchange(m_isAnnounced, true);
 }
 
 std::optional<OutputQueue::Chunk> OutputQueue::takeChunk(bool &madeRoom)

@@ -14,23 +14,33 @@
 #include <deque>
 #include <mutex>
 #include <optional>
-#include <utility>
 
 class OutputQueue
 {
 public:
+    /// When the main thread is told that something waits.
+    enum class Announcing {
+        asItComes,
+        /// For who has a use only for all of it: with the end, or earlier when the queue is full.
+        atTheEnd
+    };
+
     struct Delivered {
         bool more = false;
         /// The queue was full, someone asked, and now there is room.
         bool madeRoom = false;
     };
 
-    OutputQueue(ProcessHandlePointer handle, OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit);
+    OutputQueue(ProcessHandlePointer handle, OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit,
+                Announcing announcing = Announcing::asItComes);
+
+    Announcing announcing() const { return m_announcing; }
 
     /// Whether more may be appended. After a no, the delivery that makes room says so.
     bool hasRoom();
 
-    /// Each returns true when the queue had nothing to deliver before: the caller then announces it to the main thread.
+    /// Each returns true when there is something to deliver and was not before: the caller then announces the queue to
+    /// the main thread.
     /// `text` is copied, behind the last chunk when that is of the same stream and short.
     [[nodiscard]] bool append(QByteArrayView text, bool isError);
     /// Takes the first `size` bytes of `block` without copying them.
@@ -48,13 +58,14 @@ private:
         bool isError = false;
     };
 
-    bool markAnnounced() { return !std::exchange(m_isAnnounced, true); }
+    bool markAnnounced();
     std::optional<Chunk> takeChunk(bool &madeRoom);
     void deliverEnd();
 
     const ProcessHandlePointer m_handle;
     OrbCLI::OutputHandler m_onOutput; // these two on the main thread only
     OrbCLI::ExitHandler m_onExit;
+    const Announcing m_announcing;
 
     std::mutex m_lock; // guards all below; the status is fixed once the end is announced
     std::deque<Chunk> m_chunks;

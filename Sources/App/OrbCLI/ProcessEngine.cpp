@@ -81,12 +81,13 @@ ProcessEngine::ProcessEngine() : m_delivery([this] { wake(); }) {}
 
 ProcessHandlePointer ProcessEngine::launch(const QString &tool, const QStringList &arguments,
                                            const std::optional<QString> &input, std::optional<double> timeLimit,
-                                           OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit)
+                                           OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit,
+                                           OutputQueue::Announcing announcing)
 {
     RunningChild::Parts parts;
     parts.process = std::make_shared<ChildProcess>();
     parts.handle = std::make_shared<ProcessHandle>(parts.process);
-    parts.queue = std::make_shared<OutputQueue>(parts.handle, std::move(onOutput), std::move(onExit));
+    parts.queue = std::make_shared<OutputQueue>(parts.handle, std::move(onOutput), std::move(onExit), announcing);
     const ProcessHandlePointer handle = parts.handle;
 
     int error = startThread();
@@ -249,7 +250,7 @@ void ProcessEngine::attendToEvents()
 
 void ProcessEngine::gatherSmallWrites(qsizetype bytesRead)
 {
-    constexpr qsizetype small = 16'384;
+    constexpr qsizetype small = 49'152;
     constexpr int manyReads = 16;
     constexpr auto nap = std::chrono::microseconds(100);
     if (bytesRead == 0)

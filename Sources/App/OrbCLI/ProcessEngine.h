@@ -25,7 +25,7 @@ public:
     /// See OrbCLI::stream. Any thread.
     ProcessHandlePointer launch(const QString &tool, const QStringList &arguments, const std::optional<QString> &input,
                                 std::optional<double> timeLimit, OrbCLI::OutputHandler onOutput,
-                                OrbCLI::ExitHandler onExit);
+                                OrbCLI::ExitHandler onExit, OutputQueue::Announcing announcing);
 
 private:
     ProcessEngine();

@@ -14,15 +14,23 @@ enum : std::size_t { outputEntry, errorEntry, inputEntry, noticeEntry };
 constexpr auto askingInterval = std::chrono::milliseconds(10);
 /// How often it is looked whether a pause of the output has ended or was called off.
 constexpr auto pauseInterval = std::chrono::milliseconds(50);
+/// For so long a child that is wanted as a whole is not read: most have ended by then, and are read once.
+constexpr auto readingDelay = std::chrono::milliseconds(20);
 
 } // namespace
 
-RunningChild::RunningChild(Parts parts) : m_parts(std::move(parts)) {}
+RunningChild::RunningChild(Parts parts) : m_parts(std::move(parts))
+{
+    const bool isWantedAsAWhole = m_parts.queue->announcing() == OutputQueue::Announcing::atTheEnd;
+    if (isWantedAsAWhole && m_parts.exitNotice.isOpen())
+        m_firstRead = std::chrono::steady_clock::now() + readingDelay;
+}
 
 std::array<pollfd, RunningChild::entryCount> RunningChild::pollEntries()
 {
     m_awaitsPause = isPaused();
-    const bool reads = !m_awaitsPause && m_parts.queue->hasRoom();
+    m_awaitsFirstRead = m_isRunning && std::chrono::steady_clock::now() < m_firstRead;
+    const bool reads = !m_awaitsPause && !m_awaitsFirstRead && m_parts.queue->hasRoom();
     return {{{reads ? m_parts.output.descriptor() : -1, POLLIN, 0},
              {reads ? m_parts.errorOutput.descriptor() : -1, POLLIN, 0},
              {m_parts.input.descriptor(), POLLOUT, 0},
@@ -48,6 +56,8 @@ RunningChild::Moment RunningChild::wakeTime() const
         wake = std::min(wake, now + askingInterval);
     if (m_awaitsPause)
         wake = std::min(wake, now + pauseInterval);
+    if (m_awaitsFirstRead)
+        wake = std::min(wake, m_firstRead);
     return wake;
 }
 

@@ -35,7 +35,7 @@ public:
     /// One place each for standard output, standard error, standard input and the exit notice.
     static constexpr std::size_t entryCount = 4;
 
-    /// What to wait for now; the pipes are left out while the queue is full or the output is paused.
+    /// What to wait for now; the pipes are left out while the queue is full, the output is paused, or it is too early.
     std::array<pollfd, entryCount> pollEntries();
 
     /// When to look again even if nothing is reported, after pollEntries.
@@ -62,6 +62,9 @@ private:
     /// Bytes still read during a pause once the child has ended or was asked to: all that its pipes can hold, and what
     /// a grandchild may hurry to print. Not without end, for it may print on and on.
     qsizetype m_lastOutput = qsizetype{64} * 1024 * 1024;
+    Moment m_firstRead = Moment::min();
+    /// The pipes were left out because it is too early to read them.
+    bool m_awaitsFirstRead = false;
     /// The pipes were left out because of a pause, whose end nothing reports.
     bool m_awaitsPause = false;
     bool m_isRunning = true;

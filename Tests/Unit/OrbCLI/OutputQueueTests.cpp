@@ -28,11 +28,11 @@ protected:
 
     std::vector<Heard> heard;
     std::vector<int> ends;
-    OutputQueue queue{nullptr,
-                      [this](QUtf8StringView text, bool isError) {
-                          heard.push_back({std::string(text.data(), static_cast<std::size_t>(text.size())), isError});
-                      },
-                      [this](int status, const ProcessHandlePointer &) { ends.push_back(status); }};
+    const OrbCLI::OutputHandler hear = [this](QUtf8StringView text, bool isError) {
+        heard.push_back({std::string(text.data(), static_cast<std::size_t>(text.size())), isError});
+    };
+    const OrbCLI::ExitHandler hearTheEnd = [this](int status, const ProcessHandlePointer &) { ends.push_back(status); };
+    OutputQueue queue{nullptr, hear, hearTheEnd};
 };
 
 } // namespace
@@ -44,6 +44,40 @@ TEST_F(OutputQueueTest, AsksToBeAnnouncedOnlyWhenItHadNothingToDeliver)
     EXPECT_FALSE(queue.end(0));
     deliverAll();
     EXPECT_EQ(ends, std::vector<int>{0});
+}
+
+TEST_F(OutputQueueTest, AsksToBeAnnouncedWithTheEndWhenOnlyAllOfItIsOfUse)
+{
+    OutputQueue patient(nullptr, hear, hearTheEnd, OutputQueue::Announcing::atTheEnd);
+    EXPECT_FALSE(patient.append("a", false));
+    EXPECT_FALSE(patient.append("b", true));
+    EXPECT_TRUE(patient.end(3));
+    while (patient.deliverNext().more) {
+    }
+    EXPECT_EQ(heard, (std::vector<Heard>{{"a", false}, {"b", true}}));
+    EXPECT_EQ(ends, std::vector<int>{3});
+}
+
+TEST_F(OutputQueueTest, AsksToBeAnnouncedBeforeTheEndWhenItIsFull)
+{
+    OutputQueue patient(nullptr, hear, hearTheEnd, OutputQueue::Announcing::atTheEnd);
+    const QByteArray block(qsizetype{1024} * 1024, 'x');
+    bool mustAnnounce = false;
+    for (int times = 0; times < 2; ++times) {
+        while (patient.hasRoom()) {
+            EXPECT_FALSE(mustAnnounce);
+            mustAnnounce = patient.adopt(block, block.size(), false);
+        }
+        EXPECT_TRUE(mustAnnounce);
+        bool madeRoom = false;
+        for (bool more = true; more;) {
+            const OutputQueue::Delivered delivered = patient.deliverNext();
+            madeRoom = madeRoom || delivered.madeRoom;
+            more = delivered.more;
+        }
+        EXPECT_TRUE(madeRoom);
+        mustAnnounce = false;
+    }
 }
 
 TEST_F(OutputQueueTest, JoinsShortNeighboursOfOneStreamAndKeepsTheOrder)
