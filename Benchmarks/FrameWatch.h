@@ -28,9 +28,12 @@ public:
     std::chrono::steady_clock::time_point last() const { return m_last; }
 
     /// Turns the event loop until the watched widget was painted anew.
-    void waitForFrame()
+    void waitForFrame() { waitForFrameAfter(m_count); }
+
+    /// The same, for a change that was made when so many frames had been painted.
+    void waitForFrameAfter(int count)
     {
-        for (const int before = m_count; m_count == before;)
+        while (m_count <= count)
             processEvents(QEventLoop::WaitForMoreEvents);
     }
 
