@@ -37,7 +37,10 @@ class Desktop:
             # A bus of its own type, so that nothing of the user's session is reached or started.
             address = self._start_reporting("dbus-daemon", "--session", "--nofork", "--print-address={report}")
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
-            self._start("openbox", "--sm-disable")
+            # A window that comes while it still takes over the display may be overlooked and stay unmapped.
+            is_up = os.path.join(self._folder, "openbox-is-up")
+            self._start("openbox", "--sm-disable", "--startup", f"touch {is_up}")
+            wait_until(lambda: os.path.exists(is_up), "openbox is ready")
             session = _connect(address)
             reply = session.call_sync("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress",
                                       None, None, Gio.DBusCallFlags.NONE, -1, None)  # fmt: skip
