@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 extern char **environ;
@@ -36,6 +37,19 @@ inline double median(const std::vector<double> &values)
     return percentile(values, 0.5);
 }
 
+/// posix_spawn, with this program's environment.
+inline pid_t spawn(std::vector<std::string> command, const posix_spawn_file_actions_t *actions = nullptr)
+{
+    std::vector<char *> arguments;
+    for (std::string &argument : command)
+        arguments.push_back(argument.data());
+    arguments.push_back(nullptr);
+    pid_t pid = 0;
+    if (::posix_spawn(&pid, arguments[0], actions, nullptr, arguments.data(), environ) != 0)
+        std::abort();
+    return pid;
+}
+
 /// posix_spawn with one pipe, read() to the end of file, waitpid().
 inline void runBarely(std::vector<std::string> command, const std::function<void(const char *, std::size_t)> &onRead)
 {
@@ -47,13 +61,7 @@ inline void runBarely(std::vector<std::string> command, const std::function<void
     ::posix_spawn_file_actions_addclose(&actions, ends[0]);
     ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
     ::posix_spawn_file_actions_addclose(&actions, ends[1]);
-    std::vector<char *> arguments;
-    for (std::string &argument : command)
-        arguments.push_back(argument.data());
-    arguments.push_back(nullptr);
-    pid_t pid = 0;
-    if (::posix_spawn(&pid, arguments[0], &actions, nullptr, arguments.data(), environ) != 0)
-        std::abort();
+    const pid_t pid = spawn(std::move(command), &actions);
     ::posix_spawn_file_actions_destroy(&actions);
     ::close(ends[1]);
     static char buffer[64 * 1024];

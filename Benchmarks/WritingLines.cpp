@@ -35,13 +35,7 @@ pid_t start(std::vector<std::string> command, int output, int errorOutput)
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
     ::posix_spawn_file_actions_adddup2(&actions, errorOutput, STDERR_FILENO);
-    std::vector<char *> arguments;
-    for (std::string &argument : command)
-        arguments.push_back(argument.data());
-    arguments.push_back(nullptr);
-    pid_t pid = 0;
-    if (::posix_spawn(&pid, arguments[0], &actions, nullptr, arguments.data(), environ) != 0)
-        std::abort();
+    const pid_t pid = spawn(std::move(command), &actions);
     ::posix_spawn_file_actions_destroy(&actions);
     ::close(output);
     ::close(errorOutput);
