@@ -44,6 +44,18 @@ TEST(Run, ReturnsWhatWasPrintedBeforeTheTimeLimit)
     EXPECT_EQ(result->launchError, std::nullopt);
 }
 
+TEST(Run, CollectsFarMoreThanPipeAndQueueHold)
+{
+    TestTools tools;
+    const QString tool = tools.addTool(u"flood"_s, u"head -c 12000000 /dev/zero | tr '\\0' x; echo end >&2"_s);
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 20));
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, 0);
+    EXPECT_EQ(result->stdout.size(), 12'000'000);
+    EXPECT_EQ(result->stdout.count(u'x'), 12'000'000);
+    EXPECT_EQ(result->stderr, u"end\n"_s);
+}
+
 TEST(Run, MayRunManyTimesAtOnce)
 {
     TestTools tools;
