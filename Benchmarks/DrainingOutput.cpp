@@ -22,7 +22,7 @@ void appendDecoded(std::string &text, const char *data, std::size_t size)
         text.append(data, size);
 }
 
-void drain(const QStringList &arguments, const OrbCLI::OutputHandler &onOutput)
+void drain(const QStringList &arguments, const OutputHandler &onOutput)
 {
     QEventLoop loop;
     OrbCLI::stream(QStringLiteral(BLOCK_WRITER), arguments, std::nullopt, std::nullopt, onOutput,

@@ -1,6 +1,7 @@
 #include "OutputPaneTest.h"
 
 #include "ContentView/Colours.h"
+#include "ContentView/OutputPanePainter.h"
 #include "ContentView/Typography.h"
 
 #include <QClipboard>
@@ -95,7 +96,7 @@ TEST_F(OutputPaneTest, DrawsEveryKindInItsColourInLightAndDark)
         QApplication::processEvents();
         TextStore::Position position = run.transcript().begin();
         for (const OutputKind kind : kinds) {
-            EXPECT_TRUE(draws(Colours::forKind(kind, shown), pane.characterRect(position)))
+            EXPECT_TRUE(draws(OutputPanePainter::colourOf(kind, shown), pane.characterRect(position)))
                 << "kind " << static_cast<int>(kind);
             position = run.transcript().runAt(position).end;
         }

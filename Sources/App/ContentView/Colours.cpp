@@ -60,25 +60,6 @@ QColor Colours::purple(const QPalette &palette)
     return toned(palette, 0x7a2ba8, 0xd2a8ff);
 }
 
-QColor Colours::forKind(OutputKind kind, const QPalette &palette)
-{
-    switch (kind) {
-    case OutputKind::out:
-        return primary(palette);
-    case OutputKind::err:
-        return red(palette);
-    case OutputKind::info:
-        return secondary(palette);
-    case OutputKind::ok:
-        return green(palette);
-    case OutputKind::fail:
-        return purple(palette);
-    case OutputKind::warn:
-        return orange(palette);
-    }
-    Q_UNREACHABLE();
-}
-
 QColor Colours::mixed(const QColor &over, const QColor &under, float share)
 {
     const auto channel = [share](float upper, float lower) { return upper * share + lower * (1 - share); };

@@ -3,8 +3,6 @@
 // The colours that carry a meaning, as pure functions of a palette: dark tones on a light window, light tones on a dark
 // one, each readable as text on the window's colour and on a pane. A widget asks again when its palette changes.
 
-#include "RunController/OutputKind.h"
-
 #include <QColor>
 
 class QPalette;
@@ -27,9 +25,6 @@ QColor red(const QPalette &palette);
 QColor orange(const QPalette &palette);
 QColor green(const QPalette &palette);
 QColor purple(const QPalette &palette);
-
-/// The text colour of a piece of output. `fail` is purple because red belongs to standard error alone.
-QColor forKind(OutputKind kind, const QPalette &palette);
 
 /// `over` covering a share, 0 to 1, of `under`; opaque. For what is large: Qt shares out a large translucent shape
 /// among threads, and waking those takes longer than painting it.

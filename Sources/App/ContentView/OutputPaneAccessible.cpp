@@ -1,7 +1,7 @@
 #include "ContentView/OutputPaneAccessible.h"
 
-#include "ContentView/Colours.h"
 #include "ContentView/OutputPane.h"
+#include "ContentView/OutputPanePainter.h"
 #include "RunController/Transcript.h"
 
 #include <QAccessibleWidget>
@@ -139,7 +139,7 @@ public:
         const Transcript::Run run = pane().transcript().runAt(position(offset));
         *start = this->offset(run.begin);
         *end = this->offset(run.end);
-        const QColor colour = Colours::forKind(run.kind, pane().palette());
+        const QColor colour = OutputPanePainter::colourOf(run.kind, pane().palette());
         return u"color:rgb(%1,%2,%3);"_s.arg(colour.red()).arg(colour.green()).arg(colour.blue());
     }
 

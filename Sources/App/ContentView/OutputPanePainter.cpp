@@ -12,6 +12,25 @@ using Look = OutputCluster::Look;
 
 } // namespace
 
+QColor OutputPanePainter::colourOf(OutputKind kind, const QPalette &palette)
+{
+    switch (kind) {
+    case OutputKind::out:
+        return Colours::primary(palette);
+    case OutputKind::err:
+        return Colours::red(palette);
+    case OutputKind::info:
+        return Colours::secondary(palette);
+    case OutputKind::ok:
+        return Colours::green(palette);
+    case OutputKind::fail:
+        return Colours::purple(palette);
+    case OutputKind::warn:
+        return Colours::orange(palette);
+    }
+    Q_UNREACHABLE();
+}
+
 OutputPanePainter::OutputPanePainter(QPainter &painter, OutputPaneFont &font, const QPalette &palette)
     : m_painter(painter),
       m_font(font),
@@ -19,7 +38,7 @@ OutputPanePainter::OutputPanePainter(QPainter &painter, OutputPaneFont &font, co
       m_highlightedText(palette.color(QPalette::HighlightedText))
 {
     for (std::size_t kind = 0; kind < m_kinds.size(); ++kind)
-        m_kinds[kind] = Colours::forKind(static_cast<OutputKind>(kind), palette);
+        m_kinds[kind] = colourOf(static_cast<OutputKind>(kind), palette);
 }
 
 void OutputPanePainter::draw(const OutputPaneRow &row, QByteArrayView text, const std::vector<Style> &styles,

@@ -24,6 +24,9 @@ public:
         friend bool operator==(const Style &, const Style &) = default;
     };
 
+    /// The text colour of a piece of output. `fail` is purple because red belongs to standard error alone.
+    static QColor colourOf(OutputKind kind, const QPalette &palette);
+
     OutputPanePainter(QPainter &painter, OutputPaneFont &font, const QPalette &palette);
 
     /// Draws a row with its top left corner at `place`; one style for each of its clusters.

@@ -2,6 +2,7 @@
 
 #include "OrbCLI/Continuation.h"
 #include "OrbCLI/ProcessEngine.h"
+#include "OrbCLI/ToolLocation.h"
 #include "OrbCLI/Utf8Text.h"
 
 #include <utility>
@@ -10,8 +11,13 @@ ProcessHandlePointer OrbCLI::stream(const QString &tool, const QStringList &argu
                                     const std::optional<QString> &input, std::optional<double> timeLimit,
                                     OutputHandler onOutput, ExitHandler onExit)
 {
-    return ProcessEngine::instance().launch(tool, arguments, input, timeLimit, std::move(onOutput), std::move(onExit),
-                                            OutputQueue::Announcing::asItComes);
+    return ProcessEngine::instance().launch({.tool = tool,
+                                             .arguments = arguments,
+                                             .environment = environment(),
+                                             .input = input,
+                                             .timeLimit = timeLimit,
+                                             .onOutput = std::move(onOutput),
+                                             .onExit = std::move(onExit)});
 }
 
 QCoro::Task<OrbCLI::StreamResult> OrbCLI::streamAsync(QString tool, QStringList arguments, std::optional<QString> input,
@@ -40,7 +46,13 @@ QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::opt
         end.resume(
             {status, textFromUtf8(output), textFromUtf8(errorOutput), handle->timedOut(), handle->launchError()});
     };
-    ProcessEngine::instance().launch(tool, arguments, input, timeLimit, onOutput, onExit,
-                                     OutputQueue::Announcing::atTheEnd);
+    ProcessEngine::instance().launch({.tool = tool,
+                                      .arguments = arguments,
+                                      .environment = environment(),
+                                      .input = input,
+                                      .timeLimit = timeLimit,
+                                      .onOutput = onOutput,
+                                      .onExit = onExit,
+                                      .collectsOutput = true});
     co_return co_await end.value();
 }

@@ -12,25 +12,17 @@
 // ("Could not start orb: …") and status -1.
 
 #include "OrbCLI/CLIResult.h"
-#include "OrbCLI/ProcessHandle.h"
+#include "OrbCLI/Launch.h"
 
 #include <QCoroTask>
 #include <QString>
 #include <QStringList>
-#include <QUtf8StringView>
 
 #include <functional>
 #include <optional>
 
 namespace OrbCLI
 {
-
-/// Called on the main thread for each chunk; the view is valid during the call only. `isError` tells standard error
-/// (and the launch-failure line) from standard output.
-using OutputHandler = std::function<void(QUtf8StringView text, bool isError)>;
-
-/// Called on the main thread exactly once, after the last chunk.
-using ExitHandler = std::function<void(int status, const ProcessHandlePointer &handle)>;
 
 using StartHandler = std::function<void(const ProcessHandlePointer &handle)>;
 

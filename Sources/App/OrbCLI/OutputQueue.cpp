@@ -12,8 +12,7 @@ constexpr qsizetype maximumChunk = qsizetype{64} * 1024;
 
 } // namespace
 
-OutputQueue::OutputQueue(ProcessHandlePointer handle, OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit,
-                         Announcing announcing)
+OutputQueue::OutputQueue(ProcessHandlePointer handle, OutputHandler onOutput, ExitHandler onExit, Announcing announcing)
     : m_handle(std::move(handle)),
       m_onOutput(std::move(onOutput)),
       m_onExit(std::move(onExit)),
@@ -109,8 +108,8 @@ std::optional<OutputQueue::Chunk> OutputQueue::takeChunk(bool &madeRoom)
 void OutputQueue::deliverEnd()
 {
     // What the handlers hold belongs to the main thread: released here, not wherever the queue's last owner is.
-    const OrbCLI::OutputHandler onOutput = std::exchange(m_onOutput, nullptr);
-    const OrbCLI::ExitHandler onExit = std::exchange(m_onExit, nullptr);
+    const OutputHandler onOutput = std::exchange(m_onOutput, nullptr);
+    const ExitHandler onExit = std::exchange(m_onExit, nullptr);
     if (onExit)
         onExit(m_status.value(), m_handle);
 }

@@ -6,7 +6,7 @@
 // The amount that waits is bounded. A full queue is not appended to: the rest stays in the child's pipe and holds the
 // child up. One append may go past the bound, so that a read need not be cut.
 
-#include "OrbCLI/OrbCLI.h"
+#include "OrbCLI/Launch.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -31,7 +31,7 @@ public:
         bool madeRoom = false;
     };
 
-    OutputQueue(ProcessHandlePointer handle, OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit,
+    OutputQueue(ProcessHandlePointer handle, OutputHandler onOutput, ExitHandler onExit,
                 Announcing announcing = Announcing::asItComes);
 
     Announcing announcing() const { return m_announcing; }
@@ -63,8 +63,8 @@ private:
     void deliverEnd();
 
     const ProcessHandlePointer m_handle;
-    OrbCLI::OutputHandler m_onOutput; // these two on the main thread only
-    OrbCLI::ExitHandler m_onExit;
+    OutputHandler m_onOutput; // these two on the main thread only
+    ExitHandler m_onExit;
     const Announcing m_announcing;
 
     std::mutex m_lock; // guards all below; the status is fixed once the end is announced

@@ -1,7 +1,6 @@
 #include "OrbCLI/ProcessEngine.h"
 
 #include "OrbCLI/ExitNotice.h"
-#include "OrbCLI/ToolLocation.h"
 
 #include <QCoreApplication>
 
@@ -79,31 +78,30 @@ ProcessEngine &ProcessEngine::instance()
 
 ProcessEngine::ProcessEngine() : m_delivery([this] { wake(); }) {}
 
-ProcessHandlePointer ProcessEngine::launch(const QString &tool, const QStringList &arguments,
-                                           const std::optional<QString> &input, std::optional<double> timeLimit,
-                                           OrbCLI::OutputHandler onOutput, OrbCLI::ExitHandler onExit,
-                                           OutputQueue::Announcing announcing)
+ProcessHandlePointer ProcessEngine::launch(Launch launch)
 {
     RunningChild::Parts parts;
     parts.process = std::make_shared<ChildProcess>();
     parts.handle = std::make_shared<ProcessHandle>(parts.process);
-    parts.queue = std::make_shared<OutputQueue>(parts.handle, std::move(onOutput), std::move(onExit), announcing);
+    parts.queue = std::make_shared<OutputQueue>(parts.handle, std::move(launch.onOutput), std::move(launch.onExit),
+                                                launch.collectsOutput ? OutputQueue::Announcing::atTheEnd
+                                                                      : OutputQueue::Announcing::asItComes);
     const ProcessHandlePointer handle = parts.handle;
 
     int error = startThread();
     if (error == 0)
-        error = startChild(parts, tool, arguments, input);
+        error = startChild(parts, launch);
     if (error != 0) {
         const QString description = QString::fromLocal8Bit(std::system_category().message(error));
         handle->setLaunchError(description);
-        const QString name = tool.section(u'/', -1, -1, QString::SectionSkipEmpty);
+        const QString name = launch.tool.section(u'/', -1, -1, QString::SectionSkipEmpty);
         const QString line = u"Could not start "_s + name + u": "_s + description + u'\n';
         static_cast<void>(parts.queue->append(line.toUtf8(), true));
         static_cast<void>(parts.queue->end(-1));
         m_delivery.announce(std::move(parts.queue));
         return handle;
     }
-    parts.deadline = deadlineAfter(timeLimit);
+    parts.deadline = deadlineAfter(launch.timeLimit);
     {
         const std::lock_guard guard(m_lock);
         m_arrivals.push_back(std::make_unique<RunningChild>(std::move(parts)));
@@ -112,8 +110,7 @@ ProcessHandlePointer ProcessEngine::launch(const QString &tool, const QStringLis
     return handle;
 }
 
-int ProcessEngine::startChild(RunningChild::Parts &parts, const QString &tool, const QStringList &arguments,
-                              const std::optional<QString> &input)
+int ProcessEngine::startChild(RunningChild::Parts &parts, const Launch &launch)
 {
     std::optional<Pipe> output = openPipe();
     if (!output)
@@ -125,20 +122,21 @@ int ProcessEngine::startChild(RunningChild::Parts &parts, const QString &tool, c
     streams.output = output->writeEnd.number();
     streams.errorOutput = errorOutput->writeEnd.number();
     std::optional<Pipe> inputPipe;
-    if (input) {
+    if (launch.input) {
         inputPipe = openPipe();
         if (!inputPipe)
             return errno;
         streams.input = inputPipe->readEnd.number();
     }
-    const int error = parts.process->start(tool.toStdString(), toUtf8(arguments), OrbCLI::environment(), streams);
+    const int error =
+        parts.process->start(launch.tool.toStdString(), toUtf8(launch.arguments), launch.environment, streams);
     if (error != 0)
         return error;
     parts.exitNotice = openExitNotice(parts.process->pid());
     parts.output = OutputReader(std::move(output->readEnd), false);
     parts.errorOutput = OutputReader(std::move(errorOutput->readEnd), true);
     if (inputPipe)
-        parts.input = InputWriter(std::move(inputPipe->writeEnd), input->toUtf8());
+        parts.input = InputWriter(std::move(inputPipe->writeEnd), launch.input->toUtf8());
     return 0;
 }
 

@@ -22,18 +22,16 @@ class ProcessEngine
 public:
     static ProcessEngine &instance();
 
-    /// See OrbCLI::stream. Any thread.
-    ProcessHandlePointer launch(const QString &tool, const QStringList &arguments, const std::optional<QString> &input,
-                                std::optional<double> timeLimit, OrbCLI::OutputHandler onOutput,
-                                OrbCLI::ExitHandler onExit, OutputQueue::Announcing announcing);
+    /// Starts the child and returns its handle at once, before any output. A child that cannot be started is one line
+    /// of error output and status -1. Any thread.
+    ProcessHandlePointer launch(Launch launch);
 
 private:
     ProcessEngine();
 
     /// 0, or the system's error number.
     int startThread();
-    int startChild(RunningChild::Parts &parts, const QString &tool, const QStringList &arguments,
-                   const std::optional<QString> &input);
+    int startChild(RunningChild::Parts &parts, const Launch &launch);
     static void stopInstance();
     void stop();
     void wake();

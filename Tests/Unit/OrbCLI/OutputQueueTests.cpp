@@ -28,10 +28,10 @@ protected:
 
     std::vector<Heard> heard;
     std::vector<int> ends;
-    const OrbCLI::OutputHandler hear = [this](QUtf8StringView text, bool isError) {
+    const OutputHandler hear = [this](QUtf8StringView text, bool isError) {
         heard.push_back({std::string(text.data(), static_cast<std::size_t>(text.size())), isError});
     };
-    const OrbCLI::ExitHandler hearTheEnd = [this](int status, const ProcessHandlePointer &) { ends.push_back(status); };
+    const ExitHandler hearTheEnd = [this](int status, const ProcessHandlePointer &) { ends.push_back(status); };
     OutputQueue queue{nullptr, hear, hearTheEnd};
 };
 

@@ -339,8 +339,8 @@ TEST(Stream, ReleasesItsHandlersOnTheMainThread)
         isOnMainThread = QThread::currentThread() == QCoreApplication::instance()->thread();
         isReleased = true;
     });
-    OrbCLI::OutputHandler onOutput = [held](QUtf8StringView, bool) {};
-    OrbCLI::ExitHandler onExit = [held](int, const ProcessHandlePointer &) {};
+    OutputHandler onOutput = [held](QUtf8StringView, bool) {};
+    ExitHandler onExit = [held](int, const ProcessHandlePointer &) {};
     held.reset();
     OrbCLI::stream(tools.addTool(u"talker"_s, u"echo a"_s), {}, std::nullopt, std::nullopt, std::move(onOutput),
                    std::move(onExit));
