@@ -3,8 +3,6 @@
 // The application's own window with its five controllers over an OrbStack whose one machine is this host, driven as a
 // user does it.
 
-#include "App/MainWindow.h"
-#include "App/TidewellApp.h"
 #include "ContentView/ContentView.h"
 #include "ContentView/HistoryView.h"
 #include "ContentView/OutputPane.h"
@@ -13,6 +11,8 @@
 #include "Screens/ByName.h"
 #include "Screens/FakeOrbStack.h"
 #include "Support/Waiting.h"
+#include "TidewellApp/MainWindow.h"
+#include "TidewellApp/TidewellApp.h"
 
 #include <QPushButton>
 #include <QSettings>

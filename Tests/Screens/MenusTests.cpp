@@ -1,6 +1,6 @@
-#include "App/MainWindow.h"
 #include "ContentView/ContentView.h"
 #include "Screens/TestWindow.h"
+#include "TidewellApp/MainWindow.h"
 
 #include <QAction>
 #include <QApplication>

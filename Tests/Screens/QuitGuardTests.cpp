@@ -1,7 +1,7 @@
-#include "App/MainWindow.h"
-#include "App/QuitGuard.h"
-#include "App/TidewellApp.h"
 #include "Screens/TestWindow.h"
+#include "TidewellApp/MainWindow.h"
+#include "TidewellApp/QuitGuard.h"
+#include "TidewellApp/TidewellApp.h"
 
 #include <QApplication>
 #include <QFile>

@@ -1,9 +1,9 @@
-#include "App/Menus.h"
+#include "TidewellApp/Menus.h"
 
-#include "App/EditMenu.h"
 #include "ContentView/Alert.h"
 #include "ContentView/ContentView.h"
 #include "SetupController/SetupController.h"
+#include "TidewellApp/EditMenu.h"
 
 #include <QActionGroup>
 #include <QApplication>

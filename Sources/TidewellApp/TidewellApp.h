@@ -2,13 +2,13 @@
 
 // The application: its five shared controllers, its one window, and how both end.
 
-#include "App/QuitGuard.h"
 #include "ContainerStore/ContainerStore.h"
 #include "ContentView/Controllers.h"
 #include "HistoryStore/HistoryStore.h"
 #include "MachineStore/MachineStore.h"
 #include "RunController/RunController.h"
 #include "SetupController/SetupController.h"
+#include "TidewellApp/QuitGuard.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "App/EditMenu.h"
+#include "TidewellApp/EditMenu.h"
 
 #include <QApplication>
 #include <QMainWindow>

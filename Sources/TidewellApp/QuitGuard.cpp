@@ -1,4 +1,4 @@
-#include "App/QuitGuard.h"
+#include "TidewellApp/QuitGuard.h"
 
 #include "ContentView/Alert.h"
 #include "RunController/RunController.h"

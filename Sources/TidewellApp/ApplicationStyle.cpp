@@ -1,4 +1,4 @@
-#include "App/ApplicationStyle.h"
+#include "TidewellApp/ApplicationStyle.h"
 
 QIcon ApplicationStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
 {

@@ -1,6 +1,6 @@
-#include "App/ApplicationStyle.h"
-#include "App/MainWindow.h"
-#include "App/TidewellApp.h"
+#include "TidewellApp/ApplicationStyle.h"
+#include "TidewellApp/MainWindow.h"
+#include "TidewellApp/TidewellApp.h"
 
 #include <QApplication>
 

@@ -1,6 +1,6 @@
-#include "App/TidewellApp.h"
+#include "TidewellApp/TidewellApp.h"
 
-#include "App/MainWindow.h"
+#include "TidewellApp/MainWindow.h"
 
 #include <QDesktopServices>
 #include <QUrl>

@@ -1,7 +1,7 @@
-#include "App/MainWindow.h"
+#include "TidewellApp/MainWindow.h"
 
-#include "App/Menus.h"
 #include "ContentView/ContentView.h"
+#include "TidewellApp/Menus.h"
 
 using namespace Qt::StringLiterals;
 
