@@ -5,8 +5,8 @@
 
 #include "Measuring.h"
 #include "OrbCLI/OrbCLI.h"
-#include "OrbCLI/Utf8Repair.h"
 #include "RunController/Transcript.h"
+#include "Text/Utf8Repair.h"
 
 #include <QCoreApplication>
 

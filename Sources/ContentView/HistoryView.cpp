@@ -7,9 +7,9 @@
 #include "ContentView/PlainLabel.h"
 #include "ContentView/RowList.h"
 #include "ContentView/Typography.h"
-#include "ContentView/VisibleText.h"
 #include "HistoryStore/HistoryStore.h"
 #include "RunController/RunController.h"
+#include "Text/VisibleText.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

@@ -1,6 +1,6 @@
 #include "ContentView/MachinePicker.h"
 
-#include "ContentView/VisibleText.h"
+#include "Text/VisibleText.h"
 
 #include <QSignalBlocker>
 

@@ -11,9 +11,9 @@
 #include "ContentView/RowList.h"
 #include "ContentView/TextField.h"
 #include "ContentView/Typography.h"
-#include "ContentView/VisibleText.h"
 #include "MachineStore/MachineStore.h"
 #include "SetupController/SetupController.h"
+#include "Text/VisibleText.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>

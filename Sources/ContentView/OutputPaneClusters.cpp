@@ -1,7 +1,7 @@
 #include "ContentView/OutputPaneClusters.h"
 
-#include "OrbCLI/GraphemeBreaker.h"
-#include "OrbCLI/Utf8.h"
+#include "Text/GraphemeBreaker.h"
+#include "Text/Utf8.h"
 
 #include <unicode/uchar.h>
 #include <unicode/uscript.h>

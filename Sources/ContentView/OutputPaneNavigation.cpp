@@ -1,6 +1,6 @@
 #include "ContentView/OutputPaneNavigation.h"
 
-#include "OrbCLI/Utf8.h"
+#include "Text/Utf8.h"
 
 #include <unicode/uchar.h>
 

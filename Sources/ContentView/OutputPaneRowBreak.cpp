@@ -1,7 +1,7 @@
 #include "ContentView/OutputPaneRowBreak.h"
 
-#include "OrbCLI/Utf8.h"
 #include "RunController/TextMeasure.h"
+#include "Text/Utf8.h"
 
 #include <algorithm>
 

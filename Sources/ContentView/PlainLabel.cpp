@@ -1,6 +1,6 @@
 #include "ContentView/PlainLabel.h"
 
-#include "ContentView/VisibleText.h"
+#include "Text/VisibleText.h"
 
 #include <QApplication>
 #include <QHelpEvent>

@@ -1,6 +1,6 @@
 #include "HistoryStore/HistoryFile.h"
 
-#include "OrbCLI/JsonText.h"
+#include "Text/JsonText.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,8 +1,8 @@
 #include "OrbCLI/CappedLog.h"
 
-#include "OrbCLI/GraphemeBreaker.h"
-#include "OrbCLI/Utf8.h"
-#include "OrbCLI/Utf8Text.h"
+#include "Text/GraphemeBreaker.h"
+#include "Text/Utf8.h"
+#include "Text/Utf8Text.h"
 
 namespace
 {

@@ -4,7 +4,7 @@
 // last 150,000 stay. Characters are those a reader sees (grapheme clusters). Appending costs what the new text costs,
 // whatever the log already holds.
 
-#include "OrbCLI/GraphemeCounter.h"
+#include "Text/GraphemeCounter.h"
 
 #include <QByteArrayView>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "OrbCLI/ContainerList.h"
 
-#include "OrbCLI/Utf8Text.h"
+#include "Text/Utf8Text.h"
 
 #include <nlohmann/json.hpp>
 

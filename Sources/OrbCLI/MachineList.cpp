@@ -1,6 +1,6 @@
 #include "OrbCLI/MachineList.h"
 
-#include "OrbCLI/JsonText.h"
+#include "Text/JsonText.h"
 
 #include <nlohmann/json.hpp>
 

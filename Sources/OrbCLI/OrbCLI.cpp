@@ -3,7 +3,7 @@
 #include "OrbCLI/Continuation.h"
 #include "OrbCLI/ProcessEngine.h"
 #include "OrbCLI/ToolLocation.h"
-#include "OrbCLI/Utf8Text.h"
+#include "Text/Utf8Text.h"
 
 #include <utility>
 

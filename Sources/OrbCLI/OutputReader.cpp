@@ -1,7 +1,7 @@
 #include "OrbCLI/OutputReader.h"
 
 #include "OrbCLI/Pipe.h"
-#include "OrbCLI/Utf8Repair.h"
+#include "Text/Utf8Repair.h"
 
 #include <poll.h>
 

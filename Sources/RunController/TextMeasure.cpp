@@ -1,6 +1,6 @@
 #include "RunController/TextMeasure.h"
 
-#include "OrbCLI/Utf8.h"
+#include "Text/Utf8.h"
 
 #include <array>
 #include <cstring>

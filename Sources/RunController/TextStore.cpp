@@ -1,8 +1,8 @@
 #include "RunController/TextStore.h"
 
-#include "OrbCLI/GraphemeBreaker.h"
-#include "OrbCLI/Utf8.h"
 #include "RunController/TextMeasure.h"
+#include "Text/GraphemeBreaker.h"
+#include "Text/Utf8.h"
 
 #include <QStringDecoder>
 

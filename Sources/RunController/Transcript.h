@@ -10,9 +10,9 @@
 // call and never the last one: a soft bound on purpose. Characters are counted segment by segment, so a character that
 // two segments share counts in both.
 
-#include "OrbCLI/GraphemeCounter.h"
 #include "RunController/OutputSegment.h"
 #include "RunController/TextStore.h"
+#include "Text/GraphemeCounter.h"
 
 #include <QString>
 #include <QUtf8StringView>

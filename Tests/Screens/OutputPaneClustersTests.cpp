@@ -1,7 +1,7 @@
 #include "ContentView/OutputPaneClusters.h"
 
-#include "OrbCLI/Utf8.h"
 #include "Support/Printing.h"
+#include "Text/Utf8.h"
 
 #include <QString>
 

@@ -1,10 +1,10 @@
 // What the pane shows, copies and tells is what arrived, for the texts that are measured and however they were cut.
 
 #include "ContentView/OutputPane.h"
-#include "OrbCLI/Utf8Repair.h"
 #include "RunController/RunController.h"
 #include "Screens/TestWindow.h"
 #include "Support/OutputTexts.h"
+#include "Text/Utf8Repair.h"
 
 #include <QAccessible>
 #include <QClipboard>

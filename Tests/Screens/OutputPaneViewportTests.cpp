@@ -1,7 +1,7 @@
 #include "ContentView/OutputPaneViewport.h"
 
 #include "ContentView/OutputPaneRowBreak.h"
-#include "OrbCLI/Utf8.h"
+#include "Text/Utf8.h"
 #include "Unit/RunController/RandomText.h"
 
 #include <gtest/gtest.h>

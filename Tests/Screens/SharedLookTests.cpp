@@ -6,9 +6,9 @@
 #include "ContentView/StatusDot.h"
 #include "ContentView/TextField.h"
 #include "ContentView/Typography.h"
-#include "ContentView/VisibleText.h"
 #include "Screens/ByName.h"
 #include "Support/Waiting.h"
+#include "Text/VisibleText.h"
 
 #include <QApplication>
 #include <QClipboard>

@@ -1,4 +1,4 @@
-#include "OrbCLI/GraphemeCounter.h"
+#include "Text/GraphemeCounter.h"
 
 #include "Unit/RunController/RandomText.h"
 

@@ -3,8 +3,8 @@
 // Everything that one streamed child says, in the order in which the main thread hears it.
 
 #include "OrbCLI/OrbCLI.h"
-#include "OrbCLI/Utf8Text.h"
 #include "Support/Waiting.h"
+#include "Text/Utf8Text.h"
 
 #include <QStringList>
 #include <QThread>

@@ -1,4 +1,4 @@
-#include "OrbCLI/Utf8Repair.h"
+#include "Text/Utf8Repair.h"
 
 #include <gtest/gtest.h>
 

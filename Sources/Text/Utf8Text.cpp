@@ -1,4 +1,4 @@
-#include "OrbCLI/Utf8Text.h"
+#include "Text/Utf8Text.h"
 
 #include <QStringDecoder>
 

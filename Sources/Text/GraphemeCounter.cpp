@@ -1,6 +1,6 @@
-#include "OrbCLI/GraphemeCounter.h"
+#include "Text/GraphemeCounter.h"
 
-#include "OrbCLI/Utf8.h"
+#include "Text/Utf8.h"
 
 #include <algorithm>
 

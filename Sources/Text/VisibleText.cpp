@@ -1,4 +1,4 @@
-#include "ContentView/VisibleText.h"
+#include "Text/VisibleText.h"
 
 #include <QList>
 

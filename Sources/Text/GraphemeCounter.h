@@ -4,7 +4,7 @@
 // and with a fast path for ASCII. Counting stops at a limit: who only wants to know whether a bound was passed need not
 // pay for more.
 
-#include "OrbCLI/GraphemeBreaker.h"
+#include "Text/GraphemeBreaker.h"
 
 #include <QByteArrayView>
 

@@ -1,4 +1,4 @@
-#include "OrbCLI/GraphemeBreaker.h"
+#include "Text/GraphemeBreaker.h"
 
 #include <unicode/uchar.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrbCLI/Utf8Text.h"
+#include "Text/Utf8Text.h"
 
 #include <QString>
 
