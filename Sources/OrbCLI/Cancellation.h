@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrbCLI/ProcessHandle.h"
+#include "Process/ProcessHandle.h"
 
 /// The user's wish to end an operation, and the child process that runs for it now. A wish that comes while there is no
 /// child ends the next one as soon as it starts. Main thread.

@@ -1,8 +1,8 @@
 #include "OrbCLI/OrbCLI.h"
 
 #include "OrbCLI/Continuation.h"
-#include "OrbCLI/ProcessEngine.h"
 #include "OrbCLI/ToolLocation.h"
+#include "Process/ProcessEngine.h"
 #include "Text/Utf8Text.h"
 
 #include <utility>

@@ -12,7 +12,7 @@
 // ("Could not start orb: …") and status -1.
 
 #include "OrbCLI/CLIResult.h"
-#include "OrbCLI/Launch.h"
+#include "Process/Launch.h"
 
 #include <QCoroTask>
 #include <QString>

@@ -1,4 +1,4 @@
-#include "OrbCLI/ChildProcess.h"
+#include "Process/ChildProcess.h"
 
 #include <fcntl.h>
 #include <spawn.h>

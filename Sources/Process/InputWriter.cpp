@@ -1,6 +1,6 @@
-#include "OrbCLI/InputWriter.h"
+#include "Process/InputWriter.h"
 
-#include "OrbCLI/Pipe.h"
+#include "Process/Pipe.h"
 
 #include <cerrno>
 #include <utility>

@@ -1,6 +1,6 @@
-#include "OrbCLI/RunningChild.h"
+#include "Process/RunningChild.h"
 
-#include "OrbCLI/ProcessHandle.h"
+#include "Process/ProcessHandle.h"
 
 #include <algorithm>
 #include <utility>

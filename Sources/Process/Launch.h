@@ -2,7 +2,7 @@
 
 // All that the process engine has to know of a child that it is to start. A plain value.
 
-#include "OrbCLI/ProcessHandle.h"
+#include "Process/ProcessHandle.h"
 
 #include <QString>
 #include <QStringList>

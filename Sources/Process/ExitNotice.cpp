@@ -1,4 +1,4 @@
-#include "OrbCLI/ExitNotice.h"
+#include "Process/ExitNotice.h"
 
 #ifdef __linux__
 

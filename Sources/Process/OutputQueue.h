@@ -6,7 +6,7 @@
 // The amount that waits is bounded. A full queue is not appended to: the rest stays in the child's pipe and holds the
 // child up. One append may go past the bound, so that a read need not be cut.
 
-#include "OrbCLI/Launch.h"
+#include "Process/Launch.h"
 
 #include <QByteArray>
 #include <QByteArrayView>

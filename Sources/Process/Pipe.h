@@ -2,7 +2,7 @@
 
 // Pipes to and from child processes. Where the systems differ, both ways are in Pipe.cpp.
 
-#include "OrbCLI/FileDescriptor.h"
+#include "Process/FileDescriptor.h"
 
 #include <cstddef>
 #include <optional>

@@ -3,7 +3,7 @@
 // Carries output and ends to the main thread: it calls the handlers of all children there, in slices, so that the event
 // loop paints and reads keys in between however much a child prints. However many chunks wait, one event is pending.
 
-#include "OrbCLI/OutputQueue.h"
+#include "Process/OutputQueue.h"
 
 #include <QObject>
 

@@ -1,4 +1,4 @@
-#include "OrbCLI/Pipe.h"
+#include "Process/Pipe.h"
 
 #include <fcntl.h>
 

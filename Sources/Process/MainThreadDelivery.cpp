@@ -1,4 +1,4 @@
-#include "OrbCLI/MainThreadDelivery.h"
+#include "Process/MainThreadDelivery.h"
 
 #include <QCoreApplication>
 #include <QEvent>

@@ -1,4 +1,4 @@
-#include "OrbCLI/OutputQueue.h"
+#include "Process/OutputQueue.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,6 +1,6 @@
-#include "OrbCLI/OutputReader.h"
+#include "Process/OutputReader.h"
 
-#include "OrbCLI/Pipe.h"
+#include "Process/Pipe.h"
 #include "Text/Utf8Repair.h"
 
 #include <poll.h>

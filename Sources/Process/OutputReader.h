@@ -3,8 +3,8 @@
 // Reads one output pipe of a child, makes each read valid text by itself and appends it to the child's queue.
 // Background thread only.
 
-#include "OrbCLI/FileDescriptor.h"
-#include "OrbCLI/OutputQueue.h"
+#include "Process/FileDescriptor.h"
+#include "Process/OutputQueue.h"
 
 #include <QByteArray>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OrbCLI/FileDescriptor.h"
+#include "Process/FileDescriptor.h"
 
 #include <sys/types.h>
 

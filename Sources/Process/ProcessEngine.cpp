@@ -1,6 +1,6 @@
-#include "OrbCLI/ProcessEngine.h"
+#include "Process/ProcessEngine.h"
 
-#include "OrbCLI/ExitNotice.h"
+#include "Process/ExitNotice.h"
 
 #include <QCoreApplication>
 

@@ -6,10 +6,10 @@
 // It starts with the first child and ends with the application object; children that still run are left alone, and
 // their handlers are not called any more.
 
-#include "OrbCLI/FileDescriptor.h"
-#include "OrbCLI/MainThreadDelivery.h"
-#include "OrbCLI/Pipe.h"
-#include "OrbCLI/RunningChild.h"
+#include "Process/FileDescriptor.h"
+#include "Process/MainThreadDelivery.h"
+#include "Process/Pipe.h"
+#include "Process/RunningChild.h"
 
 #include <memory>
 #include <mutex>

@@ -1,6 +1,6 @@
-#include "OrbCLI/ProcessHandle.h"
+#include "Process/ProcessHandle.h"
 
-#include "OrbCLI/ChildProcess.h"
+#include "Process/ChildProcess.h"
 
 #include <algorithm>
 #include <utility>

@@ -2,10 +2,10 @@
 
 // The background thread's side of one started child: its pipes, its end and its time limit.
 
-#include "OrbCLI/ChildProcess.h"
-#include "OrbCLI/InputWriter.h"
-#include "OrbCLI/OutputQueue.h"
-#include "OrbCLI/OutputReader.h"
+#include "Process/ChildProcess.h"
+#include "Process/InputWriter.h"
+#include "Process/OutputQueue.h"
+#include "Process/OutputReader.h"
 
 #include <poll.h>
 

@@ -3,7 +3,7 @@
 // Writes a text to a child's standard input as fast as the child takes it and then closes it. A child that does not
 // read holds up nothing; a child that has closed its input ends the writing. Background thread only.
 
-#include "OrbCLI/FileDescriptor.h"
+#include "Process/FileDescriptor.h"
 
 #include <QByteArray>
 
