@@ -5,8 +5,8 @@
 
 #include "Measuring.h"
 #include "OrbCLI/OrbCLI.h"
-#include "RunController/Transcript.h"
 #include "Text/Utf8Repair.h"
+#include "Transcript/Transcript.h"
 
 #include <QCoreApplication>
 

@@ -5,7 +5,7 @@
 
 #include "Measuring.h"
 #include "OrbCLI/OrbCLI.h"
-#include "RunController/Transcript.h"
+#include "Transcript/Transcript.h"
 
 #include <QCoreApplication>
 #include <QTimer>

@@ -2,7 +2,7 @@
 
 // Output on its way to the clipboard.
 
-#include "RunController/Transcript.h"
+#include "Transcript/Transcript.h"
 
 class QWidget;
 

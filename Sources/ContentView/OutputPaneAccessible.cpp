@@ -2,7 +2,7 @@
 
 #include "ContentView/OutputPane.h"
 #include "ContentView/OutputPanePainter.h"
-#include "RunController/Transcript.h"
+#include "Transcript/Transcript.h"
 
 #include <QAccessibleWidget>
 

@@ -3,7 +3,7 @@
 // The output pane as assistive technology meets it: a read-only text of many lines, read range by range straight from
 // the transcript. Offsets are UTF-16 code units from the transcript's first character.
 
-#include "RunController/TextStore.h"
+#include "Transcript/TextStore.h"
 
 class OutputPane;
 

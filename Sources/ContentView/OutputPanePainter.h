@@ -4,7 +4,7 @@
 // font's memory, joined scripts as shaped texts.
 
 #include "ContentView/OutputPaneRow.h"
-#include "RunController/OutputKind.h"
+#include "Transcript/OutputKind.h"
 
 #include <QColor>
 #include <QPainter>

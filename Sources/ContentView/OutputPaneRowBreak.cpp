@@ -1,7 +1,7 @@
 #include "ContentView/OutputPaneRowBreak.h"
 
-#include "RunController/TextMeasure.h"
 #include "Text/Utf8.h"
+#include "Transcript/TextMeasure.h"
 
 #include <algorithm>
 

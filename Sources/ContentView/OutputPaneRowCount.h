@@ -8,7 +8,7 @@
 //
 // Main thread only. Everything is asked of the text as it is at that moment.
 
-#include "RunController/TextStore.h"
+#include "Transcript/TextStore.h"
 
 #include <deque>
 #include <map>

@@ -15,7 +15,7 @@
 #include "OrbCLI/OrbCLI.h"
 #include "RunController/OutputPace.h"
 #include "RunController/RunJob.h"
-#include "RunController/Transcript.h"
+#include "Transcript/Transcript.h"
 
 #include <QCoroTask>
 #include <QDateTime>

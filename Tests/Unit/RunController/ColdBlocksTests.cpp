@@ -1,4 +1,4 @@
-#include "RunController/ColdBlocks.h"
+#include "Transcript/ColdBlocks.h"
 
 #include "Support/ProcessMemory.h"
 #include "Support/Waiting.h"

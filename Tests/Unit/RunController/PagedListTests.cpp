@@ -1,4 +1,4 @@
-#include "RunController/PagedList.h"
+#include "Transcript/PagedList.h"
 
 #include "Unit/RunController/RandomText.h"
 

@@ -1,4 +1,4 @@
-#include "RunController/TextMeasure.h"
+#include "Transcript/TextMeasure.h"
 
 #include <QByteArray>
 #include <QList>

@@ -1,4 +1,4 @@
-#include "RunController/TextStore.h"
+#include "Transcript/TextStore.h"
 
 #include "Support/ProcessMemory.h"
 #include "Support/Waiting.h"

@@ -9,8 +9,8 @@
 //
 // To read a block is to unpack it: about a tenth of a millisecond. The blocks that were read last stay unpacked.
 
-#include "RunController/PageMemory.h"
-#include "RunController/PagedList.h"
+#include "Transcript/PageMemory.h"
+#include "Transcript/PagedList.h"
 
 #include <QByteArrayView>
 

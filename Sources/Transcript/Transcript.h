@@ -10,9 +10,9 @@
 // call and never the last one: a soft bound on purpose. Characters are counted segment by segment, so a character that
 // two segments share counts in both.
 
-#include "RunController/OutputSegment.h"
-#include "RunController/TextStore.h"
 #include "Text/GraphemeCounter.h"
+#include "Transcript/OutputSegment.h"
+#include "Transcript/TextStore.h"
 
 #include <QString>
 #include <QUtf8StringView>

@@ -1,4 +1,4 @@
-#include "RunController/Transcript.h"
+#include "Transcript/Transcript.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RunController/OutputKind.h"
+#include "Transcript/OutputKind.h"
 
 #include <QString>
 #include <QUuid>

@@ -1,8 +1,8 @@
-#include "RunController/TextStore.h"
+#include "Transcript/TextStore.h"
 
-#include "RunController/TextMeasure.h"
 #include "Text/GraphemeBreaker.h"
 #include "Text/Utf8.h"
+#include "Transcript/TextMeasure.h"
 
 #include <QStringDecoder>
 

@@ -3,7 +3,7 @@
 // A list of small plain values that grows at its end and shrinks at its front, for millions of them: growing never
 // moves what is there, and the memory goes back to the system as the list shrinks.
 
-#include "RunController/PageMemory.h"
+#include "Transcript/PageMemory.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -15,9 +15,9 @@
 // those near the end as they are, for speed, all others compressed (ColdBlocks.h), so that hours of a chatty script fit
 // into memory. What is known of a block, its bytes apart, is always at hand.
 
-#include "RunController/ColdBlocks.h"
-#include "RunController/PageMemory.h"
-#include "RunController/PagedList.h"
+#include "Transcript/ColdBlocks.h"
+#include "Transcript/PageMemory.h"
+#include "Transcript/PagedList.h"
 
 #include <QByteArrayView>
 #include <QString>

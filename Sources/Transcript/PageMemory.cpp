@@ -1,4 +1,4 @@
-#include "RunController/PageMemory.h"
+#include "Transcript/PageMemory.h"
 
 #include <chrono>
 #include <iterator>
