@@ -1,6 +1,6 @@
 #include "ContainerStore/ContainerStore.h"
 
-#include "OrbCLI/ContainerList.h"
+#include "ContainerStore/ContainerList.h"
 #include "OrbCLI/OrbCLI.h"
 #include "OrbCLI/ToolLocation.h"
 

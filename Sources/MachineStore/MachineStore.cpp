@@ -1,7 +1,7 @@
 #include "MachineStore/MachineStore.h"
 
+#include "MachineStore/MachineList.h"
 #include "OrbCLI/DeleteMachine.h"
-#include "OrbCLI/MachineList.h"
 #include "OrbCLI/ToolLocation.h"
 
 #include <QPointer>

@@ -1,4 +1,4 @@
-#include "OrbCLI/MachineList.h"
+#include "MachineStore/MachineList.h"
 
 #include "Text/JsonText.h"
 

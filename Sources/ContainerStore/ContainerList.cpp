@@ -1,4 +1,4 @@
-#include "OrbCLI/ContainerList.h"
+#include "ContainerStore/ContainerList.h"
 
 #include "Text/Utf8Text.h"
 
