@@ -7,7 +7,7 @@
 #include "ContentView/HistoryView.h"
 #include "ContentView/OutputPane.h"
 #include "ContentView/ScriptEditor.h"
-#include "ContentView/Typography.h"
+#include "Look/Typography.h"
 #include "Screens/ByName.h"
 #include "Screens/FakeOrbStack.h"
 #include "Support/Waiting.h"

@@ -5,8 +5,8 @@
 
 #include "ContainerStore/ContainerStore.h"
 #include "ContentView/ContainersView.h"
-#include "ContentView/RowList.h"
 #include "HistoryStore/HistoryStore.h"
+#include "Look/Rows/RowList.h"
 #include "MachineStore/MachineStore.h"
 #include "Measuring.h"
 #include "RunController/RunController.h"

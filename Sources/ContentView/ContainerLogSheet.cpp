@@ -1,11 +1,11 @@
 #include "ContentView/ContainerLogSheet.h"
 
 #include "ContainerStore/ContainerStore.h"
-#include "ContentView/Colours.h"
-#include "ContentView/Controls.h"
-#include "ContentView/LogBox.h"
-#include "ContentView/PlainLabel.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/Controls.h"
+#include "Look/LogBox.h"
+#include "Look/PlainLabel.h"
+#include "Look/Typography.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

@@ -1,6 +1,6 @@
 #include "ContentView/DisposableToggle.h"
 
-#include "ContentView/Alert.h"
+#include "Look/Alert.h"
 
 #include <QMessageBox>
 #include <QSettings>

@@ -1,9 +1,9 @@
 #include "ContentView/FolderPicker.h"
 
-#include "ContentView/Colours.h"
-#include "ContentView/Controls.h"
-#include "ContentView/PlainLabel.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/Controls.h"
+#include "Look/PlainLabel.h"
+#include "Look/Typography.h"
 
 #include <QFileDialog>
 #include <QHBoxLayout>

@@ -1,13 +1,13 @@
 #include "ContentView/HistoryView.h"
 
-#include "ContentView/Colours.h"
-#include "ContentView/Controls.h"
 #include "ContentView/DateText.h"
 #include "ContentView/HistoryTexts.h"
-#include "ContentView/PlainLabel.h"
-#include "ContentView/RowList.h"
-#include "ContentView/Typography.h"
 #include "HistoryStore/HistoryStore.h"
+#include "Look/Colours.h"
+#include "Look/Controls.h"
+#include "Look/PlainLabel.h"
+#include "Look/Rows/RowList.h"
+#include "Look/Typography.h"
 #include "RunController/RunController.h"
 #include "Text/VisibleText.h"
 

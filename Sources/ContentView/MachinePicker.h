@@ -3,7 +3,7 @@
 // Chooses one of the store's machines by name. A refreshed list changes only what differs, so an open list stays open
 // and the choice stays chosen.
 
-#include "ContentView/Picker.h"
+#include "Look/Picker.h"
 #include "MachineStore/Machine.h"
 
 #include <QList>

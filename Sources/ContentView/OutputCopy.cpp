@@ -1,6 +1,6 @@
 #include "ContentView/OutputCopy.h"
 
-#include "ContentView/Alert.h"
+#include "Look/Alert.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

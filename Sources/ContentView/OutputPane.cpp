@@ -1,9 +1,9 @@
 #include "ContentView/OutputPane.h"
 
-#include "ContentView/Colours.h"
 #include "ContentView/OutputPanePainter.h"
-#include "ContentView/PaneFrame.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/PaneFrame.h"
+#include "Look/Typography.h"
 #include "RunController/RunController.h"
 
 #include <QPaintEvent>

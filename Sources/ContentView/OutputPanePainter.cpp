@@ -1,6 +1,6 @@
 #include "ContentView/OutputPanePainter.h"
 
-#include "ContentView/Colours.h"
+#include "Look/Colours.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,10 @@
 #include "ContentView/RunStatus.h"
 
-#include "ContentView/Colours.h"
-#include "ContentView/Controls.h"
-#include "ContentView/PlainLabel.h"
-#include "ContentView/Spinner.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/Controls.h"
+#include "Look/PlainLabel.h"
+#include "Look/Spinner.h"
+#include "Look/Typography.h"
 #include "RunController/RunController.h"
 
 #include <QHBoxLayout>

@@ -1,7 +1,7 @@
 #include "ContentView/ScriptEditor.h"
 
-#include "ContentView/Colours.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/Typography.h"
 #include "RunController/RunController.h"
 
 #include <QMimeData>

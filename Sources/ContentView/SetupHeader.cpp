@@ -1,13 +1,13 @@
 #include "ContentView/SetupHeader.h"
 
-#include "ContentView/Colours.h"
-#include "ContentView/Controls.h"
-#include "ContentView/IndeterminateBar.h"
-#include "ContentView/LogBox.h"
-#include "ContentView/NoteText.h"
-#include "ContentView/PlainLabel.h"
-#include "ContentView/StatusDot.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/Controls.h"
+#include "Look/IndeterminateBar.h"
+#include "Look/LogBox.h"
+#include "Look/NoteText.h"
+#include "Look/PlainLabel.h"
+#include "Look/StatusDot.h"
+#include "Look/Typography.h"
 #include "SetupController/SetupController.h"
 
 #include <QHBoxLayout>

@@ -1,6 +1,6 @@
 #include "ContentView/TabSelector.h"
 
-#include "ContentView/Colours.h"
+#include "Look/Colours.h"
 
 #include <QPainter>
 

@@ -1,7 +1,7 @@
 #include "TidewellApp/Menus.h"
 
-#include "ContentView/Alert.h"
 #include "ContentView/ContentView.h"
+#include "Look/Alert.h"
 #include "SetupController/SetupController.h"
 #include "TidewellApp/EditMenu.h"
 

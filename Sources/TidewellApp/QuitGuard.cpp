@@ -1,6 +1,6 @@
 #include "TidewellApp/QuitGuard.h"
 
-#include "ContentView/Alert.h"
+#include "Look/Alert.h"
 #include "RunController/RunController.h"
 
 #include <QApplication>

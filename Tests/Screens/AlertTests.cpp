@@ -1,4 +1,4 @@
-#include "ContentView/Alert.h"
+#include "Look/Alert.h"
 #include "Screens/ByName.h"
 
 #include <QLabel>

@@ -2,15 +2,15 @@
 
 // The Containers tab over a `docker` whose answers are files and whose actions a test may hold up.
 
-#include "ContentView/Colours.h"
 #include "ContentView/ContainerLogSheet.h"
 #include "ContentView/ContainersView.h"
-#include "ContentView/LogBox.h"
-#include "ContentView/NoteText.h"
-#include "ContentView/PlainLabel.h"
-#include "ContentView/RowList.h"
-#include "ContentView/StatusDot.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/LogBox.h"
+#include "Look/NoteText.h"
+#include "Look/PlainLabel.h"
+#include "Look/Rows/RowList.h"
+#include "Look/StatusDot.h"
+#include "Look/Typography.h"
 #include "Screens/PaintWatch.h"
 #include "Screens/TestWindow.h"
 

@@ -1,8 +1,8 @@
-#include "ContentView/Colours.h"
 #include "ContentView/DateText.h"
 #include "ContentView/HistoryView.h"
-#include "ContentView/PlainLabel.h"
-#include "ContentView/RowList.h"
+#include "Look/Colours.h"
+#include "Look/PlainLabel.h"
+#include "Look/Rows/RowList.h"
 #include "Screens/PaintWatch.h"
 #include "Screens/TestWindow.h"
 

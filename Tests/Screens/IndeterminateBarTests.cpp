@@ -1,4 +1,4 @@
-#include "ContentView/IndeterminateBar.h"
+#include "Look/IndeterminateBar.h"
 #include "Screens/ByName.h"
 #include "Support/Waiting.h"
 

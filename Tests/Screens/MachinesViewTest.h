@@ -2,14 +2,14 @@
 
 // The Machines tab over an `orb` whose operations a test may hold up.
 
-#include "ContentView/Colours.h"
-#include "ContentView/LogBox.h"
 #include "ContentView/MachinesView.h"
-#include "ContentView/NoteText.h"
-#include "ContentView/PlainLabel.h"
-#include "ContentView/RowList.h"
-#include "ContentView/StatusDot.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/LogBox.h"
+#include "Look/NoteText.h"
+#include "Look/PlainLabel.h"
+#include "Look/Rows/RowList.h"
+#include "Look/StatusDot.h"
+#include "Look/Typography.h"
 #include "Screens/PaintWatch.h"
 #include "Screens/TestWindow.h"
 

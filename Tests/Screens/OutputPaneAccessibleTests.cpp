@@ -1,6 +1,6 @@
 #include "OutputPaneTest.h"
 
-#include "ContentView/Colours.h"
+#include "Look/Colours.h"
 
 using namespace Qt::StringLiterals;
 

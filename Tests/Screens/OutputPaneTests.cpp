@@ -1,8 +1,8 @@
 #include "OutputPaneTest.h"
 
-#include "ContentView/Colours.h"
 #include "ContentView/OutputPanePainter.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/Typography.h"
 
 #include <QClipboard>
 #include <QElapsedTimer>

@@ -2,8 +2,8 @@
 
 // A list of rows between two text fields, in a window.
 
-#include "ContentView/PlainLabel.h"
-#include "ContentView/RowList.h"
+#include "Look/PlainLabel.h"
+#include "Look/Rows/RowList.h"
 #include "Screens/PaintWatch.h"
 #include "Support/Waiting.h"
 

@@ -2,12 +2,12 @@
 
 // What a user does on the Run screen, in a call each.
 
-#include "ContentView/Colours.h"
 #include "ContentView/MachinePicker.h"
-#include "ContentView/PlainLabel.h"
 #include "ContentView/RunView.h"
 #include "ContentView/ScriptEditor.h"
-#include "ContentView/Spinner.h"
+#include "Look/Colours.h"
+#include "Look/PlainLabel.h"
+#include "Look/Spinner.h"
 #include "Screens/TestWindow.h"
 
 #include <QAbstractItemView>

@@ -1,10 +1,10 @@
-#include "ContentView/Colours.h"
-#include "ContentView/LogBox.h"
-#include "ContentView/NoteText.h"
-#include "ContentView/PlainLabel.h"
 #include "ContentView/SetupHeader.h"
-#include "ContentView/StatusDot.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/LogBox.h"
+#include "Look/NoteText.h"
+#include "Look/PlainLabel.h"
+#include "Look/StatusDot.h"
+#include "Look/Typography.h"
 #include "Screens/TestWindow.h"
 
 #include <QProgressBar>

@@ -1,4 +1,4 @@
-#include "ContentView/StatusDot.h"
+#include "Look/StatusDot.h"
 
 #include <QPainter>
 

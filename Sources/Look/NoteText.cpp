@@ -1,4 +1,4 @@
-#include "ContentView/NoteText.h"
+#include "Look/NoteText.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QApplication>

@@ -1,6 +1,6 @@
-#include "ContentView/Alert.h"
+#include "Look/Alert.h"
 
-#include "ContentView/Typography.h"
+#include "Look/Typography.h"
 
 #include <QAbstractButton>
 #include <QGridLayout>

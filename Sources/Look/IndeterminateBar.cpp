@@ -1,6 +1,6 @@
-#include "ContentView/IndeterminateBar.h"
+#include "Look/IndeterminateBar.h"
 
-#include "ContentView/Colours.h"
+#include "Look/Colours.h"
 
 #include <QPainter>
 #include <QTimerEvent>

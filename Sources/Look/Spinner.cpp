@@ -1,6 +1,6 @@
-#include "ContentView/Spinner.h"
+#include "Look/Spinner.h"
 
-#include "ContentView/Colours.h"
+#include "Look/Colours.h"
 
 #include <QPainter>
 #include <QTimerEvent>

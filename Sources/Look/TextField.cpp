@@ -1,6 +1,6 @@
-#include "ContentView/TextField.h"
+#include "Look/TextField.h"
 
-#include "ContentView/Colours.h"
+#include "Look/Colours.h"
 
 #include <QApplication>
 

@@ -1,4 +1,4 @@
-#include "ContentView/Colours.h"
+#include "Look/Colours.h"
 
 #include <QPalette>
 

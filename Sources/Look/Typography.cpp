@@ -1,4 +1,4 @@
-#include "ContentView/Typography.h"
+#include "Look/Typography.h"
 
 #include <QApplication>
 #include <QFontDatabase>

@@ -1,4 +1,4 @@
-#include "ContentView/PlainTextBox.h"
+#include "Look/PlainTextBox.h"
 
 #include <QList>
 #include <QMimeData>

@@ -1,4 +1,4 @@
-#include "ContentView/Controls.h"
+#include "Look/Controls.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "ContentView/PlainLabel.h"
+#include "Look/PlainLabel.h"
 
 #include "Text/VisibleText.h"
 

@@ -1,7 +1,7 @@
-#include "ContentView/LogBox.h"
+#include "Look/LogBox.h"
 
-#include "ContentView/PaneFrame.h"
-#include "ContentView/Typography.h"
+#include "Look/PaneFrame.h"
+#include "Look/Typography.h"
 
 #include <chrono>
 

@@ -3,7 +3,7 @@
 // One row of a RowList on screen. To assistive technology it is a group with the row's name, holding its texts and
 // buttons.
 
-#include "ContentView/RowContent.h"
+#include "Look/Rows/RowContent.h"
 
 #include <QWidget>
 

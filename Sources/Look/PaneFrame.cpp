@@ -1,6 +1,6 @@
-#include "ContentView/PaneFrame.h"
+#include "Look/PaneFrame.h"
 
-#include "ContentView/Colours.h"
+#include "Look/Colours.h"
 
 #include <QPainter>
 #include <QWidget>

@@ -1,8 +1,8 @@
-#include "ContentView/Picker.h"
+#include "Look/Picker.h"
 
-#include "ContentView/Colours.h"
-#include "ContentView/PlainLabel.h"
-#include "ContentView/Typography.h"
+#include "Look/Colours.h"
+#include "Look/PlainLabel.h"
+#include "Look/Typography.h"
 
 #include <QStyleOptionComboBox>
 #include <QWheelEvent>

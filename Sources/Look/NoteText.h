@@ -3,8 +3,8 @@
 // A sentence of a tool or about one (an error, a note, a message), which may be of any length and hold anything: as
 // high as its text up to a few lines, then scrolling; selectable; plain. Its accessible name is its text.
 
-#include "ContentView/PlainLabel.h"
-#include "ContentView/PlainTextBox.h"
+#include "Look/PlainLabel.h"
+#include "Look/PlainTextBox.h"
 
 class NoteText : public PlainTextBox
 {

@@ -1,6 +1,6 @@
-#include "ContentView/RowListAccessibility.h"
+#include "Look/Rows/RowListAccessibility.h"
 
-#include "ContentView/RowList.h"
+#include "Look/Rows/RowList.h"
 
 #include <QAccessibleWidget>
 

@@ -7,7 +7,7 @@
 // either side as if all were there), and when assistive technology asks for one. A list of thousands costs what is
 // seen. Tab moves through the buttons row by row; the arrow keys, Page Up and Down, Home and End move from row to row.
 
-#include "ContentView/RowWidget.h"
+#include "Look/Rows/RowWidget.h"
 
 #include <QHash>
 #include <QScrollArea>

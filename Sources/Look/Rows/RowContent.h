@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ContentView/StatusDot.h"
+#include "Look/StatusDot.h"
 
 #include <QList>
 #include <QString>
