@@ -3,8 +3,8 @@
 //
 // AppendingChunks [--json] [MEBIBYTES] [ROUNDS]
 
-#include "ContentView/OutputPane.h"
 #include "Measuring.h"
+#include "OutputPane/OutputPane.h"
 #include "RunController/RunController.h"
 
 #include <QApplication>

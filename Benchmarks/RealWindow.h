@@ -5,9 +5,9 @@
 
 #include "ContentView/ContentView.h"
 #include "ContentView/HistoryView.h"
-#include "ContentView/OutputPane.h"
 #include "ContentView/ScriptEditor.h"
 #include "Look/Typography.h"
+#include "OutputPane/OutputPane.h"
 #include "Screens/ByName.h"
 #include "Screens/FakeOrbStack.h"
 #include "Support/Waiting.h"

@@ -3,8 +3,6 @@
 #include "ContentView/DisposableToggle.h"
 #include "ContentView/FolderPicker.h"
 #include "ContentView/MachinePicker.h"
-#include "ContentView/OutputCopy.h"
-#include "ContentView/OutputPane.h"
 #include "ContentView/RunStatus.h"
 #include "ContentView/ScriptEditor.h"
 #include "Look/Colours.h"
@@ -14,6 +12,8 @@
 #include "Look/TextField.h"
 #include "Look/Typography.h"
 #include "MachineStore/MachineStore.h"
+#include "OutputPane/OutputCopy.h"
+#include "OutputPane/OutputPane.h"
 #include "RunController/RunController.h"
 #include "SetupController/SetupController.h"
 

@@ -1,4 +1,4 @@
-#include "ContentView/OutputCopy.h"
+#include "OutputPane/OutputCopy.h"
 
 #include "Support/Printing.h"
 #include "Support/Waiting.h"

@@ -1,4 +1,4 @@
-#include "ContentView/OutputPaneClusters.h"
+#include "OutputPane/OutputPaneClusters.h"
 
 #include "Support/Printing.h"
 #include "Text/Utf8.h"

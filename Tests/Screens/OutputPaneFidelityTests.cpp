@@ -1,6 +1,6 @@
 // What the pane shows, copies and tells is what arrived, for the texts that are measured and however they were cut.
 
-#include "ContentView/OutputPane.h"
+#include "OutputPane/OutputPane.h"
 #include "RunController/RunController.h"
 #include "Screens/TestWindow.h"
 #include "Support/OutputTexts.h"

@@ -2,7 +2,7 @@
 
 // What all tests of the output pane share: the pane on screen over a controller of its own.
 
-#include "ContentView/OutputPane.h"
+#include "OutputPane/OutputPane.h"
 
 #include "RunController/RunController.h"
 #include "Support/Printing.h"

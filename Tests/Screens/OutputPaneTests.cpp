@@ -1,8 +1,8 @@
 #include "OutputPaneTest.h"
 
-#include "ContentView/OutputPanePainter.h"
 #include "Look/Colours.h"
 #include "Look/Typography.h"
+#include "OutputPane/OutputPanePainter.h"
 
 #include <QClipboard>
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
-#include "ContentView/OutputPaneViewport.h"
+#include "OutputPane/OutputPaneViewport.h"
 
-#include "ContentView/OutputPaneRowBreak.h"
+#include "OutputPane/OutputPaneRowBreak.h"
 #include "Text/Utf8.h"
 #include "Unit/RunController/RandomText.h"
 

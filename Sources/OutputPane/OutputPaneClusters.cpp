@@ -1,4 +1,4 @@
-#include "ContentView/OutputPaneClusters.h"
+#include "OutputPane/OutputPaneClusters.h"
 
 #include "Text/GraphemeBreaker.h"
 #include "Text/Utf8.h"

@@ -1,6 +1,6 @@
-#include "ContentView/OutputPaneRows.h"
+#include "OutputPane/OutputPaneRows.h"
 
-#include "ContentView/OutputPaneRowBreak.h"
+#include "OutputPane/OutputPaneRowBreak.h"
 
 #include <algorithm>
 #include <iterator>

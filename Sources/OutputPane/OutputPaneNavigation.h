@@ -3,9 +3,9 @@
 // Where the caret goes in the output: by characters, words, rows and lines. A caret stands before a position; at a soft
 // wrap it may as well stand at the end of the row before.
 
-#include "ContentView/OutputPaneFont.h"
-#include "ContentView/OutputPaneRow.h"
-#include "ContentView/OutputPaneRows.h"
+#include "OutputPane/OutputPaneFont.h"
+#include "OutputPane/OutputPaneRow.h"
+#include "OutputPane/OutputPaneRows.h"
 
 struct OutputCaret {
     TextStore::Position position = 0;

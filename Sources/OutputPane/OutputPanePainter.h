@@ -3,7 +3,7 @@
 // Draws rows of the output pane: selection, runs of ASCII straight from their glyph numbers, other characters from the
 // font's memory, joined scripts as shaped texts.
 
-#include "ContentView/OutputPaneRow.h"
+#include "OutputPane/OutputPaneRow.h"
 #include "Transcript/OutputKind.h"
 
 #include <QColor>

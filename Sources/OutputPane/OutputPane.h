@@ -5,13 +5,13 @@
 // writes to the controller. Every append brings the end into view, unless the user holds a mouse button here: then as
 // soon as the button is released. However much arrives, the pane is brought up to date at most once a frame.
 
-#include "ContentView/OutputPaneAccessible.h"
-#include "ContentView/OutputPaneFont.h"
-#include "ContentView/OutputPaneKeys.h"
-#include "ContentView/OutputPaneNavigation.h"
-#include "ContentView/OutputPaneRows.h"
-#include "ContentView/OutputPaneSelection.h"
-#include "ContentView/OutputPaneViewport.h"
+#include "OutputPane/OutputPaneAccessible.h"
+#include "OutputPane/OutputPaneFont.h"
+#include "OutputPane/OutputPaneKeys.h"
+#include "OutputPane/OutputPaneNavigation.h"
+#include "OutputPane/OutputPaneRows.h"
+#include "OutputPane/OutputPaneSelection.h"
+#include "OutputPane/OutputPaneViewport.h"
 
 #include <QAbstractScrollArea>
 #include <QBasicTimer>

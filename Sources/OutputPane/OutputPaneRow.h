@@ -3,8 +3,8 @@
 // One row of the output pane, laid out: its characters in their cells, and the stretches that must be shaped together
 // because their script joins letters or runs from right to left. Everything is measured from the row's left edge.
 
-#include "ContentView/OutputPaneClusters.h"
-#include "ContentView/OutputPaneFont.h"
+#include "OutputPane/OutputPaneClusters.h"
+#include "OutputPane/OutputPaneFont.h"
 
 #include <QByteArrayView>
 

@@ -1,6 +1,6 @@
-#include "ContentView/OutputPaneRow.h"
+#include "OutputPane/OutputPaneRow.h"
 
-#include "ContentView/OutputPaneRowBreak.h"
+#include "OutputPane/OutputPaneRowBreak.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "ContentView/OutputPaneKeys.h"
+#include "OutputPane/OutputPaneKeys.h"
 
 #include <QKeyEvent>
 #include <QKeySequence>

@@ -1,7 +1,7 @@
-#include "ContentView/OutputPaneAccessible.h"
+#include "OutputPane/OutputPaneAccessible.h"
 
-#include "ContentView/OutputPane.h"
-#include "ContentView/OutputPanePainter.h"
+#include "OutputPane/OutputPane.h"
+#include "OutputPane/OutputPanePainter.h"
 #include "Transcript/Transcript.h"
 
 #include <QAccessibleWidget>

@@ -1,4 +1,4 @@
-#include "ContentView/OutputPaneNavigation.h"
+#include "OutputPane/OutputPaneNavigation.h"
 
 #include "Text/Utf8.h"
 

@@ -1,4 +1,4 @@
-#include "ContentView/OutputPaneViewport.h"
+#include "OutputPane/OutputPaneViewport.h"
 
 #include <algorithm>
 #include <tuple>

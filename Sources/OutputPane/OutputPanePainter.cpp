@@ -1,4 +1,4 @@
-#include "ContentView/OutputPanePainter.h"
+#include "OutputPane/OutputPanePainter.h"
 
 #include "Look/Colours.h"
 

@@ -1,9 +1,9 @@
-#include "ContentView/OutputPane.h"
+#include "OutputPane/OutputPane.h"
 
-#include "ContentView/OutputPanePainter.h"
 #include "Look/Colours.h"
 #include "Look/PaneFrame.h"
 #include "Look/Typography.h"
+#include "OutputPane/OutputPanePainter.h"
 #include "RunController/RunController.h"
 
 #include <QPaintEvent>

@@ -3,7 +3,7 @@
 // What is selected in the output, and the caret. A selection grows from what was first taken hold of, a place or a
 // whole word or line, to the caret; it is empty when both are one place.
 
-#include "ContentView/OutputPaneNavigation.h"
+#include "OutputPane/OutputPaneNavigation.h"
 
 #include <algorithm>
 

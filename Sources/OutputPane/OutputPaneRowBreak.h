@@ -2,7 +2,7 @@
 
 // Where one row of the output pane ends. Pure functions.
 
-#include "ContentView/OutputPaneClusters.h"
+#include "OutputPane/OutputPaneClusters.h"
 
 #include <QByteArrayView>
 

@@ -1,4 +1,4 @@
-#include "ContentView/OutputPaneRowCount.h"
+#include "OutputPane/OutputPaneRowCount.h"
 
 #include <algorithm>
 

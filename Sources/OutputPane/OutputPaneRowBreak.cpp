@@ -1,4 +1,4 @@
-#include "ContentView/OutputPaneRowBreak.h"
+#include "OutputPane/OutputPaneRowBreak.h"
 
 #include "Text/Utf8.h"
 #include "Transcript/TextMeasure.h"

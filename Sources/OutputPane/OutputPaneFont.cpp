@@ -1,4 +1,4 @@
-#include "ContentView/OutputPaneFont.h"
+#include "OutputPane/OutputPaneFont.h"
 
 #include <QFontMetricsF>
 #include <QTextOption>

@@ -1,4 +1,4 @@
-#include "ContentView/OutputCopy.h"
+#include "OutputPane/OutputCopy.h"
 
 #include "Look/Alert.h"
 

@@ -6,7 +6,7 @@
 //
 // Main thread only. Everything is asked of the text as it is at that moment; nothing needs to be told of changes.
 
-#include "ContentView/OutputPaneRowCount.h"
+#include "OutputPane/OutputPaneRowCount.h"
 #include "Transcript/TextStore.h"
 
 #include <QtGlobal>

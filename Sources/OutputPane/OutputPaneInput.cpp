@@ -1,8 +1,8 @@
 // The output pane under the user's hands: mouse, keyboard, selection and clipboard.
 
-#include "ContentView/OutputPane.h"
+#include "OutputPane/OutputPane.h"
 
-#include "ContentView/OutputCopy.h"
+#include "OutputPane/OutputCopy.h"
 #include "RunController/RunController.h"
 
 #include <QApplication>

@@ -5,7 +5,7 @@
 // end", which stays the end. Heights are pixels. The whole content is the rows with a padding above and below, and one
 // pixel more at the very bottom.
 
-#include "ContentView/OutputPaneRows.h"
+#include "OutputPane/OutputPaneRows.h"
 
 #include <vector>
 
