@@ -4,8 +4,8 @@
 // user does it.
 
 #include "ContentView/ContentView.h"
-#include "ContentView/HistoryView.h"
-#include "ContentView/ScriptEditor.h"
+#include "ContentView/Screens/HistoryView.h"
+#include "ContentView/Screens/ScriptEditor.h"
 #include "Look/Typography.h"
 #include "OutputPane/OutputPane.h"
 #include "Screens/ByName.h"

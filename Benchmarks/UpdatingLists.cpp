@@ -4,7 +4,7 @@
 // UpdatingLists [CONTAINERS] [ROUNDS]
 
 #include "ContainerStore/ContainerStore.h"
-#include "ContentView/ContainersView.h"
+#include "ContentView/Screens/ContainersView.h"
 #include "HistoryStore/HistoryStore.h"
 #include "Look/Rows/RowList.h"
 #include "MachineStore/MachineStore.h"

@@ -2,8 +2,8 @@
 
 // The Containers tab over a `docker` whose answers are files and whose actions a test may hold up.
 
-#include "ContentView/ContainerLogSheet.h"
-#include "ContentView/ContainersView.h"
+#include "ContentView/Screens/ContainerLogSheet.h"
+#include "ContentView/Screens/ContainersView.h"
 #include "Look/Colours.h"
 #include "Look/LogBox.h"
 #include "Look/NoteText.h"

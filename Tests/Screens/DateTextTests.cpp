@@ -1,4 +1,4 @@
-#include "ContentView/DateText.h"
+#include "ContentView/Screens/DateText.h"
 
 #include <QTimeZone>
 

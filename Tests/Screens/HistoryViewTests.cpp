@@ -1,5 +1,5 @@
-#include "ContentView/DateText.h"
-#include "ContentView/HistoryView.h"
+#include "ContentView/Screens/DateText.h"
+#include "ContentView/Screens/HistoryView.h"
 #include "Look/Colours.h"
 #include "Look/PlainLabel.h"
 #include "Look/Rows/RowList.h"

@@ -2,7 +2,7 @@
 
 // The Machines tab over an `orb` whose operations a test may hold up.
 
-#include "ContentView/MachinesView.h"
+#include "ContentView/Screens/MachinesView.h"
 #include "Look/Colours.h"
 #include "Look/LogBox.h"
 #include "Look/NoteText.h"

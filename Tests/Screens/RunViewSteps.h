@@ -2,9 +2,9 @@
 
 // What a user does on the Run screen, in a call each.
 
-#include "ContentView/MachinePicker.h"
-#include "ContentView/RunView.h"
-#include "ContentView/ScriptEditor.h"
+#include "ContentView/Screens/MachinePicker.h"
+#include "ContentView/Screens/RunView.h"
+#include "ContentView/Screens/ScriptEditor.h"
 #include "Look/Colours.h"
 #include "Look/PlainLabel.h"
 #include "Look/Spinner.h"

@@ -1,4 +1,4 @@
-#include "ContentView/ScriptEditor.h"
+#include "ContentView/Screens/ScriptEditor.h"
 #include "RunController/RunController.h"
 
 #include <QElapsedTimer>

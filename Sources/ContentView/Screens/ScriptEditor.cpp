@@ -1,4 +1,4 @@
-#include "ContentView/ScriptEditor.h"
+#include "ContentView/Screens/ScriptEditor.h"
 
 #include "Look/Colours.h"
 #include "Look/Typography.h"

@@ -1,7 +1,7 @@
-#include "ContentView/ContainersView.h"
+#include "ContentView/Screens/ContainersView.h"
 
 #include "ContainerStore/ContainerStore.h"
-#include "ContentView/ContainerLogSheet.h"
+#include "ContentView/Screens/ContainerLogSheet.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
 #include "Look/IndeterminateBar.h"

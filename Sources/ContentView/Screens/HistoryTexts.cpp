@@ -1,4 +1,4 @@
-#include "ContentView/HistoryTexts.h"
+#include "ContentView/Screens/HistoryTexts.h"
 
 #include <array>
 #include <charconv>

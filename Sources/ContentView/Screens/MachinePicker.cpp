@@ -1,4 +1,4 @@
-#include "ContentView/MachinePicker.h"
+#include "ContentView/Screens/MachinePicker.h"
 
 #include "Text/VisibleText.h"
 

@@ -1,7 +1,7 @@
-#include "ContentView/HistoryView.h"
+#include "ContentView/Screens/HistoryView.h"
 
-#include "ContentView/DateText.h"
-#include "ContentView/HistoryTexts.h"
+#include "ContentView/Screens/DateText.h"
+#include "ContentView/Screens/HistoryTexts.h"
 #include "HistoryStore/HistoryStore.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"

@@ -1,4 +1,4 @@
-#include "ContentView/MachinesView.h"
+#include "ContentView/Screens/MachinesView.h"
 
 #include "Look/Alert.h"
 #include "Look/Colours.h"

@@ -1,4 +1,4 @@
-#include "ContentView/ContainerLogSheet.h"
+#include "ContentView/Screens/ContainerLogSheet.h"
 
 #include "ContainerStore/ContainerStore.h"
 #include "Look/Colours.h"

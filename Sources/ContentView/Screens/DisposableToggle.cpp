@@ -1,4 +1,4 @@
-#include "ContentView/DisposableToggle.h"
+#include "ContentView/Screens/DisposableToggle.h"
 
 #include "Look/Alert.h"
 
