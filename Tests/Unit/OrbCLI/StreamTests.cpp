@@ -1,6 +1,6 @@
-#include "DescriptorRoom.h"
 #include "StreamRecording.h"
 #include "Support/TestTools.h"
+#include "Unit/Process/DescriptorRoom.h"
 
 #include <QDir>
 #include <QFile>

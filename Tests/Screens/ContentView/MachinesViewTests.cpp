@@ -1,4 +1,4 @@
-#include "Screens/MachinesViewTest.h"
+#include "Screens/ContentView/MachinesViewTest.h"
 
 TEST_F(MachinesViewTest, OffersTheThreeDistributionsANameAndCreate)
 {

@@ -1,6 +1,6 @@
 #include "Transcript/Transcript.h"
 
-#include "Unit/RunController/RandomText.h"
+#include "Unit/Transcript/RandomText.h"
 
 #include <QFile>
 

@@ -1,4 +1,4 @@
-#include "Screens/RowListTest.h"
+#include "Screens/Look/RowListTest.h"
 
 TEST_F(RowListTest, ShowsTextsDotAndButtonsOfARow)
 {

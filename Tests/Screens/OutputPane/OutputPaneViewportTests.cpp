@@ -2,7 +2,7 @@
 
 #include "OutputPane/OutputPaneRowBreak.h"
 #include "Text/Utf8.h"
-#include "Unit/RunController/RandomText.h"
+#include "Unit/Transcript/RandomText.h"
 
 #include <gtest/gtest.h>
 

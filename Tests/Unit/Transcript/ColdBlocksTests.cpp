@@ -2,7 +2,7 @@
 
 #include "Support/ProcessMemory.h"
 #include "Support/Waiting.h"
-#include "Unit/RunController/RandomText.h"
+#include "Unit/Transcript/RandomText.h"
 
 #include <gtest/gtest.h>
 

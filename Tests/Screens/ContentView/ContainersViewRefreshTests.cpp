@@ -1,4 +1,4 @@
-#include "Screens/ContainersViewTest.h"
+#include "Screens/ContentView/ContainersViewTest.h"
 
 TEST_F(ContainersViewTest, PaintsNothingForARefreshThatChangesNothing)
 {

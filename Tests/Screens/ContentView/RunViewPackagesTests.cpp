@@ -1,4 +1,4 @@
-#include "Screens/RunViewSteps.h"
+#include "Screens/ContentView/RunViewSteps.h"
 
 TEST(RunView, OffersPackagesOnlyForAMachineOfTheUsersOwn)
 {

@@ -1,6 +1,6 @@
 #include "Transcript/PagedList.h"
 
-#include "Unit/RunController/RandomText.h"
+#include "Unit/Transcript/RandomText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "StreamRecording.h"
 #include "Support/TestTools.h"
+#include "Unit/OrbCLI/StreamRecording.h"
 
 #include <QDeadlineTimer>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "OutputPane/OutputPaneRows.h"
 
 #include "OutputPane/OutputPaneRowBreak.h"
-#include "Unit/RunController/RandomText.h"
+#include "Unit/Transcript/RandomText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "Text/GraphemeCounter.h"
 
-#include "Unit/RunController/RandomText.h"
+#include "Unit/Transcript/RandomText.h"
 
 #include <gtest/gtest.h>
 
