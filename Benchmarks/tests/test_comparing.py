@@ -12,7 +12,7 @@ import types
 import unittest
 
 _BENCHMARKS = os.path.dirname(os.path.dirname(os.path.realpath(__file__)))
-sys.path[:0] = [_BENCHMARKS, os.path.join(os.path.dirname(_BENCHMARKS), "Tests", "EndToEnd")]
+sys.path[:0] = [_BENCHMARKS, os.path.join(os.path.dirname(_BENCHMARKS), "Tests")]
 
 try:
     from comparing import bars, inside, ours, processes, run, terminal

@@ -6,7 +6,7 @@ import os
 import signal
 import subprocess
 
-from engine_case import ORB, EngineCase, main
+from harness.engine_case import ORB, EngineCase, main
 
 HEADING = "NAME  STATE  DISTRO  VERSION  ARCH\n----  -----  ------  -------  ----\n"
 

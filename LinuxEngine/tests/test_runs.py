@@ -6,7 +6,7 @@ import signal
 import subprocess
 import tempfile
 
-from engine_case import ORB, EngineCase, main
+from harness.engine_case import ORB, EngineCase, main
 
 
 class Streams(EngineCase):

@@ -6,7 +6,7 @@ import unittest
 from harness import docker
 from harness.docker import IMAGE, DockerEngine
 from harness.waiting import wait_until
-from window_case import WindowCase, main
+from harness.window_case import WindowCase, main
 
 
 class Containers(WindowCase):

@@ -5,7 +5,7 @@ import json
 import os
 
 from harness.waiting import wait_until
-from window_case import WindowCase, main
+from harness.window_case import WindowCase, main
 
 ENTRIES = [
     {"id": f"00000000-0000-0000-0000-00000000000{number}", "command": command, "machine": "box", "note": note,

@@ -7,7 +7,7 @@ from harness import docker
 from harness.docker import IMAGE, DockerEngine
 from harness.keyboard import Keyboard
 from harness.waiting import wait_until
-from window_case import WindowCase, main
+from harness.window_case import WindowCase, main
 
 
 class ByKeyboard(WindowCase):

@@ -2,7 +2,7 @@
 """The Machines tab on the Linux engine."""
 
 from harness.waiting import wait_until
-from window_case import WindowCase, main
+from harness.window_case import WindowCase, main
 
 
 class Machines(WindowCase):

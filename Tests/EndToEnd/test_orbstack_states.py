@@ -2,7 +2,7 @@
 """The header: OrbStack missing, stopped, started, stopped from the window, installed, and an install cancelled."""
 
 from harness.waiting import wait_until
-from window_case import WindowCase, main
+from harness.window_case import WindowCase, main
 
 
 class OrbStackStates(WindowCase):

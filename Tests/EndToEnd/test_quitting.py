@@ -2,7 +2,7 @@
 """Closing the window while a run is going."""
 
 from harness.waiting import wait_until
-from window_case import WindowCase, main
+from harness.window_case import WindowCase, main
 
 
 class Quitting(WindowCase):

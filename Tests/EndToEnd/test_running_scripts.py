@@ -5,7 +5,7 @@ import os
 import re
 
 from harness.waiting import wait_until
-from window_case import WindowCase, main
+from harness.window_case import WindowCase, main
 
 
 class RunningScripts(WindowCase):

@@ -6,7 +6,7 @@ import shutil
 import subprocess
 import tempfile
 
-import engine_case
+from harness import engine_case
 
 from . import docker
 from .accessibility import Gone, application

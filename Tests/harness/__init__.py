@@ -1,14 +1,12 @@
-"""What the end-to-end tests stand on: a private desktop, the built program on it, and its window as assistive
-technology sees it."""
+"""What the tests in Python stand on: the Linux engine, a private desktop, the built program on it, and its window as
+assistive technology sees it."""
 
 import os
 import sys
 
-REPOSITORY = os.path.dirname(os.path.dirname(os.path.dirname(os.path.dirname(os.path.realpath(__file__)))))
+REPOSITORY = os.path.dirname(os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
 _WITH_OWN_TOOLS = os.path.join(REPOSITORY, "Tools", "with-own-tools")
 _INSIDE = "TIDEWELL_HAS_OWN_TOOLS"
-
-sys.path.insert(0, os.path.join(REPOSITORY, "LinuxEngine", "tests"))
 
 
 def enter_own_tools():

@@ -5,8 +5,8 @@ import signal
 import sys
 import unittest
 
-import harness  # first: it makes engine_case known
-import engine_case
+import harness
+from harness import engine_case
 from harness.desktop import Desktop, missing_tools
 from harness.tidewell import Tidewell
 

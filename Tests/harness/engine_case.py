@@ -9,7 +9,9 @@ import sys
 import tempfile
 import unittest
 
-ORB = os.path.join(os.path.dirname(os.path.dirname(os.path.realpath(__file__))), "orb")
+from harness import REPOSITORY
+
+ORB = os.path.join(REPOSITORY, "LinuxEngine", "orb")
 LIMIT_SECONDS = 60
 SKIPPED = 77  # ctest's SKIP_RETURN_CODE
 

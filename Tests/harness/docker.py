@@ -9,7 +9,7 @@ import signal
 import subprocess
 import tarfile
 
-import engine_case
+from harness import engine_case
 
 from .desktop import ENDS_WITH_US
 from .waiting import wait_until
