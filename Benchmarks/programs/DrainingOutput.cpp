@@ -16,7 +16,7 @@ namespace
 void appendDecoded(std::string &text, const char *data, std::size_t size)
 {
     const QByteArrayView bytes(data, static_cast<qsizetype>(size));
-    if (const auto repaired = repairedUtf8(bytes))
+    if (const auto repaired = Utf8Repair::repaired(bytes))
         text.append(repaired->constData(), static_cast<std::size_t>(repaired->size()));
     else
         text.append(data, size);

@@ -1,6 +1,6 @@
 #include "ContainerStore/ContainerList.h"
 
-#include "Text/Utf8Text.h"
+#include "Text/Utf8.h"
 
 #include <nlohmann/json.hpp>
 
@@ -35,7 +35,7 @@ public:
 
     bool string(string_t &text) override
     {
-        value(textFromUtf8(text));
+        value(Utf8::toQString(text));
         return m_depth > 0;
     }
 

@@ -92,11 +92,11 @@ std::optional<HistoryEntry> entryFrom(const Json &object)
 {
     if (!object.is_object())
         return std::nullopt;
-    const std::optional<QUuid> id = uuidFrom(textMember(object, "id"));
-    const std::optional<QString> command = textMember(object, "command");
-    const std::optional<QString> machine = textMember(object, "machine");
-    const std::optional<QString> note = textMember(object, "note");
-    const std::optional<QDateTime> date = dateFrom(textMember(object, "date"));
+    const std::optional<QUuid> id = uuidFrom(JsonText::member(object, "id"));
+    const std::optional<QString> command = JsonText::member(object, "command");
+    const std::optional<QString> machine = JsonText::member(object, "machine");
+    const std::optional<QString> note = JsonText::member(object, "note");
+    const std::optional<QDateTime> date = dateFrom(JsonText::member(object, "date"));
     const auto duration = object.find("duration");
     if (!id || !command || !machine || !note || !date || duration == object.end() || !duration->is_number())
         return std::nullopt;

@@ -29,16 +29,16 @@ std::optional<Machine> machineFrom(const Json &element)
     const Json &record = nested ? *nested : element;
     const Json *const image = objectMember(record, "image");
     const auto ofImageOrRecord = [&](const char *key) {
-        const std::optional<QString> ofImage = image ? textMember(*image, key) : std::nullopt;
-        return ofImage ? *ofImage : textMember(record, key).value_or(QString());
+        const std::optional<QString> ofImage = image ? JsonText::member(*image, key) : std::nullopt;
+        return ofImage ? *ofImage : JsonText::member(record, key).value_or(QString());
     };
 
-    const std::optional<QString> name = textMember(record, "name");
+    const std::optional<QString> name = JsonText::member(record, "name");
     if (!name)
         return std::nullopt;
-    std::optional<QString> state = textMember(record, "state");
+    std::optional<QString> state = JsonText::member(record, "state");
     if (!state)
-        state = textMember(element, "state");
+        state = JsonText::member(element, "state");
     return Machine{*name, state.value_or(u"unknown"_s), ofImageOrRecord("distro"), ofImageOrRecord("version")};
 }
 

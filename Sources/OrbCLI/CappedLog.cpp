@@ -2,7 +2,6 @@
 
 #include "Text/GraphemeBreaker.h"
 #include "Text/Utf8.h"
-#include "Text/Utf8Text.h"
 
 namespace
 {
@@ -22,7 +21,7 @@ qsizetype endOfFirst(int characters, QByteArrayView text)
 
 void CappedLog::append(QUtf8StringView text)
 {
-    m_text += textFromUtf8(text);
+    m_text += Utf8::toQString(text);
     m_counter.add(QByteArrayView(text.data(), text.size()));
     if (m_counter.count() > capacity)
         keepLast(keptCharacters);
@@ -44,5 +43,5 @@ void CappedLog::keepLast(int characters)
         return;
     }
     const QByteArray utf8 = m_text.toUtf8();
-    replace(textFromUtf8(QByteArrayView(utf8).sliced(endOfFirst(dropped, utf8))));
+    replace(Utf8::toQString(QByteArrayView(utf8).sliced(endOfFirst(dropped, utf8))));
 }

@@ -3,7 +3,7 @@
 #include "OrbCLI/Continuation.h"
 #include "OrbCLI/ToolLocation.h"
 #include "Process/ProcessEngine.h"
-#include "Text/Utf8Text.h"
+#include "Text/Utf8.h"
 
 #include <utility>
 
@@ -44,7 +44,7 @@ QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::opt
     };
     const auto onExit = [&](int status, const ProcessHandlePointer &handle) {
         end.resume(
-            {status, textFromUtf8(output), textFromUtf8(errorOutput), handle->timedOut(), handle->launchError()});
+            {status, Utf8::toQString(output), Utf8::toQString(errorOutput), handle->timedOut(), handle->launchError()});
     };
     ProcessEngine::instance().launch({.tool = tool,
                                       .arguments = arguments,

@@ -44,7 +44,7 @@ OutputReader::Outcome OutputReader::read(QByteArray &block, OutputQueue &queue)
         m_pipeSize = largestPipeSize;
 
     const QByteArrayView bytes(block.constData(), size);
-    if (std::optional<QByteArray> repaired = repairedUtf8(bytes)) {
+    if (std::optional<QByteArray> repaired = Utf8Repair::repaired(bytes)) {
         const qsizetype repairedSize = repaired->size();
         return {size, queue.adopt(*std::move(repaired), repairedSize, m_isError)};
     }

@@ -140,7 +140,7 @@ TEST_P(OutputPaneFidelity, ShowsCopiesAndTellsWhatArrived)
             std::min<qsizetype>(1 + random() % static_cast<unsigned>(longestPiece), bytes.size() - from);
         const QByteArrayView piece = QByteArrayView(bytes).sliced(from, size);
         expected += decodedAlone(piece);
-        const QByteArray text = repairedUtf8(piece).value_or(piece.toByteArray());
+        const QByteArray text = Utf8Repair::repaired(piece).value_or(piece.toByteArray());
         run.append(QUtf8StringView(text.constData(), text.size()), OutputKind::out);
         from += size;
         // The pane keeps up with what it is shown, also in between.

@@ -4,7 +4,7 @@
 
 #include "OrbCLI/OrbCLI.h"
 #include "Support/Waiting.h"
-#include "Text/Utf8Text.h"
+#include "Text/Utf8.h"
 
 #include <QStringList>
 #include <QThread>
@@ -51,7 +51,7 @@ inline std::shared_ptr<StreamRecording> record(const QString &tool, const QStrin
         [recording, noteThread](QUtf8StringView text, bool isError) {
             noteThread(*recording);
             recording->outputAfterExit |= recording->hasEnded();
-            recording->chunks.push_back({textFromUtf8(text), isError});
+            recording->chunks.push_back({Utf8::toQString(text), isError});
             (isError ? recording->errors : recording->output) += recording->chunks.back().text;
         },
         [recording, noteThread](int status, const ProcessHandlePointer &handle) {

@@ -306,7 +306,7 @@ TEST(Stream, HearsOtherChildrenWhileAHandlerTurnsTheEventLoop)
                 other = record(tool);
                 otherEndedInside = other->waitForEnd();
             }
-            order += textFromUtf8(text).trimmed() + u')';
+            order += Utf8::toQString(text).trimmed() + u')';
         },
         [&](int, const ProcessHandlePointer &) { ended = true; });
     ASSERT_TRUE(waitUntil([&] { return ended; }));

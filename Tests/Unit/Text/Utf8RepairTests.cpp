@@ -10,13 +10,13 @@ namespace
 std::string repaired(const std::string &bytes)
 {
     const QByteArrayView view(bytes.data(), static_cast<qsizetype>(bytes.size()));
-    const std::optional<QByteArray> text = repairedUtf8(view);
+    const std::optional<QByteArray> text = Utf8Repair::repaired(view);
     return text ? text->toStdString() : bytes;
 }
 
 bool isUntouched(const std::string &bytes)
 {
-    return !repairedUtf8(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size()))).has_value();
+    return !Utf8Repair::repaired(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size()))).has_value();
 }
 
 const std::string replacement = "\xEF\xBF\xBD";

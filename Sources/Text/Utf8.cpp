@@ -1,8 +1,8 @@
-#include "Text/Utf8Text.h"
+#include "Text/Utf8.h"
 
 #include <QStringDecoder>
 
-QString textFromUtf8(QUtf8StringView text)
+QString Utf8::toQString(QUtf8StringView text)
 {
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
     return decoder.decode(QByteArrayView(text.data(), text.size()));
