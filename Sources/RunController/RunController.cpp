@@ -4,9 +4,7 @@
 #include "OrbCLI/OrbCLI.h"
 #include "OrbCLI/ToolLocation.h"
 #include "RunController/ScriptComposition.h"
-
-#include <array>
-#include <charconv>
+#include "Text/Duration.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,14 +19,6 @@ QString disposableName()
 double secondsSince(const QDateTime &moment)
 {
     return static_cast<double>(moment.msecsTo(QDateTime::currentDateTimeUtc())) / 1000;
-}
-
-/// The seconds with one decimal and a point, whatever the user's locale.
-QString oneDecimal(double seconds)
-{
-    std::array<char, 64> text{};
-    const auto result = std::to_chars(text.data(), text.data() + text.size(), seconds, std::chars_format::fixed, 1);
-    return QString::fromLatin1(text.data(), result.ptr - text.data());
 }
 
 } // namespace
@@ -187,8 +177,8 @@ QCoro::Task<RunController::Outcome> RunController::runScript(QString orb, QStrin
         append(u"\nStopped by user.\n"_s, OutputKind::warn);
         co_return Outcome{std::nullopt, u"stopped"_s};
     }
-    const QString elapsed = oneDecimal(secondsSince(*m_startedAt.value()));
-    append(u"\nexit status "_s + QString::number(result.status) + u" · "_s + elapsed + u"s\n"_s,
+    const QString elapsed = Duration::text(secondsSince(*m_startedAt.value()));
+    append(u"\nexit status "_s + QString::number(result.status) + u" · "_s + elapsed + u'\n',
            result.status == 0 ? OutputKind::ok : OutputKind::fail);
     co_return Outcome{result.status, QString()};
 }

@@ -15,7 +15,4 @@ QString statusText(const HistoryEntry &entry);
 /// The first line of a command that is not empty; the whole command when it has none.
 QString firstLine(const QString &command);
 
-/// Seconds with one decimal, and a point in every language: "3.2s".
-QString duration(double seconds);
-
 } // namespace HistoryTexts

@@ -9,6 +9,7 @@
 #include "Look/Rows/RowList.h"
 #include "Look/Typography.h"
 #include "RunController/RunController.h"
+#include "Text/Duration.h"
 #include "Text/VisibleText.h"
 
 #include <QHBoxLayout>
@@ -38,7 +39,7 @@ RowContent contentOf(const HistoryEntry &entry, const QByteArray &locale)
 {
     const QString firstLine = shortened(HistoryTexts::firstLine(entry.command));
     const QStringList caption{visible(entry.machine), visible(HistoryTexts::statusText(entry)),
-                              HistoryTexts::duration(entry.duration),
+                              Duration::text(entry.duration),
                               DateText::mediumDateShortTime(entry.date.toLocalTime(), locale)};
     RowContent row;
     row.id = entry.id.toString();

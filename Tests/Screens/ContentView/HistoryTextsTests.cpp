@@ -2,8 +2,8 @@
 
 #include <QElapsedTimer>
 
-#include <clocale>
 #include <gtest/gtest.h>
+
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -60,27 +60,4 @@ TEST(HistoryTexts, FindTheFirstLineOfAHugeScriptAtOnce)
     for (int round = 0; round < 1000; ++round)
         EXPECT_EQ(firstLine(script).size(), 5);
     EXPECT_LT(timer.elapsed(), 2000);
-}
-
-TEST(HistoryTexts, RoundDurationsToOneDecimal)
-{
-    EXPECT_EQ(duration(0.04), u"0.0s"_s);
-    EXPECT_EQ(duration(59.96), u"60.0s"_s);
-    EXPECT_EQ(duration(3.2), u"3.2s"_s);
-    EXPECT_EQ(duration(0), u"0.0s"_s);
-    EXPECT_EQ(duration(0.25), u"0.2s"_s);
-    EXPECT_EQ(duration(0.35), u"0.3s"_s);
-    EXPECT_EQ(duration(12345.678), u"12345.7s"_s);
-    EXPECT_EQ(duration(-1.5), u"-1.5s"_s);
-    EXPECT_EQ(duration(1e300).size(), 304);
-    EXPECT_TRUE(duration(std::numeric_limits<double>::max()).endsWith(u".0s"_s));
-}
-
-TEST(HistoryTexts, WriteAPointInEveryLocale)
-{
-    const char *german = std::setlocale(LC_ALL, "de_DE.UTF-8");
-    EXPECT_EQ(duration(3.2), u"3.2s"_s);
-    std::setlocale(LC_ALL, "C");
-    if (german == nullptr)
-        GTEST_SKIP() << "no locale with a decimal comma is installed here";
 }
