@@ -3,6 +3,7 @@
 #include "ContainerStore/ContainerList.h"
 #include "OrbCLI/OrbCLI.h"
 #include "OrbCLI/ToolLocation.h"
+#include "Text/WholePattern.h"
 
 #include <QPointer>
 #include <QRegularExpression>
@@ -11,11 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace
 {
-
-bool matchesWhole(const QString &text, const QString &pattern)
-{
-    return QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(text).hasMatch();
-}
 
 std::optional<QString> findDocker()
 {
@@ -108,11 +104,13 @@ void ContainerStore::runContainer(const QString &image, const QString &name, con
         return;
     const QString trimmedImage = image.trimmed();
     const QString trimmedName = name.trimmed();
-    if (!matchesWhole(trimmedImage, u"[A-Za-z0-9][A-Za-z0-9._/:@-]*"_s)) {
+    static const WholePattern imageForm(u"[A-Za-z0-9][A-Za-z0-9._/:@-]*"_s);
+    if (!imageForm.matches(trimmedImage)) {
         m_message = u"Enter a valid image name, for example nginx:latest."_s;
         return;
     }
-    if (!trimmedName.isEmpty() && !matchesWhole(trimmedName, u"[A-Za-z0-9][A-Za-z0-9_.-]*"_s)) {
+    static const WholePattern nameForm(u"[A-Za-z0-9][A-Za-z0-9_.-]*"_s);
+    if (!trimmedName.isEmpty() && !nameForm.matches(trimmedName)) {
         m_message = u"The container name has characters Docker does not allow."_s;
         return;
     }
@@ -120,8 +118,9 @@ void ContainerStore::runContainer(const QString &image, const QString &name, con
     if (!trimmedName.isEmpty())
         arguments << u"--name"_s << trimmedName;
     static const QRegularExpression separator(u"[, ]"_s);
+    static const WholePattern mappingForm(u"([0-9.]+:)?[0-9]+(:[0-9]+)?(/(tcp|udp))?"_s);
     for (const QString &mapping : ports.split(separator, Qt::SkipEmptyParts)) {
-        if (!matchesWhole(mapping, u"([0-9.]+:)?[0-9]+(:[0-9]+)?(/(tcp|udp))?"_s)) {
+        if (!mappingForm.matches(mapping)) {
             m_message = u"Ports look like 8080:80, separated by commas."_s;
             return;
         }

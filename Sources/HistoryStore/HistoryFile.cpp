@@ -1,10 +1,10 @@
 #include "HistoryStore/HistoryFile.h"
 
 #include "Text/JsonText.h"
+#include "Text/WholePattern.h"
 
 #include <nlohmann/json.hpp>
 
-#include <QRegularExpression>
 #include <QTimeZone>
 
 #include <cmath>
@@ -55,17 +55,15 @@ Json jsonFrom(const HistoryEntry &entry)
 
 std::optional<QUuid> uuidFrom(const std::optional<QString> &text)
 {
-    static const QRegularExpression form(
-        QRegularExpression::anchoredPattern(u"[0-9A-Fa-f]{8}(-[0-9A-Fa-f]{4}){3}-[0-9A-Fa-f]{12}"_s));
-    if (!text || !form.match(*text).hasMatch())
+    static const WholePattern form(u"[0-9A-Fa-f]{8}(-[0-9A-Fa-f]{4}){3}-[0-9A-Fa-f]{12}"_s);
+    if (!text || !form.matches(*text))
         return std::nullopt;
     return QUuid::fromString(*text);
 }
 
 std::optional<QDateTime> dateFrom(const std::optional<QString> &text)
 {
-    static const QRegularExpression form(
-        QRegularExpression::anchoredPattern(u"([0-9]{4})-([0-9]{2})-([0-9]{2})T([0-9]{2}):([0-9]{2}):([0-9]{2})Z"_s));
+    static const WholePattern form(u"([0-9]{4})-([0-9]{2})-([0-9]{2})T([0-9]{2}):([0-9]{2}):([0-9]{2})Z"_s);
     const QRegularExpressionMatch match = form.match(text.value_or(QString()));
     if (!match.hasMatch())
         return std::nullopt;

@@ -3,9 +3,9 @@
 #include "MachineStore/MachineList.h"
 #include "OrbCLI/DeleteMachine.h"
 #include "OrbCLI/ToolLocation.h"
+#include "Text/WholePattern.h"
 
 #include <QPointer>
-#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -16,8 +16,8 @@ namespace
 
 bool isValidName(const QString &name)
 {
-    static const QRegularExpression form(QRegularExpression::anchoredPattern(u"[a-z0-9][a-z0-9-]{0,30}"_s));
-    return form.match(name).hasMatch();
+    static const WholePattern form(u"[a-z0-9][a-z0-9-]{0,30}"_s);
+    return form.matches(name);
 }
 
 } // namespace

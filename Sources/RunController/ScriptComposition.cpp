@@ -1,5 +1,7 @@
 #include "RunController/ScriptComposition.h"
 
+#include "Text/WholePattern.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -45,7 +47,7 @@ QStringList ScriptComposition::packagesIn(const QString &text)
 
 bool ScriptComposition::arePackageNamesValid(const QStringList &packages)
 {
-    static const QRegularExpression form(QRegularExpression::anchoredPattern(u"[A-Za-z0-9][A-Za-z0-9.+_:=~-]*"_s));
+    static const WholePattern form(u"[A-Za-z0-9][A-Za-z0-9.+_:=~-]*"_s);
     return !packages.isEmpty() && std::all_of(packages.cbegin(), packages.cend(),
-                                              [](const QString &package) { return form.match(package).hasMatch(); });
+                                              [](const QString &package) { return form.matches(package); });
 }
