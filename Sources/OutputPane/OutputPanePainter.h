@@ -4,7 +4,7 @@
 // font's memory, joined scripts as shaped texts.
 
 #include "OutputPane/OutputPaneRow.h"
-#include "Transcript/OutputKind.h"
+#include "Transcript/OutputSegment.h"
 
 #include <QColor>
 #include <QPainter>

@@ -15,13 +15,15 @@
 #include "OrbCLI/Cancellation.h"
 #include "OrbCLI/CappedLog.h"
 #include "OrbCLI/OrbCLI.h"
-#include "SetupController/OrbState.h"
 
 #include <QCoroTask>
 #include <QObject>
 #include <QPointer>
 #include <QProperty>
 #include <QUtf8StringView>
+
+/// What is known of OrbStack. `running` is the one state in which machines, runs and containers are offered.
+enum class OrbState { checking, notInstalled, stopped, starting, running };
 
 /// Seconds; tests shorten them.
 struct SetupTimeLimits {
