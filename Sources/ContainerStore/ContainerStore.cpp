@@ -8,6 +8,8 @@
 #include <QPointer>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -16,6 +18,27 @@ namespace
 std::optional<QString> findDocker()
 {
     return OrbCLI::find(u"docker"_s);
+}
+
+/// Why no container can be made of what the user typed, as a sentence for the user; none when one can.
+std::optional<QString> refusalOf(const QString &image, const QString &name, const QStringList &ports)
+{
+    static const WholePattern imageForm(u"[A-Za-z0-9][A-Za-z0-9._/:@-]*"_s);
+    static const WholePattern nameForm(u"[A-Za-z0-9][A-Za-z0-9_.-]*"_s);
+    static const WholePattern portForm(u"([0-9.]+:)?[0-9]+(:[0-9]+)?(/(tcp|udp))?"_s);
+    if (!imageForm.matches(image))
+        return u"Enter a valid image name, for example nginx:latest."_s;
+    if (!name.isEmpty() && !nameForm.matches(name))
+        return u"The container name has characters Docker does not allow."_s;
+    if (!std::all_of(ports.cbegin(), ports.cend(), [](const QString &port) { return portForm.matches(port); }))
+        return u"Ports look like 8080:80, separated by commas."_s;
+    return std::nullopt;
+}
+
+QStringList portsIn(const QString &text)
+{
+    static const QRegularExpression separators(u"[, ]"_s);
+    return text.split(separators, Qt::SkipEmptyParts);
 }
 
 } // namespace
@@ -35,58 +58,52 @@ QCoro::Task<> ContainerStore::refresh()
     const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.list);
     if (!self)
         co_return;
-    if (result.launchError) {
-        m_error = result.launchError;
-    } else if (result.timedOut) {
-        m_error = u"docker ps timed out. Is OrbStack running?"_s;
-    } else if (result.status == 0) {
+    const std::optional<QString> failure = result.failure(u"docker ps"_s);
+    if (!failure)
         setContainers(OrbCLI::parseContainers(result.stdout));
-        m_error = std::nullopt;
-    } else {
-        m_error = result.combined();
-    }
+    m_error = failure;
 }
 
-void ContainerStore::action(const QString &verb, const ContainerInfo &container)
+std::optional<QString> ContainerStore::dockerForOperation() const
 {
-    if (m_busy)
-        return;
-    const std::optional<QString> docker = findDocker();
-    if (!docker)
-        return;
-    m_busy = true;
-    performAction(*docker, verb, container.name);
+    return m_busy ? std::nullopt : findDocker();
 }
 
-QCoro::Task<> ContainerStore::performAction(QString docker, QString verb, QString name)
+QCoro::Task<> ContainerStore::endOperation()
 {
-    QStringList arguments{verb};
-    if (verb == u"rm"_s)
-        arguments << u"-f"_s; // a running container is removed too
-    arguments << name;
-    const QPointer<ContainerStore> self(this);
-    const CLIResult result = co_await OrbCLI::run(docker, arguments, std::nullopt, m_limits.action);
-    if (!self)
-        co_return;
-    m_message = result.succeeded() ? QString() : u"docker "_s + verb + u" failed: "_s + result.combined();
     m_busy = false;
     co_await refresh();
 }
 
-void ContainerStore::logs(const ContainerInfo &container)
+QCoro::Task<> ContainerStore::action(QString verb, ContainerInfo container)
 {
-    if (const std::optional<QString> docker = findDocker())
-        performLogs(*docker, container.name);
-}
-
-QCoro::Task<> ContainerStore::performLogs(QString docker, QString name)
-{
-    const QStringList arguments{u"logs"_s, u"--tail"_s, u"300"_s, name};
+    const std::optional<QString> docker = dockerForOperation();
+    if (!docker)
+        co_return;
+    m_busy = true;
+    QStringList arguments{verb};
+    if (verb == u"rm"_s)
+        arguments << u"-f"_s; // a running container is removed too
+    arguments << container.name;
     const QPointer<ContainerStore> self(this);
-    const CLIResult result = co_await OrbCLI::run(docker, arguments, std::nullopt, m_limits.logs);
+    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.action);
     if (!self)
         co_return;
-    m_logTitle = name;
+    m_message = result.succeeded() ? QString() : u"docker "_s + verb + u" failed: "_s + result.combined();
+    co_await endOperation();
+}
+
+QCoro::Task<> ContainerStore::logs(ContainerInfo container)
+{
+    const std::optional<QString> docker = findDocker();
+    if (!docker)
+        co_return;
+    const QStringList arguments{u"logs"_s, u"--tail"_s, u"300"_s, container.name};
+    const QPointer<ContainerStore> self(this);
+    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.logs);
+    if (!self)
+        co_return;
+    m_logTitle = container.name;
     const QString output = result.combined();
     if (!result.succeeded())
         m_logText = u"Could not read logs: "_s + output;
@@ -95,52 +112,33 @@ QCoro::Task<> ContainerStore::performLogs(QString docker, QString name)
     m_showLogs = true;
 }
 
-void ContainerStore::runContainer(const QString &image, const QString &name, const QString &ports)
+QCoro::Task<> ContainerStore::runContainer(QString image, QString name, QString ports)
 {
-    if (m_busy)
-        return;
-    const std::optional<QString> docker = findDocker();
+    const std::optional<QString> docker = dockerForOperation();
     if (!docker)
-        return;
+        co_return;
     const QString trimmedImage = image.trimmed();
     const QString trimmedName = name.trimmed();
-    static const WholePattern imageForm(u"[A-Za-z0-9][A-Za-z0-9._/:@-]*"_s);
-    if (!imageForm.matches(trimmedImage)) {
-        m_message = u"Enter a valid image name, for example nginx:latest."_s;
-        return;
-    }
-    static const WholePattern nameForm(u"[A-Za-z0-9][A-Za-z0-9_.-]*"_s);
-    if (!trimmedName.isEmpty() && !nameForm.matches(trimmedName)) {
-        m_message = u"The container name has characters Docker does not allow."_s;
-        return;
+    const QStringList mappings = portsIn(ports);
+    if (const std::optional<QString> refusal = refusalOf(trimmedImage, trimmedName, mappings)) {
+        m_message = *refusal;
+        co_return;
     }
     QStringList arguments{u"run"_s, u"-d"_s};
     if (!trimmedName.isEmpty())
         arguments << u"--name"_s << trimmedName;
-    static const QRegularExpression separator(u"[, ]"_s);
-    static const WholePattern mappingForm(u"([0-9.]+:)?[0-9]+(:[0-9]+)?(/(tcp|udp))?"_s);
-    for (const QString &mapping : ports.split(separator, Qt::SkipEmptyParts)) {
-        if (!mappingForm.matches(mapping)) {
-            m_message = u"Ports look like 8080:80, separated by commas."_s;
-            return;
-        }
+    for (const QString &mapping : mappings)
         arguments << u"-p"_s << mapping;
-    }
     arguments << trimmedImage;
     m_busy = true;
     m_message = u"Running "_s + trimmedImage + u"… (pulling the image can take a while)"_s;
-    performRun(*docker, arguments, trimmedName.isEmpty() ? trimmedImage : trimmedName);
-}
-
-QCoro::Task<> ContainerStore::performRun(QString docker, QStringList arguments, QString started)
-{
     const QPointer<ContainerStore> self(this);
-    const CLIResult result = co_await OrbCLI::run(docker, arguments, std::nullopt, m_limits.run);
+    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.run);
     if (!self)
         co_return;
+    const QString started = trimmedName.isEmpty() ? trimmedImage : trimmedName;
     m_message = result.succeeded() ? u"Started "_s + started + u'.' : u"docker run failed: "_s + result.combined();
-    m_busy = false;
-    co_await refresh();
+    co_await endOperation();
 }
 
 void ContainerStore::setContainers(const QList<ContainerInfo> &containers)

@@ -5,7 +5,8 @@
 //   idle ──action or runContainer (checks passed)──▶ busy ──tool ended, message written──▶ idle ──▶ refresh
 //
 // `busy` is the only guard, for action and runContainer; refresh and logs run beside anything. Listing reports through
-// `error`, action and runContainer through `message`, logs through the log fields.
+// `error`, action and runContainer through `message`, logs through the log fields. All return at once, and nobody need
+// await what they return; a store that is destroyed meanwhile leaves the tool to itself.
 
 #include "ContainerStore/ContainerInfo.h"
 
@@ -48,13 +49,13 @@ public:
     QCoro::Task<> refresh();
 
     /// Runs `docker VERB NAME`, `verb` being "start", "stop" or "rm" (which removes a running container too).
-    void action(const QString &verb, const ContainerInfo &container);
+    QCoro::Task<> action(QString verb, ContainerInfo container);
 
     /// Reads the last 300 lines of a container's log into `logTitle` and `logText` and sets `showLogs`.
-    void logs(const ContainerInfo &container);
+    QCoro::Task<> logs(ContainerInfo container);
 
     /// Starts a new detached container from texts as the user typed them; what cannot be right is refused in `message`.
-    void runContainer(const QString &image, const QString &name, const QString &ports);
+    QCoro::Task<> runContainer(QString image, QString name, QString ports);
 
 Q_SIGNALS:
     void containersChanged();
@@ -66,9 +67,10 @@ Q_SIGNALS:
     void showLogsChanged();
 
 private:
-    QCoro::Task<> performAction(QString docker, QString verb, QString name);
-    QCoro::Task<> performLogs(QString docker, QString name);
-    QCoro::Task<> performRun(QString docker, QStringList arguments, QString started);
+    /// The path of `docker`; nothing, and nothing is to be done, while another operation is going on or without
+    /// `docker`.
+    std::optional<QString> dockerForOperation() const;
+    QCoro::Task<> endOperation();
     void setContainers(const QList<ContainerInfo> &containers);
 
     const ContainerTimeLimits m_limits;

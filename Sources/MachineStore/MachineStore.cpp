@@ -50,44 +50,42 @@ QCoro::Task<> MachineStore::refresh()
     const CLIResult second = co_await OrbCLI::run(*orb, asTable, std::nullopt, m_limits.list);
     if (!self)
         co_return;
-    if (second.launchError) {
-        m_error = second.launchError;
-    } else if (second.timedOut) {
-        m_error = u"orb list timed out. Is OrbStack running?"_s;
-    } else if (second.status == 0) {
+    const std::optional<QString> failure = second.failure(u"orb list"_s);
+    if (!failure)
         setMachines(OrbCLI::parseMachinesText(second.stdout));
-        m_error = std::nullopt;
-    } else {
-        m_error = second.combined();
-    }
+    m_error = failure;
 }
 
-void MachineStore::create(Distro distro, const QString &name)
+std::optional<QString> MachineStore::orbForOperation() const
 {
-    if (m_busy)
-        return;
-    const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
+    return m_busy ? std::nullopt : OrbCLI::find(u"orb"_s);
+}
+
+QCoro::Task<> MachineStore::endOperation()
+{
+    m_busy = false;
+    co_await refresh();
+}
+
+QCoro::Task<> MachineStore::create(Distro distro, QString name)
+{
+    const std::optional<QString> orb = orbForOperation();
     if (!orb)
-        return;
+        co_return;
     if (!isValidName(name)) {
         setLog(u"Use lowercase letters, digits and dashes for the name.\n"_s);
-        return;
+        co_return;
     }
     const auto hasThisName = [&name](const Machine &machine) { return machine.name == name; };
     if (std::any_of(m_machines.cbegin(), m_machines.cend(), hasThisName)) {
         setLog(u"A machine named "_s + name + u" already exists.\n"_s);
-        return;
+        co_return;
     }
     m_busy = true;
-    setLog(u"$ orb create "_s + rawValue(distro) + u' ' + name + u'\n');
-    performCreate(*orb, rawValue(distro), name);
-}
-
-QCoro::Task<> MachineStore::performCreate(QString orb, QString distro, QString name)
-{
     const QPointer<MachineStore> self(this);
-    const QStringList arguments{u"create"_s, distro, name};
-    const OrbCLI::StreamResult result = co_await streamToLog(orb, arguments);
+    const QStringList arguments{u"create"_s, rawValue(distro), name};
+    setLog(u"$ orb "_s + arguments.join(u' ') + u'\n');
+    const OrbCLI::StreamResult result = co_await streamToLog(*orb, arguments);
     if (!self)
         co_return;
     if (result.timedOut)
@@ -96,8 +94,7 @@ QCoro::Task<> MachineStore::performCreate(QString orb, QString distro, QString n
         appendLog(("\nMachine " + name.toUtf8() + " is ready.\n"));
     else
         appendLog(("\nFailed (exit " + QByteArray::number(result.status) + ").\n"));
-    m_busy = false;
-    co_await refresh();
+    co_await endOperation();
 }
 
 QCoro::Task<OrbCLI::StreamResult> MachineStore::streamToLog(const QString &orb, const QStringList &arguments)
@@ -111,49 +108,33 @@ QCoro::Task<OrbCLI::StreamResult> MachineStore::streamToLog(const QString &orb, 
                                });
 }
 
-void MachineStore::simple(const QStringList &arguments)
+QCoro::Task<> MachineStore::simple(QStringList arguments)
 {
-    if (m_busy)
-        return;
-    const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
+    const std::optional<QString> orb = orbForOperation();
     if (!orb)
-        return;
+        co_return;
     m_busy = true;
-    performSimple(*orb, arguments);
-}
-
-QCoro::Task<> MachineStore::performSimple(QString orb, QStringList arguments)
-{
     const QPointer<MachineStore> self(this);
-    const CLIResult result = co_await OrbCLI::run(orb, arguments, std::nullopt, m_limits.simple);
+    const CLIResult result = co_await OrbCLI::run(*orb, arguments, std::nullopt, m_limits.simple);
     if (!self)
         co_return;
     setLog(result.succeeded() ? QString()
                               : u"orb "_s + arguments.join(u' ') + u" failed: "_s + result.combined() + u'\n');
-    m_busy = false;
-    co_await refresh();
+    co_await endOperation();
 }
 
-void MachineStore::remove(const QString &name)
+QCoro::Task<> MachineStore::remove(QString name)
 {
-    if (m_busy)
-        return;
-    const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
+    const std::optional<QString> orb = orbForOperation();
     if (!orb)
-        return;
+        co_return;
     m_busy = true;
-    performRemove(*orb, name);
-}
-
-QCoro::Task<> MachineStore::performRemove(QString orb, QString name)
-{
     const QPointer<MachineStore> self(this);
-    const CLIResult result = co_await OrbCLI::deleteMachine(orb, name, m_limits.deletion);
+    const CLIResult result = co_await OrbCLI::deleteMachine(*orb, name, m_limits.deletion);
     if (!self)
         co_return;
     setLog(result.succeeded() ? u"Deleted "_s + name + u".\n"_s : u"Delete failed: "_s + result.combined() + u'\n');
-    m_busy = false;
-    co_await refresh();
+    co_await endOperation();
 }
 
 void MachineStore::setMachines(const QList<Machine> &machines)

@@ -6,7 +6,8 @@
 //
 // `busy` is the only guard: a request that arrives while it is true is ignored. A refresh is never blocked, touches
 // neither `busy` nor `log`, and of two at once the later to finish decides. No operation fails to its caller: listing
-// reports through `error`, the operations through `log`.
+// reports through `error`, the operations through `log`. All return at once, and nobody need await what they return; a
+// store that is destroyed meanwhile leaves the tool to itself.
 
 #include "MachineStore/Distro.h"
 #include "MachineStore/Machine.h"
@@ -47,13 +48,13 @@ public:
     QCoro::Task<> refresh();
 
     /// Creates a machine; a name that is malformed or taken is refused in `log`.
-    void create(Distro distro, const QString &name);
+    QCoro::Task<> create(Distro distro, QString name);
 
     /// Runs `orb` with {"start" or "stop", the machine's name}; `log` is emptied or tells the failure.
-    void simple(const QStringList &arguments);
+    QCoro::Task<> simple(QStringList arguments);
 
     /// Deletes a machine for good; `log` tells the outcome. (`delete` is a word of the language.)
-    void remove(const QString &name);
+    QCoro::Task<> remove(QString name);
 
 Q_SIGNALS:
     void machinesChanged();
@@ -62,9 +63,9 @@ Q_SIGNALS:
     void logChanged();
 
 private:
-    QCoro::Task<> performCreate(QString orb, QString distro, QString name);
-    QCoro::Task<> performSimple(QString orb, QStringList arguments);
-    QCoro::Task<> performRemove(QString orb, QString name);
+    /// The path of `orb`; nothing, and nothing is to be done, while another operation is going on or without `orb`.
+    std::optional<QString> orbForOperation() const;
+    QCoro::Task<> endOperation();
     QCoro::Task<OrbCLI::StreamResult> streamToLog(const QString &orb, const QStringList &arguments);
     void setMachines(const QList<Machine> &machines);
     void setLog(const QString &text);

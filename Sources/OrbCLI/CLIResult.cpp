@@ -1,5 +1,7 @@
 #include "OrbCLI/CLIResult.h"
 
+using namespace Qt::StringLiterals;
+
 QString CLIResult::combined() const
 {
     const QString output = stdout.trimmed();
@@ -7,4 +9,15 @@ QString CLIResult::combined() const
     if (output.isEmpty() || errors.isEmpty())
         return output + errors;
     return output + u'\n' + errors;
+}
+
+std::optional<QString> CLIResult::failure(const QString &command) const
+{
+    if (launchError)
+        return launchError;
+    if (timedOut)
+        return command + u" timed out. Is OrbStack running?"_s;
+    if (status != 0)
+        return combined();
+    return std::nullopt;
 }

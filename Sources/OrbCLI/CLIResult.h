@@ -20,4 +20,8 @@ struct CLIResult {
 
     /// Both streams trimmed of white space, the empty ones dropped, the rest joined by one line feed.
     QString combined() const;
+
+    /// Why `command` ("orb list") did not succeed, as a sentence for the user: what the system said, or that it timed
+    /// out, or all that it printed (possibly nothing). None when it succeeded.
+    std::optional<QString> failure(const QString &command) const;
 };

@@ -50,3 +50,24 @@ TEST(CLIResult, SucceedsOnlyWhenStartedInTimeWithStatusZero)
     EXPECT_FALSE(result.succeeded());
     EXPECT_FALSE(CLIResult().succeeded());
 }
+
+TEST(CLIResult, TellsWhyItFailedInTheOrderOfItsJudgement)
+{
+    CLIResult result = withTexts(u"out"_s, u" err\n"_s);
+    EXPECT_EQ(result.failure(u"orb list"_s), std::nullopt);
+    result.status = 3;
+    EXPECT_EQ(result.failure(u"orb list"_s), u"out\nerr"_s);
+    result.timedOut = true;
+    EXPECT_EQ(result.failure(u"orb list"_s), u"orb list timed out. Is OrbStack running?"_s);
+    result.status = 0;
+    EXPECT_EQ(result.failure(u"docker ps"_s), u"docker ps timed out. Is OrbStack running?"_s);
+    result.launchError = u"refused"_s;
+    EXPECT_EQ(result.failure(u"orb list"_s), u"refused"_s);
+}
+
+TEST(CLIResult, TellsAFailureWithoutAWordAsAnEmptyOne)
+{
+    CLIResult result = withTexts(QString(), u" \n"_s);
+    result.status = 1;
+    EXPECT_EQ(result.failure(u"orb list"_s), QString());
+}
