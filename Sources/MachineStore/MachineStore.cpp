@@ -2,6 +2,7 @@
 
 #include "MachineStore/MachineList.h"
 #include "OrbCLI/DeleteMachine.h"
+#include "OrbCLI/OrbCLI.h"
 #include "OrbCLI/ToolLocation.h"
 #include "Text/WholePattern.h"
 
@@ -22,7 +23,10 @@ bool isValidName(const QString &name)
 
 } // namespace
 
-MachineStore::MachineStore(MachineTimeLimits limits, QObject *parent) : QObject(parent), m_limits(limits) {}
+MachineStore::MachineStore(MachineTimeLimits limits, QObject *parent) : QObject(parent), m_limits(limits)
+{
+    connect(&m_log, &ToolLog::changed, this, &MachineStore::logChanged);
+}
 
 QCoro::Task<> MachineStore::refresh()
 {
@@ -73,39 +77,30 @@ QCoro::Task<> MachineStore::create(Distro distro, QString name)
     if (!orb)
         co_return;
     if (!isValidName(name)) {
-        setLog(u"Use lowercase letters, digits and dashes for the name.\n"_s);
+        m_log.replace(u"Use lowercase letters, digits and dashes for the name.\n"_s);
         co_return;
     }
     const auto hasThisName = [&name](const Machine &machine) { return machine.name == name; };
     if (std::any_of(m_machines.cbegin(), m_machines.cend(), hasThisName)) {
-        setLog(u"A machine named "_s + name + u" already exists.\n"_s);
+        m_log.replace(u"A machine named "_s + name + u" already exists.\n"_s);
         co_return;
     }
     m_busy = true;
     const QPointer<MachineStore> self(this);
     const QStringList arguments{u"create"_s, rawValue(distro), name};
-    setLog(u"$ orb "_s + arguments.join(u' ') + u'\n');
-    const OrbCLI::StreamResult result = co_await streamToLog(*orb, arguments);
+    m_log.replace(u"$ orb "_s + arguments.join(u' ') + u'\n');
+    const OutputHandler toLog = m_log.outputHandler();
+    const OrbCLI::StreamResult result =
+        co_await OrbCLI::streamAsync(*orb, arguments, std::nullopt, m_limits.creation, {}, toLog);
     if (!self)
         co_return;
     if (result.timedOut)
-        appendLog("\nTimed out.\n");
+        m_log.append("\nTimed out.\n");
     else if (result.status == 0)
-        appendLog(("\nMachine " + name.toUtf8() + " is ready.\n"));
+        m_log.append("\nMachine " + name.toUtf8() + " is ready.\n");
     else
-        appendLog(("\nFailed (exit " + QByteArray::number(result.status) + ").\n"));
+        m_log.append("\nFailed (exit " + QByteArray::number(result.status) + ").\n");
     co_await endOperation();
-}
-
-QCoro::Task<OrbCLI::StreamResult> MachineStore::streamToLog(const QString &orb, const QStringList &arguments)
-{
-    // A function of its own and not a coroutine: GCC 12 destroys twice what a lambda holds when the lambda stands
-    // inside an awaited expression.
-    return OrbCLI::streamAsync(orb, arguments, std::nullopt, m_limits.creation, {},
-                               [self = QPointer(this)](QUtf8StringView text, bool) {
-                                   if (self)
-                                       self->appendLog(text);
-                               });
 }
 
 QCoro::Task<> MachineStore::simple(QStringList arguments)
@@ -118,8 +113,8 @@ QCoro::Task<> MachineStore::simple(QStringList arguments)
     const CLIResult result = co_await OrbCLI::run(*orb, arguments, std::nullopt, m_limits.simple);
     if (!self)
         co_return;
-    setLog(result.succeeded() ? QString()
-                              : u"orb "_s + arguments.join(u' ') + u" failed: "_s + result.combined() + u'\n');
+    m_log.replace(result.succeeded() ? QString()
+                                     : u"orb "_s + arguments.join(u' ') + u" failed: "_s + result.combined() + u'\n');
     co_await endOperation();
 }
 
@@ -133,7 +128,8 @@ QCoro::Task<> MachineStore::remove(QString name)
     const CLIResult result = co_await OrbCLI::deleteMachine(*orb, name, m_limits.deletion);
     if (!self)
         co_return;
-    setLog(result.succeeded() ? u"Deleted "_s + name + u".\n"_s : u"Delete failed: "_s + result.combined() + u'\n');
+    m_log.replace(result.succeeded() ? u"Deleted "_s + name + u".\n"_s
+                                     : u"Delete failed: "_s + result.combined() + u'\n');
     co_await endOperation();
 }
 
@@ -143,18 +139,4 @@ void MachineStore::setMachines(const QList<Machine> &machines)
         return;
     m_machines = machines;
     Q_EMIT machinesChanged();
-}
-
-void MachineStore::setLog(const QString &text)
-{
-    if (m_log.text() == text)
-        return;
-    m_log.replace(text);
-    Q_EMIT logChanged();
-}
-
-void MachineStore::appendLog(QUtf8StringView text)
-{
-    m_log.append(text);
-    Q_EMIT logChanged();
 }

@@ -11,13 +11,14 @@
 
 #include "MachineStore/Distro.h"
 #include "MachineStore/Machine.h"
-#include "OrbCLI/CappedLog.h"
-#include "OrbCLI/OrbCLI.h"
+#include "OrbCLI/ToolLog.h"
 
 #include <QCoroTask>
 #include <QList>
 #include <QObject>
 #include <QProperty>
+#include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -66,14 +67,11 @@ private:
     /// The path of `orb`; nothing, and nothing is to be done, while another operation is going on or without `orb`.
     std::optional<QString> orbForOperation() const;
     QCoro::Task<> endOperation();
-    QCoro::Task<OrbCLI::StreamResult> streamToLog(const QString &orb, const QStringList &arguments);
     void setMachines(const QList<Machine> &machines);
-    void setLog(const QString &text);
-    void appendLog(QUtf8StringView text);
 
     const MachineTimeLimits m_limits;
     QList<Machine> m_machines;
-    CappedLog m_log;
+    ToolLog m_log;
     Q_OBJECT_BINDABLE_PROPERTY(MachineStore, std::optional<QString>, m_error, &MachineStore::errorChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(MachineStore, bool, m_busy, false, &MachineStore::busyChanged)
 };

@@ -43,6 +43,7 @@ SetupController::SetupController(SetupTimeLimits limits, bool macSupported, QObj
       m_limits(limits),
       m_macSupported(macSupported)
 {
+    connect(&m_log, &ToolLog::changed, this, &SetupController::logChanged);
 }
 
 QCoro::Task<> SetupController::refresh()
@@ -74,9 +75,9 @@ void SetupController::install()
         return;
     beginOperation();
     m_cancellation.reset();
-    clearLog();
+    m_log.replace(QString());
     m_note = u"Installing OrbStack with Homebrew…"_s;
-    appendLog("$ brew install --cask orbstack\n");
+    m_log.append("$ brew install --cask orbstack\n");
     performInstall(*brew);
 }
 
@@ -90,7 +91,7 @@ QCoro::Task<> SetupController::performInstall(QString brew)
     m_cancellation.childEnded();
     // First of all whether the user cancelled: brew may still have ended well, or badly because of it.
     if (!m_cancellation.isRequested() && result.status == 0) {
-        appendLog("\nInstall finished.\n");
+        m_log.append("\nInstall finished.\n");
         co_await bringUp();
         co_return;
     }
@@ -126,7 +127,7 @@ QCoro::Task<> SetupController::bringUp()
         co_return;
     }
     m_note = u"Starting OrbStack…"_s;
-    appendLog("$ orb start\n");
+    m_log.append("$ orb start\n");
 
     const QPointer<SetupController> self(this);
     const QDeadlineTimer deadline(duration(m_limits.start), Qt::PreciseTimer);
@@ -214,23 +215,5 @@ QCoro::Task<OrbCLI::StreamResult> SetupController::streamToLog(const QString &to
     // inside an awaited expression.
     return OrbCLI::streamAsync(
         tool, arguments, std::nullopt, timeLimit,
-        [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); },
-        [self = QPointer(this)](QUtf8StringView text, bool) {
-            if (self)
-                self->appendLog(text);
-        });
-}
-
-void SetupController::appendLog(QUtf8StringView text)
-{
-    m_log.append(text);
-    Q_EMIT logChanged();
-}
-
-void SetupController::clearLog()
-{
-    if (m_log.text().isEmpty())
-        return;
-    m_log.replace(QString());
-    Q_EMIT logChanged();
+        [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); }, m_log.outputHandler());
 }

@@ -13,14 +13,13 @@
 // ends as a sentence in `note`; what the tools printed while installing or starting is in `log`.
 
 #include "OrbCLI/Cancellation.h"
-#include "OrbCLI/CappedLog.h"
 #include "OrbCLI/OrbCLI.h"
+#include "OrbCLI/ToolLog.h"
 
 #include <QCoroTask>
 #include <QObject>
 #include <QPointer>
 #include <QProperty>
-#include <QUtf8StringView>
 
 /// What is known of OrbStack. `running` is the one state in which machines, runs and containers are offered.
 enum class OrbState { checking, notInstalled, stopped, starting, running };
@@ -90,13 +89,11 @@ private:
     QCoro::Task<> performStop(QString orb);
     QCoro::Task<> bringUp();
     QCoro::Task<OrbCLI::StreamResult> streamToLog(const QString &tool, const QStringList &arguments, double timeLimit);
-    void appendLog(QUtf8StringView text);
-    void clearLog();
 
     const SetupTimeLimits m_limits;
     const bool m_macSupported;
     Cancellation m_cancellation;
-    CappedLog m_log;
+    ToolLog m_log;
     /// How many operations began, so that a refresh sees whether one did while it waited.
     int m_operations = 0;
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, OrbState, m_state, OrbState::checking,

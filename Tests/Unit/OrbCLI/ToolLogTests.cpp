@@ -1,16 +1,18 @@
-#include "OrbCLI/CappedLog.h"
+#include "OrbCLI/ToolLog.h"
 
 #include <QElapsedTimer>
 #include <QTextBoundaryFinder>
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 using namespace Qt::StringLiterals;
 
 namespace
 {
 
-void append(CappedLog &log, const QString &text)
+void append(ToolLog &log, const QString &text)
 {
     log.append(text.toUtf8());
 }
@@ -27,9 +29,9 @@ qsizetype characters(const QString &text)
 
 } // namespace
 
-TEST(CappedLog, KeepsEverythingUpTo200000Characters)
+TEST(ToolLog, KeepsEverythingUpTo200000Characters)
 {
-    CappedLog log;
+    ToolLog log;
     append(log, u"first"_s);
     append(log, QString(199'995, u'x'));
     EXPECT_EQ(log.text(), u"first"_s + QString(199'995, u'x'));
@@ -37,17 +39,17 @@ TEST(CappedLog, KeepsEverythingUpTo200000Characters)
     EXPECT_EQ(log.text().size(), 200'000);
 }
 
-TEST(CappedLog, KeepsTheLast150000OfOneMore)
+TEST(ToolLog, KeepsTheLast150000OfOneMore)
 {
-    CappedLog log;
+    ToolLog log;
     append(log, QString(200'000, u'x'));
     append(log, u"!"_s);
     EXPECT_EQ(log.text(), QString(149'999, u'x') + u'!');
 }
 
-TEST(CappedLog, GrowsAgainAfterACut)
+TEST(ToolLog, GrowsAgainAfterACut)
 {
-    CappedLog log;
+    ToolLog log;
     append(log, QString(200'001, u'a'));
     append(log, QString(50'000, u'b'));
     EXPECT_EQ(log.text(), QString(150'000, u'a') + QString(50'000, u'b'));
@@ -55,20 +57,20 @@ TEST(CappedLog, GrowsAgainAfterACut)
     EXPECT_EQ(log.text(), QString(99'999, u'a') + QString(50'000, u'b') + u'c');
 }
 
-TEST(CappedLog, KeepsTheEndOfATextThatIsTooLongByItself)
+TEST(ToolLog, KeepsTheEndOfATextThatIsTooLongByItself)
 {
-    CappedLog log;
+    ToolLog log;
     append(log, QString(300'000, u'a') + QString(150'000, u'b'));
     EXPECT_EQ(log.text(), QString(150'000, u'b'));
 }
 
-TEST(CappedLog, CountsWhatAReaderSees)
+TEST(ToolLog, CountsWhatAReaderSees)
 {
     // A letter with two marks, CR LF, a flag, a family of emoji, a syllable of three jamo: one character each.
     for (const QString &character :
          {u"e\u0301\u0323"_s, u"\r\n"_s, u"\U0001f1e9\U0001f1ea"_s, u"\U0001f468\u200d\U0001f469\u200d\U0001f467"_s,
           u"\u1112\u1161\u11ab"_s, u"\u00e9"_s, u"\U0001f600"_s}) {
-        CappedLog log;
+        ToolLog log;
         append(log, character.repeated(200'000));
         EXPECT_EQ(log.text(), character.repeated(200'000));
         append(log, u"!"_s);
@@ -76,9 +78,9 @@ TEST(CappedLog, CountsWhatAReaderSees)
     }
 }
 
-TEST(CappedLog, CountsACharacterThatArrivesInPiecesOnce)
+TEST(ToolLog, CountsACharacterThatArrivesInPiecesOnce)
 {
-    CappedLog log;
+    ToolLog log;
     for (int count = 0; count < 2000; ++count) {
         append(log, u"x\r"_s);
         append(log, u"\ne"_s);
@@ -96,17 +98,17 @@ TEST(CappedLog, CountsACharacterThatArrivesInPiecesOnce)
     EXPECT_EQ(characters(log.text()), 150'000);
 }
 
-TEST(CappedLog, KeepsAByteOrderMarkAtTheFrontOfAChunk)
+TEST(ToolLog, KeepsAByteOrderMarkAtTheFrontOfAChunk)
 {
-    CappedLog log;
+    ToolLog log;
     append(log, u"\uFEFFa"_s);
     append(log, u"\uFEFFb"_s);
     EXPECT_EQ(log.text(), u"\uFEFFa\uFEFFb"_s);
 }
 
-TEST(CappedLog, ReplacesItsTextWhateverItsLength)
+TEST(ToolLog, ReplacesItsTextWhateverItsLength)
 {
-    CappedLog log;
+    ToolLog log;
     append(log, QString(200'000, u'x'));
     log.replace(u"new"_s);
     EXPECT_EQ(log.text(), u"new"_s);
@@ -118,10 +120,10 @@ TEST(CappedLog, ReplacesItsTextWhateverItsLength)
     EXPECT_EQ(log.text(), QString(149'999, u'y') + u'!');
 }
 
-TEST(CappedLog, TakesAFloodInTimeThatGrowsWithItsSizeOnly)
+TEST(ToolLog, TakesAFloodInTimeThatGrowsWithItsSizeOnly)
 {
     for (const QString &piece : {u"x"_s, u"\u0301"_s, u"\U0001f1e9"_s, u"\r"_s, u"\u00e9"_s}) {
-        CappedLog log;
+        ToolLog log;
         QElapsedTimer timer;
         timer.start();
         for (int count = 0; count < 400'000; ++count)
@@ -129,4 +131,31 @@ TEST(CappedLog, TakesAFloodInTimeThatGrowsWithItsSizeOnly)
         RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
         EXPECT_LT(timer.elapsed(), 5000) << piece.toStdString();
     }
+}
+
+TEST(ToolLog, TellsEachChangeOnceAndNothingElse)
+{
+    ToolLog log;
+    int changes = 0;
+    QObject::connect(&log, &ToolLog::changed, &log, [&changes] { ++changes; });
+    append(log, QString());
+    log.replace(QString());
+    EXPECT_EQ(changes, 0);
+    append(log, QString(200'000, u'x'));
+    append(log, u"!"_s);
+    EXPECT_EQ(changes, 2) << "a cut is part of the change that made it necessary";
+    log.replace(u"new"_s);
+    log.replace(u"new"_s);
+    EXPECT_EQ(changes, 3);
+}
+
+TEST(ToolLog, TakesBothStreamsOfAToolForAsLongAsItLives)
+{
+    auto log = std::make_unique<ToolLog>();
+    const OutputHandler handler = log->outputHandler();
+    handler("out ", false);
+    handler("err", true);
+    EXPECT_EQ(log->text(), u"out err"_s);
+    log.reset();
+    handler("too late", false);
 }

@@ -1,7 +1,9 @@
-#include "OrbCLI/CappedLog.h"
+#include "OrbCLI/ToolLog.h"
 
 #include "Text/GraphemeBreaker.h"
 #include "Text/Utf8.h"
+
+#include <QPointer>
 
 namespace
 {
@@ -19,29 +21,48 @@ qsizetype endOfFirst(int characters, QByteArrayView text)
 
 } // namespace
 
-void CappedLog::append(QUtf8StringView text)
+void ToolLog::append(QUtf8StringView text)
 {
+    if (text.isEmpty())
+        return;
     m_text += Utf8::toQString(text);
     m_counter.add(QByteArrayView(text.data(), text.size()));
     if (m_counter.count() > capacity)
         keepLast(keptCharacters);
+    Q_EMIT changed();
 }
 
-void CappedLog::replace(const QString &text)
+void ToolLog::replace(const QString &text)
+{
+    if (m_text == text)
+        return;
+    setText(text);
+    Q_EMIT changed();
+}
+
+OutputHandler ToolLog::outputHandler()
+{
+    return [self = QPointer(this)](QUtf8StringView text, bool) {
+        if (self)
+            self->append(text);
+    };
+}
+
+void ToolLog::setText(const QString &text)
 {
     m_text = text;
     m_counter = GraphemeCounter(std::numeric_limits<int>::max());
     m_counter.add(text.toUtf8());
 }
 
-void CappedLog::keepLast(int characters)
+void ToolLog::keepLast(int characters)
 {
     const int dropped = m_counter.count() - characters;
     // Where every character is one unit, as in plain ASCII, there is nothing to look for.
     if (m_counter.count() == m_text.size()) {
-        replace(m_text.sliced(dropped));
+        setText(m_text.sliced(dropped));
         return;
     }
     const QByteArray utf8 = m_text.toUtf8();
-    replace(Utf8::toQString(QByteArrayView(utf8).sliced(endOfFirst(dropped, utf8))));
+    setText(Utf8::toQString(QByteArrayView(utf8).sliced(endOfFirst(dropped, utf8))));
 }
