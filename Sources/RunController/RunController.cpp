@@ -44,8 +44,8 @@ void RunController::append(const QString &text, OutputKind kind)
 void RunController::clearTranscript()
 {
     m_transcript.clear();
-    if (const ProcessHandlePointer &child = m_cancellation.child())
-        child->resumeOutput();
+    if (const ProcessHandlePointer &tool = m_currentTool.handle())
+        tool->resumeOutput();
     Q_EMIT transcriptCleared();
 }
 
@@ -57,22 +57,15 @@ void RunController::start(const RunJob &job, HistoryStore *history)
 
 void RunController::stop()
 {
-    m_cancellation.request();
+    m_currentTool.requestStop();
 }
 
-QCoro::Task<OrbCLI::StreamResult> RunController::stream(const QString &orb, const QStringList &arguments,
-                                                        const std::optional<QString> &input,
-                                                        std::optional<double> timeLimit, OutputKind kindOfOutput)
+OutputHandler RunController::outputHandler(OutputKind kindOfOutput)
 {
-    // A function of its own and not a coroutine: GCC 12 destroys twice what a lambda holds when the lambda stands
-    // inside an awaited expression.
-    return OrbCLI::streamAsync(
-        orb, arguments, input, timeLimit,
-        [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); },
-        [self = QPointer(this), kindOfOutput](QUtf8StringView text, bool isError) {
-            if (self)
-                self->appendOutput(text, isError ? OutputKind::err : kindOfOutput);
-        });
+    return [self = QPointer(this), kindOfOutput](QUtf8StringView text, bool isError) {
+        if (self)
+            self->appendOutput(text, isError ? OutputKind::err : kindOfOutput);
+    };
 }
 
 void RunController::appendOutput(QUtf8StringView text, OutputKind kind)
@@ -80,12 +73,12 @@ void RunController::appendOutput(QUtf8StringView text, OutputKind kind)
     const std::int64_t before = m_transcript.memory();
     append(text, kind);
     const std::int64_t now = m_transcript.memory();
-    const ProcessHandlePointer &child = m_cancellation.child();
-    if (!child)
+    const ProcessHandlePointer &tool = m_currentTool.handle();
+    if (!tool)
         return;
     if (now < before)
-        child->resumeOutput();
-    child->pauseOutput(m_pace.pauseAfter(before, now));
+        tool->resumeOutput();
+    tool->pauseOutput(m_pace.pauseAfter(before, now));
 }
 
 QCoro::Task<> RunController::execute(RunJob job, QPointer<HistoryStore> history)
@@ -96,7 +89,7 @@ QCoro::Task<> RunController::execute(RunJob job, QPointer<HistoryStore> history)
         co_return;
     }
     m_isRunning = true;
-    m_cancellation.reset();
+    m_currentTool.beginOperation();
     m_startedAt = QDateTime::currentDateTimeUtc();
 
     // Nothing of this object is touched after a wait that it did not survive.
@@ -108,7 +101,7 @@ QCoro::Task<> RunController::execute(RunJob job, QPointer<HistoryStore> history)
         if (!self)
             co_return;
         if (!created) {
-            const QString reason = m_cancellation.isRequested() ? u"stopped"_s : u"machine creation failed"_s;
+            const QString reason = m_currentTool.isStopRequested() ? u"stopped"_s : u"machine creation failed"_s;
             append(u"Could not create the disposable machine ("_s + reason + u").\n"_s, OutputKind::fail);
             outcome = Outcome{std::nullopt, reason};
         }
@@ -137,7 +130,6 @@ QCoro::Task<> RunController::execute(RunJob job, QPointer<HistoryStore> history)
                       .date = *m_startedAt.value(),
                       .duration = secondsSince(*m_startedAt.value())});
     }
-    m_cancellation.childEnded();
     m_phase = QString();
     m_startedAt = std::nullopt;
     m_isRunning = false;
@@ -149,11 +141,12 @@ QCoro::Task<bool> RunController::createMachine(QString orb, QString name, QStrin
     m_phase = u"Creating "_s + name + u'…';
     append(u"Creating disposable machine "_s + name + u" ("_s + distro + u")…\n"_s, OutputKind::info);
     const QStringList arguments{u"create"_s, distro, name};
+    const OutputHandler onOutput = outputHandler(OutputKind::info);
     const OrbCLI::StreamResult result =
-        co_await stream(orb, arguments, std::nullopt, m_limits.creation, OutputKind::info);
+        co_await m_currentTool.stream(orb, arguments, std::nullopt, m_limits.creation, onOutput);
     if (!self)
         co_return false;
-    co_return result.status == 0 && !m_cancellation.isRequested();
+    co_return result.status == 0 && !m_currentTool.isStopRequested();
 }
 
 QCoro::Task<RunController::Outcome> RunController::runScript(QString orb, QString machine, RunJob job)
@@ -165,7 +158,8 @@ QCoro::Task<RunController::Outcome> RunController::runScript(QString orb, QStrin
     append(ScriptComposition::echoedCommand(machine, shell, job.folder), OutputKind::info);
     const QStringList arguments{u"-m"_s, machine, shell, u"-s"_s};
     const std::optional<double> timeLimit = job.timeoutEnabled ? std::optional(m_limits.script) : std::nullopt;
-    const OrbCLI::StreamResult result = co_await stream(orb, arguments, script, timeLimit, OutputKind::out);
+    const OutputHandler onOutput = outputHandler(OutputKind::out);
+    const OrbCLI::StreamResult result = co_await m_currentTool.stream(orb, arguments, script, timeLimit, onOutput);
     if (!self)
         co_return Outcome();
 
@@ -173,7 +167,7 @@ QCoro::Task<RunController::Outcome> RunController::runScript(QString orb, QStrin
         append(u"\nTimed out after 10 minutes and was stopped.\n"_s, OutputKind::warn);
         co_return Outcome{std::nullopt, u"timed out"_s};
     }
-    if (m_cancellation.isRequested()) {
+    if (m_currentTool.isStopRequested()) {
         append(u"\nStopped by user.\n"_s, OutputKind::warn);
         co_return Outcome{std::nullopt, u"stopped"_s};
     }

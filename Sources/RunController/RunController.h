@@ -11,8 +11,7 @@
 // (OutputPace.h).
 
 #include "HistoryStore/HistoryStore.h"
-#include "OrbCLI/Cancellation.h"
-#include "OrbCLI/OrbCLI.h"
+#include "OrbCLI/CurrentTool.h"
 #include "RunController/OutputPace.h"
 #include "Transcript/Transcript.h"
 
@@ -117,15 +116,14 @@ private:
     QCoro::Task<bool> createMachine(QString orb, QString name, QString distro);
     QCoro::Task<Outcome> runScript(QString orb, QString machine, RunJob job);
     QCoro::Task<> deleteMachine(QString orb, QString name);
-    QCoro::Task<OrbCLI::StreamResult> stream(const QString &orb, const QStringList &arguments,
-                                             const std::optional<QString> &input, std::optional<double> timeLimit,
-                                             OutputKind kindOfOutput);
+    /// Appends what a tool prints, its standard output as this kind.
+    OutputHandler outputHandler(OutputKind kindOfOutput);
     void appendOutput(QUtf8StringView text, OutputKind kind);
 
     const RunTimeLimits m_limits;
     const OutputPace m_pace;
     Transcript m_transcript;
-    Cancellation m_cancellation;
+    CurrentTool m_currentTool;
     Q_OBJECT_BINDABLE_PROPERTY(RunController, QString, m_script, &RunController::scriptChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(RunController, qint64, m_revision, 0, &RunController::revisionChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(RunController, bool, m_isRunning, false, &RunController::isRunningChanged)

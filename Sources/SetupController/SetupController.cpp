@@ -66,37 +66,32 @@ QCoro::Task<> SetupController::refresh()
     m_state = running ? OrbState::running : OrbState::stopped;
 }
 
-void SetupController::install()
+QCoro::Task<> SetupController::install()
 {
     if (m_busy)
-        return;
+        co_return;
     const std::optional<QString> brew = OrbCLI::findBrew();
     if (!brew)
-        return;
+        co_return;
     beginOperation();
-    m_cancellation.reset();
     m_log.replace(QString());
     m_note = u"Installing OrbStack with Homebrew…"_s;
     m_log.append("$ brew install --cask orbstack\n");
-    performInstall(*brew);
-}
-
-QCoro::Task<> SetupController::performInstall(QString brew)
-{
     const QPointer<SetupController> self(this);
     const QStringList arguments{u"install"_s, u"--cask"_s, u"orbstack"_s};
-    const OrbCLI::StreamResult result = co_await streamToLog(brew, arguments, m_limits.install);
+    const OutputHandler toLog = m_log.outputHandler();
+    const OrbCLI::StreamResult result =
+        co_await m_currentTool.stream(*brew, arguments, std::nullopt, m_limits.install, toLog);
     if (!self)
         co_return;
-    m_cancellation.childEnded();
     // First of all whether the user cancelled: brew may still have ended well, or badly because of it.
-    if (!m_cancellation.isRequested() && result.status == 0) {
+    if (!m_currentTool.isStopRequested() && result.status == 0) {
         m_log.append("\nInstall finished.\n");
         co_await bringUp();
         co_return;
     }
     m_busy = false;
-    if (m_cancellation.isRequested())
+    if (m_currentTool.isStopRequested())
         m_note = u"Install cancelled."_s;
     else if (result.timedOut)
         m_note = u"Install timed out."_s;
@@ -110,7 +105,6 @@ void SetupController::start()
     if (m_busy)
         return;
     beginOperation();
-    m_cancellation.reset();
     bringUp();
 }
 
@@ -133,11 +127,11 @@ QCoro::Task<> SetupController::bringUp()
     const QDeadlineTimer deadline(duration(m_limits.start), Qt::PreciseTimer);
     const QStringList arguments{u"start"_s};
     // How the command ends does not matter: only what OrbStack reports afterwards does.
-    co_await streamToLog(*orb, arguments, m_limits.start);
+    const OutputHandler toLog = m_log.outputHandler();
+    co_await m_currentTool.stream(*orb, arguments, std::nullopt, m_limits.start, toLog);
     if (!self)
         co_return;
-    m_cancellation.childEnded();
-    while (!deadline.hasExpired() && !m_cancellation.isRequested()) {
+    while (!deadline.hasExpired() && !m_currentTool.isStopRequested()) {
         const bool running = co_await reportsRunning(*orb, m_limits.status);
         if (!self)
             co_return;
@@ -153,29 +147,24 @@ QCoro::Task<> SetupController::bringUp()
     }
     m_busy = false;
     m_state = OrbState::stopped;
-    m_note = m_cancellation.isRequested()
+    m_note = m_currentTool.isStopRequested()
                  ? u"Cancelled."_s
                  : u"OrbStack did not report running within 90 seconds. It may need to be opened once from "
                    u"Applications to finish its setup."_s;
 }
 
-void SetupController::stop()
+QCoro::Task<> SetupController::stop()
 {
     if (m_busy)
-        return;
+        co_return;
     const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
     if (!orb)
-        return;
+        co_return;
     beginOperation();
     m_note = u"Stopping OrbStack…"_s;
-    performStop(*orb);
-}
-
-QCoro::Task<> SetupController::performStop(QString orb)
-{
     const QPointer<SetupController> self(this);
     const QStringList arguments{u"stop"_s};
-    const CLIResult result = co_await OrbCLI::run(orb, arguments, std::nullopt, m_limits.stop);
+    const CLIResult result = co_await OrbCLI::run(*orb, arguments, std::nullopt, m_limits.stop);
     if (!self)
         co_return;
     m_busy = false;
@@ -186,12 +175,13 @@ QCoro::Task<> SetupController::performStop(QString orb)
 void SetupController::beginOperation()
 {
     ++m_operations;
+    m_currentTool.beginOperation();
     m_busy = true;
 }
 
 void SetupController::cancel()
 {
-    m_cancellation.request();
+    m_currentTool.requestStop();
 }
 
 void SetupController::openOrbStackSite()
@@ -206,14 +196,4 @@ bool SetupController::isMacSupported()
 #else
     return true;
 #endif
-}
-
-QCoro::Task<OrbCLI::StreamResult> SetupController::streamToLog(const QString &tool, const QStringList &arguments,
-                                                               double timeLimit)
-{
-    // A function of its own and not a coroutine: GCC 12 destroys twice what a lambda holds when the lambda stands
-    // inside an awaited expression.
-    return OrbCLI::streamAsync(
-        tool, arguments, std::nullopt, timeLimit,
-        [this](const ProcessHandlePointer &handle) { m_cancellation.childStarted(handle); }, m_log.outputHandler());
 }

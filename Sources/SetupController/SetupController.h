@@ -12,8 +12,7 @@
 // it but leaves `state` alone while it holds, and drops an answer asked for before an operation began. Every failure
 // ends as a sentence in `note`; what the tools printed while installing or starting is in `log`.
 
-#include "OrbCLI/Cancellation.h"
-#include "OrbCLI/OrbCLI.h"
+#include "OrbCLI/CurrentTool.h"
 #include "OrbCLI/ToolLog.h"
 
 #include <QCoroTask>
@@ -55,13 +54,13 @@ public:
     QCoro::Task<> refresh();
 
     /// Installs OrbStack, then starts it; returns at once.
-    void install();
+    QCoro::Task<> install();
 
     /// Starts OrbStack and waits until it reports running; returns at once.
     void start();
 
     /// Stops OrbStack; returns at once.
-    void stop();
+    QCoro::Task<> stop();
 
     /// Ends an install or a start early; the child that runs for it is asked to terminate.
     void cancel();
@@ -85,14 +84,11 @@ Q_SIGNALS:
 
 private:
     void beginOperation();
-    QCoro::Task<> performInstall(QString brew);
-    QCoro::Task<> performStop(QString orb);
     QCoro::Task<> bringUp();
-    QCoro::Task<OrbCLI::StreamResult> streamToLog(const QString &tool, const QStringList &arguments, double timeLimit);
 
     const SetupTimeLimits m_limits;
     const bool m_macSupported;
-    Cancellation m_cancellation;
+    CurrentTool m_currentTool;
     ToolLog m_log;
     /// How many operations began, so that a refresh sees whether one did while it waited.
     int m_operations = 0;

@@ -38,6 +38,24 @@ TEST_F(RunControllerTest, StopsAScriptWhoseChildWasNotThereYet)
     EXPECT_EQ(history.entries().first().note, u"stopped"_s);
 }
 
+TEST_F(RunControllerTest, StopsBetweenTheCreationAndTheScriptAndDeletesAllTheSame)
+{
+    addOrb(u":"_s, u":"_s, u"exec sleep 60"_s);
+    // The creation's tool has ended then, the script's is not there yet.
+    QObject::connect(&run, &RunController::phaseChanged, &run, [this] {
+        if (run.phase().startsWith(u"Running in "_s))
+            run.stop();
+    });
+    run.start(disposableJob, &history);
+    EXPECT_TRUE(waitUntilIdle());
+    EXPECT_EQ(told(run), QStringList({u"info: Creating disposable machine sbx-NNNNNN (debian)…\n"
+                                      "$ orb -m sbx-NNNNNN bash -s\n"_s,
+                                      u"warn: \nStopped by user.\n"_s,
+                                      u"info: Deleting disposable machine sbx-NNNNNN…\nDeleted sbx-NNNNNN.\n"_s}));
+    EXPECT_EQ(history.entries().first().exitCode, std::nullopt);
+    EXPECT_EQ(history.entries().first().note, u"stopped"_s);
+}
+
 TEST_F(RunControllerTest, WaitsForAToolThatIgnoresTheStop)
 {
     addOrb(u":"_s, u":"_s, u"trap '' TERM\n"_s + tools.waitForFile(u"go"_s) + u"echo still here"_s);

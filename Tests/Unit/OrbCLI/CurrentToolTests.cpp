@@ -1,0 +1,86 @@
+#include "OrbCLI/CurrentTool.h"
+
+#include "Support/TestTools.h"
+#include "Support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+const OutputHandler ignored = [](QUtf8StringView, bool) {};
+
+class CurrentToolTest : public testing::Test
+{
+protected:
+    /// Runs a tool with this body.
+    QCoro::Task<OrbCLI::StreamResult> step(const QString &body)
+    {
+        const QString path = tools.addTool(u"orb"_s, body);
+        return tool->stream(path, {u"step"_s}, std::nullopt, std::nullopt, ignored);
+    }
+
+    bool waitForCalls(qsizetype count)
+    {
+        return waitUntil([this, count] { return tools.calls(u"orb"_s).size() == count; });
+    }
+
+    TestTools tools;
+    std::unique_ptr<CurrentTool> tool = std::make_unique<CurrentTool>();
+};
+
+} // namespace
+
+TEST_F(CurrentToolTest, HasAHandleWhileAToolRunsAndNoneBetweenTwo)
+{
+    EXPECT_EQ(tool->handle(), nullptr);
+    auto first = step(tools.waitForFile(u"go"_s) + u"exit 3"_s);
+    const ProcessHandlePointer handle = tool->handle();
+    EXPECT_NE(handle, nullptr);
+    tools.addFile(u"go"_s);
+    EXPECT_EQ(waitFor(std::move(first))->status, 3);
+    EXPECT_EQ(tool->handle(), nullptr);
+
+    auto second = step(u":"_s);
+    EXPECT_NE(tool->handle(), handle);
+    EXPECT_EQ(waitFor(std::move(second))->status, 0);
+    EXPECT_EQ(tool->handle(), nullptr);
+}
+
+TEST_F(CurrentToolTest, AsksTheToolThatRunsToTerminate)
+{
+    auto running = step(TestTools::untilTerminated(5));
+    EXPECT_TRUE(waitForCalls(1));
+    EXPECT_FALSE(tool->isStopRequested());
+    tool->requestStop();
+    EXPECT_TRUE(tool->isStopRequested());
+    EXPECT_EQ(waitFor(std::move(running))->status, 5);
+    EXPECT_TRUE(tool->isStopRequested()) << "the operation asks after its step";
+}
+
+TEST_F(CurrentToolTest, EndsAToolThatStartsAfterTheStop)
+{
+    tool->requestStop();
+    EXPECT_EQ(waitFor(step(u"exec sleep 60"_s))->status, 15);
+}
+
+TEST_F(CurrentToolTest, ForgetsAStopWhenAnOperationBegins)
+{
+    tool->requestStop();
+    tool->beginOperation();
+    EXPECT_FALSE(tool->isStopRequested());
+    EXPECT_EQ(waitFor(step(u"exit 4"_s))->status, 4);
+}
+
+TEST_F(CurrentToolTest, MayBeDestroyedWhileAToolRuns)
+{
+    auto running = step(tools.waitForFile(u"go"_s) + u"exit 6"_s);
+    EXPECT_TRUE(waitForCalls(1));
+    tool.reset();
+    tools.addFile(u"go"_s);
+    EXPECT_EQ(waitFor(std::move(running))->status, 6);
+}
