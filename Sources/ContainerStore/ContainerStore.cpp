@@ -45,6 +45,11 @@ QStringList portsIn(const QString &text)
 
 ContainerStore::ContainerStore(ContainerTimeLimits limits, QObject *parent) : QObject(parent), m_limits(limits) {}
 
+bool ContainerStore::hasDocker()
+{
+    return findDocker().has_value();
+}
+
 QCoro::Task<> ContainerStore::refresh()
 {
     const std::optional<QString> docker = findDocker();

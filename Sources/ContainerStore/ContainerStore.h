@@ -45,6 +45,9 @@ public:
     /// The screen sets this to false when the log sheet is closed.
     void setShowLogs(bool show) { m_showLogs = show; }
 
+    /// Whether the `docker` tool is installed at this moment.
+    static bool hasDocker();
+
     /// Reads the list anew; changes `containers` and `error`.
     QCoro::Task<> refresh();
 

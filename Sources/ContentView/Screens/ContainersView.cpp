@@ -10,7 +10,6 @@
 #include "Look/Rows/RowList.h"
 #include "Look/TextField.h"
 #include "Look/Typography.h"
-#include "OrbCLI/ToolLocation.h"
 #include "SetupController/SetupController.h"
 
 #include <QGroupBox>
@@ -27,11 +26,6 @@ constexpr int portsWidth = 150;
 constexpr int nameWidth = 160;
 
 enum RowButton { startButton, stopButton, logsButton, removeButton };
-
-bool hasDocker()
-{
-    return OrbCLI::find(u"docker"_s).has_value();
-}
 
 RowContent contentOf(const ContainerInfo &container, bool busy)
 {
@@ -147,7 +141,7 @@ void ContainersView::showFields()
     m_message->setVisible(!m_containers.message().isEmpty());
 
     const std::optional<QString> error = m_containers.error();
-    m_error->setColour(hasDocker() ? Colours::red : Colours::orange);
+    m_error->setColour(ContainerStore::hasDocker() ? Colours::red : Colours::orange);
     m_error->setText(error.value_or(QString()));
     m_error->setVisible(error.has_value());
     m_hint->setVisible(!error && m_containers.containers().isEmpty());
@@ -156,8 +150,8 @@ void ContainersView::showFields()
 
 void ContainersView::showWhetherToRun()
 {
-    const bool canRun =
-        !m_containers.busy() && hasDocker() && m_setup.state() == OrbState::running && !m_image->text().isEmpty();
+    const bool canRun = !m_containers.busy() && ContainerStore::hasDocker() && m_setup.state() == OrbState::running &&
+                        !m_image->text().isEmpty();
     // The keyboard stays where what was refused is corrected.
     if (!canRun && window()->focusWidget() == m_run)
         m_image->setFocus(Qt::OtherFocusReason);
