@@ -104,7 +104,7 @@ std::optional<ContainerInfo> containerIn(QStringView line)
 
 } // namespace
 
-QList<ContainerInfo> OrbCLI::parseContainers(const QString &text)
+QList<ContainerInfo> ContainerList::parseContainers(const QString &text)
 {
     QList<ContainerInfo> containers;
     for (const QStringView line : QStringView(text).tokenize(u'\n', Qt::SkipEmptyParts)) {

@@ -5,11 +5,11 @@
 #include <QList>
 #include <QString>
 
-namespace OrbCLI
+namespace ContainerList
 {
 
 /// Reads `docker ps -a --format '{{json .}}'`: one JSON object a line. A line that is not one, or has no "ID" text, is
 /// skipped; a value that is not a text counts as missing. Pure.
 QList<ContainerInfo> parseContainers(const QString &text);
 
-} // namespace OrbCLI
+} // namespace ContainerList

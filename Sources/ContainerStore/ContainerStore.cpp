@@ -65,7 +65,7 @@ QCoro::Task<> ContainerStore::refresh()
         co_return;
     const std::optional<QString> failure = result.failure(u"docker ps"_s);
     if (!failure)
-        setContainers(OrbCLI::parseContainers(result.stdout));
+        setContainers(ContainerList::parseContainers(result.stdout));
     m_error = failure;
 }
 

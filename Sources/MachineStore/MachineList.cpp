@@ -44,7 +44,7 @@ std::optional<Machine> machineFrom(const Json &element)
 
 } // namespace
 
-std::optional<QList<Machine>> OrbCLI::parseMachinesJson(const QString &json)
+std::optional<QList<Machine>> MachineList::parseMachinesJson(const QString &json)
 {
     // Without exceptions: what cannot be read comes back as a discarded value, which is no array either.
     const Json document = Json::parse(json.toStdString(), nullptr, false);
@@ -58,7 +58,7 @@ std::optional<QList<Machine>> OrbCLI::parseMachinesJson(const QString &json)
     return machines;
 }
 
-QList<Machine> OrbCLI::parseMachinesText(const QString &text)
+QList<Machine> MachineList::parseMachinesText(const QString &text)
 {
     static const QRegularExpression lineEnds(u"[\\n\\r]"_s);
     static const QRegularExpression blanks(u"[ \\t]+"_s);

@@ -10,7 +10,7 @@
 
 #include <optional>
 
-namespace OrbCLI
+namespace MachineList
 {
 
 /// Reads `orb list -f json`; nothing when the text is not a JSON array. A record may be flat or stand under "record".
@@ -19,4 +19,4 @@ std::optional<QList<Machine>> parseMachinesJson(const QString &json);
 /// Reads the plain table of `orb list`: columns parted by blanks, the heading line skipped.
 QList<Machine> parseMachinesText(const QString &text);
 
-} // namespace OrbCLI
+} // namespace MachineList

@@ -43,7 +43,7 @@ QCoro::Task<> MachineStore::refresh()
     if (!self)
         co_return;
     if (first.succeeded()) {
-        if (const std::optional<QList<Machine>> machines = OrbCLI::parseMachinesJson(first.stdout)) {
+        if (const std::optional<QList<Machine>> machines = MachineList::parseMachinesJson(first.stdout)) {
             setMachines(*machines);
             m_error = std::nullopt;
             co_return;
@@ -56,7 +56,7 @@ QCoro::Task<> MachineStore::refresh()
         co_return;
     const std::optional<QString> failure = second.failure(u"orb list"_s);
     if (!failure)
-        setMachines(OrbCLI::parseMachinesText(second.stdout));
+        setMachines(MachineList::parseMachinesText(second.stdout));
     m_error = failure;
 }
 

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
-using OrbCLI::parseContainers;
+using ContainerList::parseContainers;
 
 namespace
 {

@@ -13,12 +13,12 @@ using Machines = QList<Machine>;
 
 std::optional<Machines> fromJson(const char *json)
 {
-    return OrbCLI::parseMachinesJson(QString::fromUtf8(json));
+    return MachineList::parseMachinesJson(QString::fromUtf8(json));
 }
 
 Machines fromText(const char *text)
 {
-    return OrbCLI::parseMachinesText(QString::fromUtf8(text));
+    return MachineList::parseMachinesText(QString::fromUtf8(text));
 }
 
 } // namespace
@@ -123,10 +123,10 @@ TEST(MachinesInJson, ReadTheRecordsThatOrbPrints)
 TEST(MachinesInJson, SurviveAMillionNestedBrackets)
 {
     constexpr qsizetype depth = 1'000'000;
-    EXPECT_EQ(OrbCLI::parseMachinesJson(QString(depth, u'[')), std::nullopt);
-    EXPECT_EQ(OrbCLI::parseMachinesJson(QString(depth, u'[') + QString(depth, u']')), Machines());
-    EXPECT_EQ(OrbCLI::parseMachinesJson(u"[{\"name\":\"a\",\"image\":"_s + u"{\"image\":"_s.repeated(depth) + u'1' +
-                                        QString(depth, u'}') + u"}]"_s),
+    EXPECT_EQ(MachineList::parseMachinesJson(QString(depth, u'[')), std::nullopt);
+    EXPECT_EQ(MachineList::parseMachinesJson(QString(depth, u'[') + QString(depth, u']')), Machines());
+    EXPECT_EQ(MachineList::parseMachinesJson(u"[{\"name\":\"a\",\"image\":"_s + u"{\"image\":"_s.repeated(depth) +
+                                             u'1' + QString(depth, u'}') + u"}]"_s),
               Machines({{u"a"_s, u"unknown"_s, QString(), QString()}}));
 }
 
@@ -141,7 +141,7 @@ TEST(MachinesInJson, AreReadQuicklyWhenThereAreFiveThousand)
     json.back() = u']';
     QElapsedTimer timer;
     timer.start();
-    const std::optional<Machines> machines = OrbCLI::parseMachinesJson(json);
+    const std::optional<Machines> machines = MachineList::parseMachinesJson(json);
     RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
     ASSERT_EQ(machines->size(), 5000);
     EXPECT_EQ(machines->last().name, u"machine-4999"_s);
@@ -153,7 +153,7 @@ TEST(MachinesInJson, AreReadQuicklyWhenThereAreFiveThousand)
 TEST(MachinesInJson, MayHoldAMegabyteOfText)
 {
     const QString name(1 << 20, u'x');
-    EXPECT_EQ(OrbCLI::parseMachinesJson(u"[{\"name\":\""_s + name + u"\"}]"_s)->first().name, name);
+    EXPECT_EQ(MachineList::parseMachinesJson(u"[{\"name\":\""_s + name + u"\"}]"_s)->first().name, name);
 }
 
 TEST(MachinesInATable, DropTheHeadingEmptyLinesAndLinesOfOneField)
