@@ -6,9 +6,10 @@
 //
 //   idle ──start──▶ creating (disposable) ──▶ running in ──▶ deleting (disposable) ──▶ history written ──▶ idle
 //
-// A stop only sets a flag and asks the current child to terminate; the run reports it when the step returns. Deletion
-// and history are never skipped once a run began. When the transcript has grown very large, the child is made to wait
-// (OutputPace.h).
+// A stop only sets a flag and asks the tool that runs now to terminate; the run reports it when the step returns.
+// Deletion and history are never skipped once a run began. When the transcript has grown very large, the tool is made
+// to wait (OutputPace.h). Destroyed during a run, the controller leaves the tool to itself: the run ends there, with no
+// deletion and no history entry.
 
 #include "HistoryStore/HistoryStore.h"
 #include "OrbCLI/CurrentTool.h"
@@ -80,8 +81,8 @@ public:
     /// Empties the transcript.
     void clearTranscript();
 
-    /// Starts the job and returns at once; ignored while a run is going. The run is added to `history` at its end,
-    /// unless that is gone by then.
+    /// Starts the job and returns at once; ignored while a run is going. The run is added to `history` at its end; a
+    /// history that was destroyed meanwhile, or none, is no failure.
     void start(const RunJob &job, HistoryStore *history);
 
     /// Starts the installation of packages, as the user typed them, in a machine; a text or a distribution that cannot
@@ -89,7 +90,7 @@ public:
     void installPackages(const QString &packages, const QString &machine, const QString &distro, bool timeoutEnabled,
                          HistoryStore *history);
 
-    /// Stops the current run: its child is asked to terminate, a disposable machine is still deleted.
+    /// Stops the current run: its tool is asked to terminate, a disposable machine is still deleted.
     void stop();
 
     /// The shell script that installs validated package names; nothing for a distribution other than Ubuntu, Debian and

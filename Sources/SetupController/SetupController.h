@@ -10,7 +10,8 @@
 //
 // `busy` is the only guard against overlapping operations, from the request to its last step; refresh never waits for
 // it but leaves `state` alone while it holds, and drops an answer asked for before an operation began. Every failure
-// ends as a sentence in `note`; what the tools printed while installing or starting is in `log`.
+// ends as a sentence in `note`; what the tools printed while installing or starting is in `log`. Operations return at
+// once, and nobody need await what they return; destroyed meanwhile, the controller leaves the tool to itself.
 
 #include "OrbCLI/CurrentTool.h"
 #include "OrbCLI/ToolLog.h"
@@ -53,16 +54,16 @@ public:
     /// Looks for the tools and asks `orb status`; changes `hasBrew`, `hasDocker` and, while not busy, `state`.
     QCoro::Task<> refresh();
 
-    /// Installs OrbStack, then starts it; returns at once.
+    /// Installs OrbStack, then starts it.
     QCoro::Task<> install();
 
-    /// Starts OrbStack and waits until it reports running; returns at once.
+    /// Starts OrbStack and waits until it reports running.
     void start();
 
-    /// Stops OrbStack; returns at once.
+    /// Stops OrbStack.
     QCoro::Task<> stop();
 
-    /// Ends an install or a start early; the child that runs for it is asked to terminate.
+    /// Ends an install or a start early; the tool that runs for it is asked to terminate.
     void cancel();
 
     /// Opens the OrbStack website in the user's browser. (The opener is given by the application: no browser, no
