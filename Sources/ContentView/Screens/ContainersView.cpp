@@ -25,7 +25,7 @@ namespace
 constexpr int portsWidth = 150;
 constexpr int nameWidth = 160;
 
-enum RowButton { startButton, stopButton, logsButton, removeButton };
+enum RowAction { startContainer, stopContainer, showLogs, removeContainer };
 
 RowContent contentOf(const ContainerInfo &container, bool busy)
 {
@@ -39,8 +39,10 @@ RowContent contentOf(const ContainerInfo &container, bool busy)
                  {container.image + u" · "_s + container.status, RowContent::TextStyle::caption}};
     if (!container.ports.isEmpty())
         row.lines.append({container.ports, RowContent::TextStyle::smallestCaption});
-    row.buttons = {
-        {u"Start"_s, !busy && !isRunning}, {u"Stop"_s, !busy && isRunning}, {u"Logs"_s}, {u"Remove"_s, !busy}};
+    row.buttons = {{startContainer, u"Start"_s, !busy && !isRunning},
+                   {stopContainer, u"Stop"_s, !busy && isRunning},
+                   {showLogs, u"Logs"_s},
+                   {removeContainer, u"Remove"_s, !busy}};
     return row;
 }
 
@@ -180,20 +182,20 @@ void ContainersView::showLogSheet()
     }
 }
 
-void ContainersView::press(int row, int button)
+void ContainersView::press(int row, int action)
 {
     const ContainerInfo container = m_containers.containers().at(row);
-    switch (button) {
-    case startButton:
+    switch (action) {
+    case startContainer:
         m_containers.action(u"start"_s, container);
         break;
-    case stopButton:
+    case stopContainer:
         m_containers.action(u"stop"_s, container);
         break;
-    case logsButton:
+    case showLogs:
         m_containers.logs(container);
         break;
-    case removeButton:
+    case removeContainer:
         m_containers.action(u"rm"_s, container);
         break;
     default:

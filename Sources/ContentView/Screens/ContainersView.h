@@ -35,7 +35,7 @@ private:
     void showWhetherToRun();
     void showRows();
     void showLogSheet();
-    void press(int row, int button);
+    void press(int row, int action);
 
     ContainerStore &m_containers;
     SetupController &m_setup;

@@ -23,7 +23,7 @@ namespace
 /// More than a row can show; the whole may be megabytes.
 constexpr qsizetype longestText = 1000;
 
-enum RowButton { loadButton, deleteButton };
+enum RowAction { loadCommand, deleteEntry };
 
 QString shortened(const QString &text)
 {
@@ -46,7 +46,7 @@ RowContent contentOf(const HistoryEntry &entry, const QByteArray &locale)
     row.name = firstLine;
     row.lines = {{firstLine, RowContent::TextStyle::monospaced},
                  {caption.join(u" · "_s), RowContent::TextStyle::caption, RowContent::Origin::own}};
-    row.buttons = {{u"Load"_s}, {u"Delete"_s}};
+    row.buttons = {{loadCommand, u"Load"_s}, {deleteEntry, u"Delete"_s}};
     return row;
 }
 
@@ -91,13 +91,18 @@ void HistoryView::showFields()
     m_clear->setEnabled(!rows.isEmpty());
 }
 
-void HistoryView::press(int row, int button)
+void HistoryView::press(int row, int action)
 {
     const HistoryEntry entry = m_history.entries().at(row);
-    if (button == deleteButton) {
+    switch (action) {
+    case loadCommand:
+        m_run.setScript(entry.command);
+        Q_EMIT tabRequested(AppTab::run);
+        break;
+    case deleteEntry:
         m_history.remove(entry);
-        return;
+        break;
+    default:
+        Q_UNREACHABLE();
     }
-    m_run.setScript(entry.command);
-    Q_EMIT tabRequested(AppTab::run);
 }

@@ -26,7 +26,7 @@ Q_SIGNALS:
 
 private:
     void showFields();
-    void press(int row, int button);
+    void press(int row, int action);
 
     HistoryStore &m_history;
     RunController &m_run;

@@ -30,7 +30,7 @@ constexpr int pickerWidth = 180;
 constexpr int logHeight = 80;
 constexpr qsizetype longestNameAsked = 200;
 
-enum RowButton { startButton, stopButton, deleteButton };
+enum RowAction { startMachine, stopMachine, deleteMachine };
 
 RowContent contentOf(const Machine &machine, bool busy)
 {
@@ -42,7 +42,9 @@ RowContent contentOf(const Machine &machine, bool busy)
                         : RowContent::Dot{StatusDot::Colour::grey, u"not running"_s};
     row.lines = {{machine.name, RowContent::TextStyle::headline},
                  {machine.distroLabel() + u" · "_s + machine.state, RowContent::TextStyle::caption}};
-    row.buttons = {{u"Start"_s, !busy && !isRunning}, {u"Stop"_s, !busy && isRunning}, {u"Delete"_s, !busy}};
+    row.buttons = {{startMachine, u"Start"_s, !busy && !isRunning},
+                   {stopMachine, u"Stop"_s, !busy && isRunning},
+                   {deleteMachine, u"Delete"_s, !busy}};
     return row;
 }
 
@@ -153,17 +155,17 @@ void MachinesView::create()
     m_machines.create(allDistros.at(static_cast<std::size_t>(m_distro->currentIndex())), typedName());
 }
 
-void MachinesView::press(int row, int button)
+void MachinesView::press(int row, int action)
 {
     const QString machine = m_machines.machines().at(row).name;
-    switch (button) {
-    case startButton:
+    switch (action) {
+    case startMachine:
         m_machines.simple({u"start"_s, machine});
         break;
-    case stopButton:
+    case stopMachine:
         m_machines.simple({u"stop"_s, machine});
         break;
-    case deleteButton:
+    case deleteMachine:
         confirmDeletion(machine);
         break;
     default:

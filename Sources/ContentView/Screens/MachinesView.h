@@ -31,7 +31,7 @@ private:
     void showWhetherToCreate();
     void showRows();
     void create();
-    void press(int row, int button);
+    void press(int row, int action);
     void confirmDeletion(const QString &machine);
     QString typedName() const;
     bool isOrbStackRunning() const;

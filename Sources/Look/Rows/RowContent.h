@@ -32,7 +32,10 @@ struct RowContent {
         bool operator==(const Line &) const = default;
     };
 
+    /// The buttons of a row are the same in all its contents, but for being enabled.
     struct Button {
+        /// What a press means: a value of the screen's own, which RowList::pressed tells.
+        int action = 0;
         QString label;
         bool isEnabled = true;
 

@@ -122,9 +122,9 @@ RowWidget *RowList::row(int index)
     row->installEventFilter(this);
     for (QPushButton *button : row->buttons())
         button->installEventFilter(this);
-    connect(row, &RowWidget::pressed, this, [this, row](int button) {
+    connect(row, &RowWidget::pressed, this, [this, row](int action) {
         if (row->index() >= 0)
-            Q_EMIT pressed(row->index(), button);
+            Q_EMIT pressed(row->index(), action);
     });
     linkIntoTabOrder(m_widgets.emplace(index, row).first);
     place(row);

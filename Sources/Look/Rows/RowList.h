@@ -41,9 +41,9 @@ public:
     int widgetCount() const { return static_cast<int>(m_widgets.size()); }
 
 Q_SIGNALS:
-    /// The button with this number was pressed in the row at this place. (An identity would not do: two rows may have
+    /// The button with this action was pressed in the row at this place. (An identity would not do: two rows may have
     /// the same.)
-    void pressed(int row, int button);
+    void pressed(int row, int action);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -139,7 +139,7 @@ void RowWidget::showButtons()
         const QString description = content.label + u' ' + accessibleName();
         if (index == m_buttons.size()) {
             QPushButton *created = Controls::button(content.label, description, this);
-            connect(created, &QPushButton::clicked, this, [this, number] { Q_EMIT pressed(number); });
+            connect(created, &QPushButton::clicked, this, [this, action = content.action] { Q_EMIT pressed(action); });
             m_layout->addWidget(created);
             m_buttons.append(created);
         }

@@ -53,7 +53,8 @@ public:
     bool isPressed() const;
 
 Q_SIGNALS:
-    void pressed(int button);
+    /// The button with this action was pressed.
+    void pressed(int action);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -19,6 +19,9 @@
 
 using namespace Qt::StringLiterals;
 
+/// Not the places of the buttons, so that nobody takes one for the other.
+enum ThingAction { startThing = 30, stopThing = 10, deleteThing = 20 };
+
 inline RowContent contentOf(const QString &id, bool isRunning = false)
 {
     RowContent row;
@@ -27,7 +30,7 @@ inline RowContent contentOf(const QString &id, bool isRunning = false)
     row.dot = RowContent::Dot{isRunning ? StatusDot::Colour::green : StatusDot::Colour::grey,
                               isRunning ? u"running"_s : u"not running"_s};
     row.lines = {{id, RowContent::TextStyle::headline}, {u"caption of "_s + id, RowContent::TextStyle::caption}};
-    row.buttons = {{u"Start"_s, !isRunning}, {u"Stop"_s, isRunning}, {u"Delete"_s, true}};
+    row.buttons = {{startThing, u"Start"_s, !isRunning}, {stopThing, u"Stop"_s, isRunning}, {deleteThing, u"Delete"_s}};
     return row;
 }
 

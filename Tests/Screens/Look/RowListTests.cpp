@@ -16,14 +16,14 @@ TEST_F(RowListTest, ShowsTextsDotAndButtonsOfARow)
     EXPECT_TRUE(row->buttons()[1]->isEnabled());
 }
 
-TEST_F(RowListTest, TellsWhichButtonOfWhichRowWasPressed)
+TEST_F(RowListTest, TellsTheActionOfThePressedButtonAndItsRow)
 {
     list->setRows(rowsNumbered(0, 3));
     QSignalSpy pressed(list, &RowList::pressed);
     QTest::mouseClick(button(1, 2), Qt::LeftButton);
     ASSERT_EQ(pressed.count(), 1);
     EXPECT_EQ(pressed[0][0].toInt(), 1);
-    EXPECT_EQ(pressed[0][1].toInt(), 2);
+    EXPECT_EQ(pressed[0][1].toInt(), deleteThing);
 }
 
 TEST_F(RowListTest, PaintsNothingAndMakesNothingWhenNothingChanged)
