@@ -1,6 +1,8 @@
 #include "Look/Colours.h"
 
-#include <QPalette>
+#include <QApplication>
+#include <QEvent>
+#include <QWidget>
 
 #include <cmath>
 
@@ -75,4 +77,43 @@ QColor Colours::line(const QPalette &palette, float share)
 QColor Colours::pane(const QPalette &palette)
 {
     return mixed(Qt::black, palette.color(QPalette::Window), 0.06F);
+}
+
+ColourFollower::ColourFollower(QPalette::ColorRole role, ColourOfPalette colour, QWidget *widget)
+    : QObject(widget),
+      m_widget(*widget),
+      m_role(role),
+      m_colour(colour)
+{
+    widget->installEventFilter(this);
+    apply();
+}
+
+void ColourFollower::setColour(ColourOfPalette colour)
+{
+    m_colour = colour;
+    apply();
+}
+
+bool ColourFollower::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ParentChange)
+        apply();
+    return QObject::eventFilter(watched, event);
+}
+
+void ColourFollower::apply()
+{
+    // The palette around, because the widget's own has the colour already in it.
+    const QWidget *parent = m_widget.parentWidget();
+    const QPalette around = parent != nullptr ? parent->palette() : QApplication::palette();
+    const QColor colour = m_colour(around);
+    const QColor disabled = around.color(QPalette::Disabled, m_role);
+    const QPalette before = m_widget.palette();
+    if (before.color(QPalette::Active, m_role) == colour && before.color(QPalette::Disabled, m_role) == disabled)
+        return;
+    QPalette own;
+    own.setColor(m_role, colour);
+    own.setColor(QPalette::Disabled, m_role, disabled);
+    m_widget.setPalette(own);
 }

@@ -1,11 +1,14 @@
 #pragma once
 
 // The colours that carry a meaning, as pure functions of a palette: dark tones on a light window, light tones on a dark
-// one, each readable as text on the window's colour and on a pane. A widget asks again when its palette changes.
+// one, each readable as text on the window's colour and on a pane. What paints asks in each paint event; a
+// ColourFollower asks again when the palette changes.
 
-#include <QColor>
+#include <QObject>
+#include <QPalette>
 
-class QPalette;
+/// A colour of Colours.
+using ColourOfPalette = QColor (*)(const QPalette &);
 
 namespace Colours
 {
@@ -35,3 +38,25 @@ QColor line(const QPalette &palette, float share);
 QColor pane(const QPalette &palette);
 
 } // namespace Colours
+
+/// Keeps one role of a widget's palette in a colour of the palette around the widget, through every switch of light and
+/// dark. While the widget is disabled the role has the platform's own colour. Belongs to the widget.
+class ColourFollower : public QObject
+{
+    Q_OBJECT
+
+public:
+    ColourFollower(QPalette::ColorRole role, ColourOfPalette colour, QWidget *widget);
+
+    /// Follows another colour from now on.
+    void setColour(ColourOfPalette colour);
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void apply();
+
+    QWidget &m_widget;
+    const QPalette::ColorRole m_role;
+    ColourOfPalette m_colour;
+};

@@ -1,5 +1,7 @@
 #include "Look/Controls.h"
 
+#include "Look/Colours.h"
+
 #include <algorithm>
 
 QPushButton *Controls::button(const QString &label, const QString &description, QWidget *parent)
@@ -13,4 +15,13 @@ QPushButton *Controls::button(const QString &label, const QString &description, 
     button->setMinimumWidth(std::max(80, button->fontMetrics().horizontalAdvance(label) + 28));
 #endif
     return button;
+}
+
+QLineEdit *Controls::textField(const QString &placeholder, QWidget *parent)
+{
+    auto *field = new QLineEdit(parent);
+    field->setPlaceholderText(placeholder);
+    field->setAccessibleName(placeholder);
+    new ColourFollower(QPalette::PlaceholderText, Colours::placeholder, field);
+    return field;
 }

@@ -1,7 +1,6 @@
 #include "Look/NoteText.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QApplication>
 #include <QTextBlock>
 
 #include <cmath>
@@ -17,12 +16,11 @@ constexpr qsizetype longestName = 500;
 
 NoteText::NoteText(const QFont &font, ColourOfPalette colour, QWidget *parent)
     : PlainTextBox(font, WhenGrowing::stay, parent),
-      m_colour(colour)
+      m_colour(new ColourFollower(QPalette::Text, colour, this))
 {
     document()->setDocumentMargin(0);
     setFocusPolicy(Qt::ClickFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    applyColour();
     fitHeight();
 }
 
@@ -35,17 +33,9 @@ void NoteText::setText(const QString &text)
     fitHeight();
 }
 
-void NoteText::setColour(ColourOfPalette colour)
-{
-    m_colour = colour;
-    applyColour();
-}
-
 void NoteText::changeEvent(QEvent *event)
 {
     PlainTextBox::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ParentChange)
-        applyColour();
     if (event->type() == QEvent::FontChange)
         fitHeight();
 }
@@ -55,17 +45,6 @@ void NoteText::resizeEvent(QResizeEvent *event)
     PlainTextBox::resizeEvent(event);
     if (event->oldSize().width() != event->size().width())
         fitHeight();
-}
-
-void NoteText::applyColour()
-{
-    const QPalette around = parentWidget() != nullptr ? parentWidget()->palette() : QApplication::palette();
-    const QColor colour = m_colour(around);
-    if (testAttribute(Qt::WA_SetPalette) && palette().color(QPalette::Text) == colour)
-        return;
-    QPalette own;
-    own.setColor(QPalette::Text, colour);
-    setPalette(own);
 }
 
 void NoteText::fitHeight()

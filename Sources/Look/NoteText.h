@@ -3,7 +3,7 @@
 // A sentence of a tool or about one (an error, a note, a message), which may be of any length and hold anything: as
 // high as its text up to a few lines, then scrolling; selectable; plain. Its accessible name is its text.
 
-#include "Look/PlainLabel.h"
+#include "Look/Colours.h"
 #include "Look/PlainTextBox.h"
 
 class NoteText : public PlainTextBox
@@ -17,15 +17,14 @@ public:
     void setText(const QString &text);
 
     /// Shows the text in another colour.
-    void setColour(ColourOfPalette colour);
+    void setColour(ColourOfPalette colour) { m_colour->setColour(colour); }
 
 protected:
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void applyColour();
     void fitHeight();
 
-    ColourOfPalette m_colour;
+    ColourFollower *m_colour;
 };

@@ -2,7 +2,6 @@
 
 #include "Text/VisibleText.h"
 
-#include <QApplication>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -33,10 +32,10 @@ QString cut(const QString &text, PlainLabel::Fit fit)
 PlainLabel::PlainLabel(const QString &text, const QFont &font, ColourOfPalette colour, Fit fit, QWidget *parent)
     : QLabel(parent),
       m_fit(fit),
-      m_colour(colour)
+      m_colour(new ColourFollower(QPalette::WindowText, colour, this))
 {
     setTextFormat(Qt::PlainText);
-    setForegroundRole(QPalette::WindowText); // which applyColour sets; on a list the role would be another
+    setForegroundRole(QPalette::WindowText); // which has the colour; on a list the role would be another
     setFont(font);
     setWordWrap(fit == Fit::wrap);
     if (fit == Fit::wrap) {
@@ -50,7 +49,6 @@ PlainLabel::PlainLabel(const QString &text, const QFont &font, ColourOfPalette c
         setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     }
     setText(text);
-    applyColour();
 }
 
 void PlainLabel::setText(const QString &text)
@@ -67,17 +65,6 @@ void PlainLabel::setOwnText(const QString &text)
         QLabel::setText(shown);
 }
 
-void PlainLabel::setColour(ColourOfPalette colour)
-{
-    m_colour = colour;
-    applyColour();
-}
-
-void PlainLabel::setSelectable()
-{
-    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-}
-
 QSize PlainLabel::sizeHint() const
 {
     if (m_fit == Fit::wrap)
@@ -91,13 +78,6 @@ QSize PlainLabel::minimumSizeHint() const
     const int least = fontMetrics().horizontalAdvance(u'…');
     // One line also for a wrapped text: how many it needs is a matter of its width.
     return {std::min(least, sizeHint().width()), fontMetrics().height()};
-}
-
-void PlainLabel::changeEvent(QEvent *event)
-{
-    QLabel::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ParentChange)
-        applyColour();
 }
 
 bool PlainLabel::event(QEvent *event)
@@ -121,21 +101,6 @@ void PlainLabel::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
     painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine, elided());
-}
-
-void PlainLabel::applyColour()
-{
-    // The parent's palette, because this label's own has the colour already in it.
-    const QPalette around = parentWidget() != nullptr ? parentWidget()->palette() : QApplication::palette();
-    const QColor colour = m_colour(around);
-    const QColor dimmed = around.color(QPalette::Disabled, QPalette::WindowText);
-    if (testAttribute(Qt::WA_SetPalette) && palette().color(QPalette::Active, QPalette::WindowText) == colour &&
-        palette().color(QPalette::Disabled, QPalette::WindowText) == dimmed)
-        return;
-    QPalette own;
-    own.setColor(QPalette::WindowText, colour);
-    own.setColor(QPalette::Disabled, QPalette::WindowText, dimmed);
-    setPalette(own);
 }
 
 QString PlainLabel::elided() const

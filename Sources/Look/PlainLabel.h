@@ -5,11 +5,9 @@
 // an ellipsis (the whole, as far as it is sensible, is in the tool tip), a sentence is wrapped. Sentences of the tools,
 // which may be of any length, belong into a NoteText.
 
-#include <QColor>
-#include <QLabel>
+#include "Look/Colours.h"
 
-/// A colour of Colours.h.
-using ColourOfPalette = QColor (*)(const QPalette &);
+#include <QLabel>
 
 class PlainLabel : public QLabel
 {
@@ -31,23 +29,18 @@ public:
     void setOwnText(const QString &text);
 
     /// Shows the text in another colour.
-    void setColour(ColourOfPalette colour);
-
-    /// Lets the user select and copy a wrapped text, also by keyboard.
-    void setSelectable();
+    void setColour(ColourOfPalette colour) { m_colour->setColour(colour); }
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 protected:
-    void changeEvent(QEvent *event) override;
     bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void applyColour();
     QString elided() const;
 
     const Fit m_fit;
-    ColourOfPalette m_colour;
+    ColourFollower *m_colour;
 };

@@ -8,7 +8,6 @@
 #include "Look/NoteText.h"
 #include "Look/PlainLabel.h"
 #include "Look/Rows/RowList.h"
-#include "Look/TextField.h"
 #include "Look/Typography.h"
 #include "SetupController/SetupController.h"
 
@@ -121,16 +120,16 @@ QWidget *ContainersView::makeForm()
     row->addWidget(m_name);
     row->addWidget(m_run);
 
-    connect(m_image, &TextField::textChanged, this, &ContainersView::showWhetherToRun);
+    connect(m_image, &QLineEdit::textChanged, this, &ContainersView::showWhetherToRun);
     connect(m_run, &QPushButton::clicked, this,
             [this] { m_containers.runContainer(m_image->text(), m_name->text(), m_ports->text()); });
     return form;
 }
 
-TextField *ContainersView::makeField(const QString &placeholder, QWidget *form)
+QLineEdit *ContainersView::makeField(const QString &placeholder, QWidget *form)
 {
-    auto *field = new TextField(placeholder, form);
-    connect(field, &TextField::returnPressed, this, [this] { m_run->click(); });
+    QLineEdit *field = Controls::textField(placeholder, form);
+    connect(field, &QLineEdit::returnPressed, this, [this] { m_run->click(); });
     return field;
 }
 

@@ -11,7 +11,7 @@
 class ContainerLogSheet;
 class NoteText;
 class PlainLabel;
-class TextField;
+class QLineEdit;
 class QProgressBar;
 class QPushButton;
 class RowList;
@@ -30,7 +30,7 @@ protected:
 private:
     QLayout *makeHeader();
     QWidget *makeForm();
-    TextField *makeField(const QString &placeholder, QWidget *form);
+    QLineEdit *makeField(const QString &placeholder, QWidget *form);
     void showFields();
     void showWhetherToRun();
     void showRows();
@@ -39,9 +39,9 @@ private:
 
     ContainerStore &m_containers;
     SetupController &m_setup;
-    TextField *m_image = nullptr;
-    TextField *m_ports = nullptr;
-    TextField *m_name = nullptr;
+    QLineEdit *m_image = nullptr;
+    QLineEdit *m_ports = nullptr;
+    QLineEdit *m_name = nullptr;
     QPushButton *m_run = nullptr;
     QProgressBar *m_progress = nullptr;
     NoteText *m_message = nullptr;

@@ -9,7 +9,6 @@
 #include "Look/Picker.h"
 #include "Look/PlainLabel.h"
 #include "Look/Rows/RowList.h"
-#include "Look/TextField.h"
 #include "Look/Typography.h"
 #include "MachineStore/MachineStore.h"
 #include "SetupController/SetupController.h"
@@ -99,7 +98,7 @@ QWidget *MachinesView::makeCreationBox()
     pickerRow->addWidget(label);
     pickerRow->addWidget(m_distro, 1);
 
-    m_name = new TextField(u"Name (e.g. scratch)"_s, box);
+    m_name = Controls::textField(u"Name (e.g. scratch)"_s, box);
     m_create = Controls::button(u"Create"_s, u"Create a machine"_s, box);
 
     auto *row = new QHBoxLayout(box);
@@ -108,8 +107,8 @@ QWidget *MachinesView::makeCreationBox()
     row->addWidget(m_name, 1);
     row->addWidget(m_create);
 
-    connect(m_name, &TextField::textChanged, this, &MachinesView::showWhetherToCreate);
-    connect(m_name, &TextField::returnPressed, m_create, &QPushButton::click);
+    connect(m_name, &QLineEdit::textChanged, this, &MachinesView::showWhetherToCreate);
+    connect(m_name, &QLineEdit::returnPressed, m_create, &QPushButton::click);
     connect(m_create, &QPushButton::clicked, this, &MachinesView::create);
     return box;
 }

@@ -12,7 +12,7 @@ class LogBox;
 class NoteText;
 class PlainLabel;
 class Picker;
-class TextField;
+class QLineEdit;
 class QMessageBox;
 class QProgressBar;
 class QPushButton;
@@ -39,7 +39,7 @@ private:
     MachineStore &m_machines;
     SetupController &m_setup;
     Picker *m_distro = nullptr;
-    TextField *m_name = nullptr;
+    QLineEdit *m_name = nullptr;
     QPushButton *m_create = nullptr;
     QProgressBar *m_progress = nullptr;
     LogBox *m_log = nullptr;

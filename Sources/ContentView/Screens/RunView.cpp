@@ -9,7 +9,6 @@
 #include "Look/Controls.h"
 #include "Look/Picker.h"
 #include "Look/PlainLabel.h"
-#include "Look/TextField.h"
 #include "Look/Typography.h"
 #include "MachineStore/MachineStore.h"
 #include "OutputPane/OutputCopy.h"
@@ -157,11 +156,11 @@ QLayout *RunView::makeFolderSection()
 
 QLayout *RunView::makePackageRow()
 {
-    m_packages = new TextField(u"Packages, e.g. git curl"_s, this);
+    m_packages = Controls::textField(u"Packages, e.g. git curl"_s, this);
     m_packages->setMaximumWidth(240);
     m_install = Controls::button(u"Install packages"_s, {}, this);
-    connect(m_packages, &TextField::textChanged, this, &RunView::showFields);
-    connect(m_packages, &TextField::returnPressed, m_install, &QPushButton::click);
+    connect(m_packages, &QLineEdit::textChanged, this, &RunView::showFields);
+    connect(m_packages, &QLineEdit::returnPressed, m_install, &QPushButton::click);
     connect(m_install, &QPushButton::clicked, this, &RunView::installPackages);
 
     auto *row = new QHBoxLayout;

@@ -18,7 +18,7 @@ class PlainLabel;
 class QCheckBox;
 class QLabel;
 class QLayout;
-class TextField;
+class QLineEdit;
 class QPushButton;
 class RunStatus;
 
@@ -62,7 +62,7 @@ private:
     FolderPicker *m_folder = nullptr;
     PlainLabel *m_folderWarning = nullptr;
     QCheckBox *m_timeLimit = nullptr;
-    TextField *m_packages = nullptr;
+    QLineEdit *m_packages = nullptr;
     QPushButton *m_install = nullptr;
     QPushButton *m_run = nullptr;
     RunStatus *m_status = nullptr;

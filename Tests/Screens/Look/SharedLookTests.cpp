@@ -1,10 +1,10 @@
 #include "Look/Colours.h"
+#include "Look/Controls.h"
 #include "Look/LogBox.h"
 #include "Look/NoteText.h"
 #include "Look/Picker.h"
 #include "Look/PlainLabel.h"
 #include "Look/StatusDot.h"
-#include "Look/TextField.h"
 #include "Look/Typography.h"
 #include "Screens/ByName.h"
 #include "Support/Waiting.h"
@@ -144,7 +144,8 @@ TEST(PlainLabel, IsDimmedWhileDisabled)
 
 TEST(TextField, IsNamedByItsPlaceholder)
 {
-    const TextField field(u"Name (e.g. scratch)"_s, nullptr);
+    QWidget window;
+    const QLineEdit &field = *Controls::textField(u"Name (e.g. scratch)"_s, &window);
     EXPECT_EQ(field.placeholderText(), u"Name (e.g. scratch)"_s);
     EXPECT_EQ(ByName::nameOf(&field), u"Name (e.g. scratch)"_s);
 }
@@ -152,7 +153,7 @@ TEST(TextField, IsNamedByItsPlaceholder)
 TEST(TextField, ShowsItsPlaceholderWhereADarkThemeForgotThatColour)
 {
     QWidget window;
-    const TextField field(u"x"_s, &window);
+    const QLineEdit &field = *Controls::textField(u"x"_s, &window);
     QPalette dark = darkPalette();
     dark.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
     window.setPalette(dark);
@@ -167,7 +168,7 @@ TEST(TextField, ShowsItsPlaceholderWhereADarkThemeForgotThatColour)
 TEST(TextField, LeavesAThemeItsOwnPlaceholderColour)
 {
     QWidget window;
-    const TextField field(u"x"_s, &window);
+    const QLineEdit &field = *Controls::textField(u"x"_s, &window);
     QPalette dark = darkPalette();
     dark.setColor(QPalette::PlaceholderText, QColor(255, 255, 255, 64));
     window.setPalette(dark);
