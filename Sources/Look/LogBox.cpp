@@ -1,6 +1,6 @@
 #include "Look/LogBox.h"
 
-#include "Look/PaneFrame.h"
+#include "Look/RoundedFrame.h"
 #include "Look/Typography.h"
 
 #include <chrono>
@@ -9,7 +9,6 @@ namespace
 {
 
 constexpr auto frame = std::chrono::milliseconds(16);
-constexpr int frameThickness = 2;
 constexpr int margin = 3;
 
 } // namespace
@@ -20,9 +19,7 @@ LogBox::LogBox(const QString &name, int height, std::function<QString()> text, Q
 {
     setAccessibleName(name);
     setFixedHeight(height);
-    // A frame of its own keeps the scroll bar within the rounded pane.
-    setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
-    setLineWidth(frameThickness);
+    new RoundedFrame(RoundedFrame::Ground::pane, this);
     document()->setDocumentMargin(margin);
     setViewportMargins(margin, 0, margin, 0);
     m_nextFrame.setSingleShot(true);
@@ -48,15 +45,4 @@ void LogBox::showNow()
     showText(m_text());
     if (m_hidesWhileEmpty)
         setVisible(!shownText().isEmpty());
-}
-
-bool LogBox::event(QEvent *event)
-{
-    if (event->type() == QEvent::Paint) {
-        PaneFrame::paint(*this);
-        return true;
-    }
-    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
-        update();
-    return PlainTextBox::event(event);
 }

@@ -24,9 +24,6 @@ public:
     /// From now on the box is hidden while its text is empty.
     void hideWhileEmpty();
 
-protected:
-    bool event(QEvent *event) override;
-
 private:
     void showNow();
 

@@ -1,7 +1,7 @@
 #include "OutputPane/OutputPane.h"
 
 #include "Look/Colours.h"
-#include "Look/PaneFrame.h"
+#include "Look/RoundedFrame.h"
 #include "Look/Typography.h"
 #include "OutputPane/OutputPanePainter.h"
 #include "RunController/RunController.h"
@@ -20,7 +20,6 @@ namespace
 {
 
 constexpr int fontSize = 12;
-constexpr int frameThickness = 2;
 constexpr int lowest = 160;
 constexpr int millisecondsPerFrame = 16;
 /// The scroll bar counts in int; beyond this many pixels each of its steps is several.
@@ -40,13 +39,10 @@ OutputPane::OutputPane(RunController &controller, QWidget *parent)
     OutputPaneAccessible::install();
     setAccessibleName(u"Output"_s);
     setFocusPolicy(Qt::StrongFocus);
-    // A frame of its own keeps the scroll bar's corners within the rounded ones.
-    setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
-    setLineWidth(frameThickness);
+    new RoundedFrame(RoundedFrame::Ground::pane, this);
     setMinimumHeight(lowest);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    viewport()->setAutoFillBackground(false);
     viewport()->setCursor(Qt::IBeamCursor);
     m_selection.moveTo({transcript().end(), false});
 
@@ -166,12 +162,8 @@ void OutputPane::scrollByStep(int action)
 bool OutputPane::event(QEvent *event)
 {
     switch (event->type()) {
-    case QEvent::Paint:
-        PaneFrame::paint(*this);
-        return true;
     case QEvent::FocusIn:
     case QEvent::FocusOut:
-        update();
         viewport()->update();
         break;
     case QEvent::ShortcutOverride: {

@@ -1,22 +1,13 @@
 #include "ContentView/Screens/ScriptEditor.h"
 
-#include "Look/Colours.h"
+#include "Look/RoundedFrame.h"
 #include "Look/Typography.h"
 #include "RunController/RunController.h"
 
 #include <QMimeData>
-#include <QPainter>
 #include <QTextDocumentFragment>
 
 using namespace Qt::StringLiterals;
-
-namespace
-{
-
-constexpr double cornerRadius = 6;
-constexpr int frameThickness = 2;
-
-} // namespace
 
 ScriptEditor::ScriptEditor(RunController &run, QWidget *parent) : QPlainTextEdit(parent), m_run(run)
 {
@@ -28,11 +19,8 @@ ScriptEditor::ScriptEditor(RunController &run, QWidget *parent) : QPlainTextEdit
     setTabStopDistance(4 * fontMetrics().horizontalAdvance(u' '));
     // Not at word boundaries: that takes quadratic time in the length of a line.
     setWordWrapMode(QTextOption::WrapAnywhere);
-    // A frame of its own keeps the scroll bar within the rounded one.
-    setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
-    setLineWidth(frameThickness);
+    new RoundedFrame(RoundedFrame::Ground::field, this);
     setViewportMargins(2, 1, 2, 1);
-    viewport()->setAutoFillBackground(false);
 
     takeScript();
     connect(this, &QPlainTextEdit::textChanged, this, &ScriptEditor::giveScript);
@@ -42,21 +30,6 @@ ScriptEditor::ScriptEditor(RunController &run, QWidget *parent) : QPlainTextEdit
 QSize ScriptEditor::sizeHint() const
 {
     return {QPlainTextEdit::sizeHint().width(), minimumHeight()};
-}
-
-bool ScriptEditor::event(QEvent *event)
-{
-    if (event->type() == QEvent::Paint) {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(hasFocus() ? palette().color(QPalette::Highlight) : Colours::line(palette(), 0.4F));
-        painter.setBrush(palette().color(QPalette::Base));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
-        return true;
-    }
-    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
-        update();
-    return QPlainTextEdit::event(event);
 }
 
 bool ScriptEditor::canInsertFromMimeData(const QMimeData *source) const

@@ -18,7 +18,6 @@ public:
     QSize sizeHint() const override;
 
 protected:
-    bool event(QEvent *event) override;
     bool canInsertFromMimeData(const QMimeData *source) const override;
     void insertFromMimeData(const QMimeData *source) override;
 
