@@ -2,7 +2,7 @@
 
 #include "Look/Colours.h"
 #include "Look/Controls.h"
-#include "Look/IndeterminateBar.h"
+#include "Look/IndeterminateProgress.h"
 #include "Look/LogBox.h"
 #include "Look/NoteText.h"
 #include "Look/PlainLabel.h"

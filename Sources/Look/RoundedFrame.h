@@ -13,7 +13,7 @@ class RoundedFrame : public QObject
 
 public:
     enum class Ground {
-        pane, ///< for reading: a faint tint, outlined on a dark window only
+        pane,  ///< for reading: a faint tint, outlined on a dark window only
         field, ///< for writing: the colour of fields, always outlined
     };
 

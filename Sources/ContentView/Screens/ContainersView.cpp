@@ -4,7 +4,7 @@
 #include "ContentView/Screens/ContainerLogSheet.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
-#include "Look/IndeterminateBar.h"
+#include "Look/IndeterminateProgress.h"
 #include "Look/NoteText.h"
 #include "Look/PlainLabel.h"
 #include "Look/Rows/RowList.h"

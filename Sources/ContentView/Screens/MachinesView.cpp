@@ -3,7 +3,7 @@
 #include "Look/Alert.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
-#include "Look/IndeterminateBar.h"
+#include "Look/IndeterminateProgress.h"
 #include "Look/LogBox.h"
 #include "Look/NoteText.h"
 #include "Look/Picker.h"

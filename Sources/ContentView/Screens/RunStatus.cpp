@@ -2,8 +2,8 @@
 
 #include "Look/Colours.h"
 #include "Look/Controls.h"
+#include "Look/IndeterminateProgress.h"
 #include "Look/PlainLabel.h"
-#include "Look/Spinner.h"
 #include "Look/Typography.h"
 #include "RunController/RunController.h"
 

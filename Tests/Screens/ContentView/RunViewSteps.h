@@ -6,8 +6,8 @@
 #include "ContentView/Screens/RunView.h"
 #include "ContentView/Screens/ScriptEditor.h"
 #include "Look/Colours.h"
+#include "Look/IndeterminateProgress.h"
 #include "Look/PlainLabel.h"
-#include "Look/Spinner.h"
 #include "Screens/TestWindow.h"
 
 #include <QAbstractItemView>

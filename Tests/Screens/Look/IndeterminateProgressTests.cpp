@@ -1,4 +1,4 @@
-#include "Look/IndeterminateBar.h"
+#include "Look/IndeterminateProgress.h"
 #include "Screens/ByName.h"
 #include "Support/Waiting.h"
 
@@ -28,4 +28,14 @@ TEST(IndeterminateBar, NeverLooksFullAndMoves)
     EXPECT_NE(pixel(0.02), bar.palette().color(QPalette::Highlight));
     EXPECT_NE(pixel(0.98), bar.palette().color(QPalette::Highlight));
     EXPECT_TRUE(waitUntil([&] { return pixel(0.5) != bar.palette().color(QPalette::Highlight); }));
+}
+
+TEST(Spinner, SaysThatSomethingGoesOnAndTurnsWhileItIsSeen)
+{
+    Spinner spinner;
+    EXPECT_EQ(ByName::nameOf(&spinner), u"In progress"_s);
+    EXPECT_EQ(spinner.maximum(), 0);
+    spinner.show();
+    const QImage first = spinner.grab().toImage();
+    EXPECT_TRUE(waitUntil([&] { return spinner.grab().toImage() != first; }));
 }
