@@ -5,8 +5,8 @@
 #include <QBasicTimer>
 #include <QProgressBar>
 
-/// The common part: to assistive technology a progress bar of unknown length, to the eye something that moves while it is
-/// visible, in steps that start again after the last.
+/// The common part: to assistive technology a progress bar of unknown length, to the eye something that moves while it
+/// is visible, in steps that start again after the last.
 class IndeterminateProgress : public QProgressBar
 {
     Q_OBJECT
@@ -31,8 +31,8 @@ private:
     QBasicTimer m_timer;
 };
 
-/// A thin bar. On macOS it is the system's own; elsewhere the system's looks, when it is thin or does not move, like one
-/// that is full, so there a part of the bar wanders.
+/// A thin bar. On macOS it is the system's own; elsewhere the system's looks, when it is thin or does not move, like
+/// one that is full, so there a part of the bar wanders.
 class IndeterminateBar : public IndeterminateProgress
 {
     Q_OBJECT

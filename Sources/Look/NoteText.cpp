@@ -1,5 +1,7 @@
 #include "Look/NoteText.h"
 
+#include "Text/VisibleText.h"
+
 #include <QAbstractTextDocumentLayout>
 #include <QTextBlock>
 
@@ -10,7 +12,6 @@ namespace
 
 constexpr int mostLines = 6;
 constexpr int scrollBarDistance = 6;
-constexpr qsizetype longestName = 500;
 
 } // namespace
 
@@ -29,7 +30,7 @@ void NoteText::setText(const QString &text)
     if (text == shownText())
         return;
     showText(text);
-    setAccessibleName(text.size() > longestName ? text.first(longestName) + u'…' : text);
+    setAccessibleName(VisibleText::accessibleName(text));
     fitHeight();
 }
 

@@ -17,12 +17,11 @@ QString cut(const QString &text, PlainLabel::Fit fit)
 {
     switch (fit) {
     case PlainLabel::Fit::wrap:
-        return text.size() > longestSentence ? text.first(longestSentence) + u'…' : text;
+        return VisibleText::elidedEnd(text, longestSentence);
     case PlainLabel::Fit::elideEnd:
-        return VisibleText::oneLine(text.size() > longestLine ? text.first(longestLine) + u'…' : text);
+        return VisibleText::oneLine(VisibleText::elidedEnd(text, longestLine));
     case PlainLabel::Fit::elideMiddle:
-        return VisibleText::oneLine(
-            text.size() > longestLine ? text.first(longestLine / 2) + u'…' + text.last(longestLine / 2) : text);
+        return VisibleText::oneLine(VisibleText::elidedMiddle(text, longestLine));
     }
     Q_UNREACHABLE();
 }
@@ -60,7 +59,7 @@ void PlainLabel::setText(const QString &text)
 
 void PlainLabel::setOwnText(const QString &text)
 {
-    const QString shown = text.size() > longestLine ? text.first(longestLine) + u'…' : text;
+    const QString shown = VisibleText::elidedEnd(text, longestLine);
     if (shown != this->text())
         QLabel::setText(shown);
 }

@@ -8,6 +8,7 @@ namespace
 {
 
 constexpr qsizetype longestToolTip = 1000;
+constexpr qsizetype longestName = 500;
 
 bool isShapeless(char32_t character)
 {
@@ -20,6 +21,19 @@ bool isShapeless(char32_t character)
     default:
         return false;
     }
+}
+
+QString beginningOf(const QString &text, qsizetype length)
+{
+    const bool halvesPair = length > 0 && text[length - 1].isHighSurrogate() && text[length].isLowSurrogate();
+    return text.first(halvesPair ? length - 1 : length);
+}
+
+QString endOf(const QString &text, qsizetype length)
+{
+    const qsizetype start = text.size() - length;
+    const bool halvesPair = length > 0 && text[start - 1].isHighSurrogate() && text[start].isLowSurrogate();
+    return text.last(halvesPair ? length - 1 : length);
 }
 
 } // namespace
@@ -40,10 +54,24 @@ QString VisibleText::oneLine(const QString &text)
     return visible;
 }
 
+QString VisibleText::elidedEnd(const QString &text, qsizetype longest)
+{
+    return text.size() > longest ? beginningOf(text, longest) + u'…' : text;
+}
+
+QString VisibleText::elidedMiddle(const QString &text, qsizetype longest)
+{
+    return text.size() > longest ? beginningOf(text, longest / 2) + u'…' + endOf(text, longest / 2) : text;
+}
+
 QString VisibleText::toolTip(const QString &text)
 {
     if (text.isEmpty())
         return {};
-    const QString shown = text.size() > longestToolTip ? text.first(longestToolTip) + u'…' : text;
-    return u"<span>"_s + shown.toHtmlEscaped() + u"</span>"_s;
+    return u"<span>"_s + elidedEnd(text, longestToolTip).toHtmlEscaped() + u"</span>"_s;
+}
+
+QString VisibleText::accessibleName(const QString &text)
+{
+    return elidedEnd(text, longestName);
 }

@@ -25,19 +25,14 @@ constexpr qsizetype longestText = 1000;
 
 enum RowAction { loadCommand, deleteEntry };
 
-QString shortened(const QString &text)
-{
-    return text.size() > longestText ? text.first(longestText) + u'…' : text;
-}
-
 QString visible(const QString &text)
 {
-    return VisibleText::oneLine(shortened(text));
+    return VisibleText::oneLine(VisibleText::elidedEnd(text, longestText));
 }
 
 RowContent contentOf(const HistoryEntry &entry, const QByteArray &locale)
 {
-    const QString firstLine = shortened(HistoryTexts::firstLine(entry.command));
+    const QString firstLine = VisibleText::elidedEnd(HistoryTexts::firstLine(entry.command), longestText);
     const QStringList caption{visible(entry.machine), visible(HistoryTexts::statusText(entry)),
                               Duration::text(entry.duration),
                               DateText::mediumDateShortTime(entry.date.toLocalTime(), locale)};

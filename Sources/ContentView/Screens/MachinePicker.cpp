@@ -14,9 +14,7 @@ constexpr qsizetype longestShownName = 100;
 
 QString shown(const QString &name)
 {
-    if (name.size() > longestShownName)
-        return VisibleText::oneLine(name.first(longestShownName)) + u'…';
-    return VisibleText::oneLine(name);
+    return VisibleText::oneLine(VisibleText::elidedEnd(name, longestShownName));
 }
 
 } // namespace

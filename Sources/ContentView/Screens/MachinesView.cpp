@@ -176,8 +176,7 @@ void MachinesView::confirmDeletion(const QString &machine)
 {
     if (m_question != nullptr)
         return;
-    const QString shown =
-        VisibleText::oneLine(machine.size() > longestNameAsked ? machine.first(longestNameAsked) + u'…' : machine);
+    const QString shown = VisibleText::oneLine(VisibleText::elidedEnd(machine, longestNameAsked));
     m_question = Alert::open(
         this, u"Delete "_s + shown + u'?', u"The machine and everything inside it will be removed permanently."_s,
         u"Delete"_s, u"Cancel"_s, [this, machine] { m_machines.remove(machine); }, Alert::Kind::destructive);

@@ -4,6 +4,7 @@
 #include "Look/Controls.h"
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
+#include "Text/VisibleText.h"
 
 #include <QFocusEvent>
 #include <QFontMetrics>
@@ -24,7 +25,6 @@ constexpr int sideMargin = 10;
 constexpr int edgeMargin = 6;
 constexpr int lineSpacing = 2;
 constexpr int spacing = 8;
-constexpr qsizetype longestName = 500;
 
 constexpr std::array allStyles{RowContent::TextStyle::headline, RowContent::TextStyle::caption,
                                RowContent::TextStyle::smallestCaption, RowContent::TextStyle::monospaced};
@@ -48,11 +48,6 @@ ColourOfPalette colourOf(RowContent::TextStyle style)
 {
     const bool isCaption = style == RowContent::TextStyle::caption || style == RowContent::TextStyle::smallestCaption;
     return isCaption ? Colours::secondary : Colours::primary;
-}
-
-QString shortened(const QString &name)
-{
-    return name.size() > longestName ? name.first(longestName) + u'…' : name;
 }
 
 } // namespace
@@ -90,7 +85,7 @@ RowWidget::RowWidget(const RowContent &content, QWidget *parent)
 
 void RowWidget::setContent(const RowContent &content)
 {
-    const QString name = shortened(content.name);
+    const QString name = VisibleText::accessibleName(content.name);
     if (accessibleName() != name)
         setAccessibleName(name);
     m_content = content;

@@ -72,6 +72,35 @@ TEST(VisibleText, GivesToolTipsNoMarkup)
     EXPECT_LT(VisibleText::toolTip(QString(100000, u'x')).size(), 1100);
 }
 
+TEST(VisibleText, CutsALongTextWithAnEllipsisAndHalvesNoCharacter)
+{
+    EXPECT_EQ(VisibleText::elidedEnd(u"abcd"_s, 4), u"abcd"_s);
+    EXPECT_EQ(VisibleText::elidedEnd(u"abcde"_s, 4), u"abcd…"_s);
+    EXPECT_EQ(VisibleText::elidedEnd(u"abc🐳e"_s, 4), u"abc…"_s);
+    EXPECT_EQ(VisibleText::elidedEnd(u"ab🐳e"_s, 4), u"ab🐳…"_s);
+    EXPECT_EQ(VisibleText::elidedMiddle(u"abcd"_s, 4), u"abcd"_s);
+    EXPECT_EQ(VisibleText::elidedMiddle(u"abcdef"_s, 4), u"ab…ef"_s);
+    EXPECT_EQ(VisibleText::elidedMiddle(u"a🐳cd🐳f"_s, 4), u"a…f"_s);
+    const QString lone(6, QChar(0xdc33));
+    EXPECT_EQ(VisibleText::elidedMiddle(lone, 4), lone.first(2) + u'…' + lone.first(2));
+}
+
+TEST(VisibleText, IsCutBetweenCharactersWhereverItIsShown)
+{
+    const QString whales = u"x"_s + u"🐳"_s.repeated(3000);
+    EXPECT_TRUE(VisibleText::toolTip(whales).endsWith(u"🐳…</span>"_s));
+    for (const auto fit : {PlainLabel::Fit::wrap, PlainLabel::Fit::elideEnd, PlainLabel::Fit::elideMiddle}) {
+        PlainLabel label(whales, Typography::body(), Colours::primary, fit);
+        EXPECT_TRUE(label.text().contains(u"🐳…"_s));
+        EXPECT_FALSE(label.text().contains(u'\ufffd'));
+        label.setOwnText(whales);
+        EXPECT_TRUE(label.text().endsWith(u"🐳…"_s));
+    }
+    NoteText note(Typography::body(), Colours::primary);
+    note.setText(whales);
+    EXPECT_TRUE(note.accessibleName().endsWith(u"🐳…"_s));
+}
+
 TEST(PlainLabel, NeverReadsMarkup)
 {
     const PlainLabel label(u"<b>bold</b>"_s, Typography::body(), Colours::primary, PlainLabel::Fit::wrap);
