@@ -152,10 +152,8 @@ void SetupHeader::showNote()
         auto *column = static_cast<QVBoxLayout *>(layout());
         column->insertWidget(column->indexOf(m_progress) + 1, m_note);
     }
-    if (m_note == nullptr)
-        return;
-    m_note->setText(note);
-    m_note->setVisible(!note.isEmpty());
+    if (m_note != nullptr)
+        m_note->setText(note);
 }
 
 void SetupHeader::showLog()

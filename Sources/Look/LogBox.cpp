@@ -30,19 +30,13 @@ LogBox::LogBox(const QString &name, int height, std::function<QString()> text, Q
 
 void LogBox::reload()
 {
-    if (!m_nextFrame.isActive())
+    if (shownText().isEmpty())
+        showNow();
+    else if (!m_nextFrame.isActive())
         m_nextFrame.start();
-}
-
-void LogBox::hideWhileEmpty()
-{
-    m_hidesWhileEmpty = true;
-    setVisible(!shownText().isEmpty());
 }
 
 void LogBox::showNow()
 {
     showText(m_text());
-    if (m_hidesWhileEmpty)
-        setVisible(!shownText().isEmpty());
 }

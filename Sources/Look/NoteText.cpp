@@ -23,6 +23,7 @@ NoteText::NoteText(const QFont &font, ColourOfPalette colour, QWidget *parent)
     setFocusPolicy(Qt::ClickFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     fitHeight();
+    hideWhileEmpty();
 }
 
 void NoteText::setText(const QString &text)

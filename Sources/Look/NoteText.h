@@ -1,7 +1,8 @@
 #pragma once
 
 // A sentence of a tool or about one (an error, a note, a message), which may be of any length and hold anything: as
-// high as its text up to a few lines, then scrolling; selectable; plain. Its accessible name is its text.
+// high as its text up to a few lines, then scrolling; selectable; plain; hidden while it is empty. Its accessible name
+// is its text.
 
 #include "Look/Colours.h"
 #include "Look/PlainTextBox.h"

@@ -60,6 +60,14 @@ void PlainTextBox::showText(const QString &text)
     append(QStringView(next).sliced(m_shown.size()));
     m_shown = next;
     bar->setValue(toEnd ? bar->maximum() : place);
+    if (m_hidesWhileEmpty)
+        setVisible(!m_shown.isEmpty());
+}
+
+void PlainTextBox::hideWhileEmpty()
+{
+    m_hidesWhileEmpty = true;
+    setVisible(!m_shown.isEmpty());
 }
 
 void PlainTextBox::append(QStringView tail)

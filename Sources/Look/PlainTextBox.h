@@ -22,6 +22,9 @@ public:
     /// Shows `text`. Selection and scroll position stay when it only grew.
     void showText(const QString &text);
 
+    /// From now on the box is hidden while its text is empty.
+    void hideWhileEmpty();
+
     /// The text shown.
     const QString &shownText() const { return m_shown; }
 
@@ -33,4 +36,5 @@ private:
 
     const WhenGrowing m_whenGrowing;
     QString m_shown;
+    bool m_hidesWhileEmpty = false;
 };

@@ -139,12 +139,9 @@ void ContainersView::showFields()
     m_progress->setVisible(m_containers.busy());
 
     m_message->setText(m_containers.message());
-    m_message->setVisible(!m_containers.message().isEmpty());
-
     const std::optional<QString> error = m_containers.error();
     m_error->setColour(ContainerStore::hasDocker() ? Colours::red : Colours::orange);
     m_error->setText(error.value_or(QString()));
-    m_error->setVisible(error.has_value());
     m_hint->setVisible(!error && m_containers.containers().isEmpty());
     showRows();
 }

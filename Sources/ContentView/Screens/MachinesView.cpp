@@ -62,6 +62,7 @@ MachinesView::MachinesView(const Controllers &controllers, QWidget *parent)
     m_progress = new IndeterminateBar(this);
     layout->addWidget(m_progress);
     m_log = new LogBox(u"Machine log"_s, logHeight, [this] { return m_machines.log(); }, this);
+    m_log->hideWhileEmpty();
     layout->addWidget(m_log);
     m_error = new NoteText(Typography::body(), Colours::red, this);
     layout->addWidget(m_error);
@@ -72,14 +73,10 @@ MachinesView::MachinesView(const Controllers &controllers, QWidget *parent)
     layout->addStretch();
 
     connect(m_list, &RowList::pressed, this, &MachinesView::press);
-    connect(&m_machines, &MachineStore::logChanged, this, [this] {
-        m_log->reload();
-        m_log->setVisible(!m_machines.log().isEmpty());
-    });
+    connect(&m_machines, &MachineStore::logChanged, m_log, &LogBox::reload);
     for (const auto changed : {&MachineStore::machinesChanged, &MachineStore::errorChanged, &MachineStore::busyChanged})
         connect(&m_machines, changed, this, &MachinesView::showFields);
     connect(&m_setup, &SetupController::stateChanged, this, &MachinesView::showFields);
-    m_log->setVisible(!m_machines.log().isEmpty());
     showFields();
 }
 
@@ -120,8 +117,7 @@ void MachinesView::showFields()
     m_progress->setVisible(m_machines.busy());
 
     const std::optional<QString> error = m_machines.error();
-    m_error->setText(error.value_or(QString()));
-    m_error->setVisible(isRunning && error.has_value());
+    m_error->setText(isRunning ? error.value_or(QString()) : QString());
 
     const bool isEmpty = m_machines.machines().isEmpty();
     m_hint->setText(isRunning ? u"No machines yet. Create one above."_s

@@ -96,7 +96,8 @@ TEST(VisibleText, IsCutBetweenCharactersWhereverItIsShown)
         label.setOwnText(whales);
         EXPECT_TRUE(label.text().endsWith(u"🐳…"_s));
     }
-    NoteText note(Typography::body(), Colours::primary);
+    QWidget window;
+    NoteText note(Typography::body(), Colours::primary, &window);
     note.setText(whales);
     EXPECT_TRUE(note.accessibleName().endsWith(u"🐳…"_s));
 }
@@ -333,6 +334,27 @@ TEST(LogBox, IsHiddenWhileEmptyWhereAsked)
     text = u"x"_s;
     box.reload();
     EXPECT_TRUE(waitUntil([&] { return box.isVisible(); }));
+}
+
+TEST(LogBox, ShowsTheFirstTextAtOnce)
+{
+    QString text;
+    LogBox box(u"Log"_s, 90, [&] { return text; });
+    text = u"first\n"_s;
+    box.reload();
+    EXPECT_EQ(box.shownText(), u"first\n"_s);
+}
+
+TEST(NoteText, IsHiddenWhileEmpty)
+{
+    QWidget window;
+    NoteText note(Typography::body(), Colours::red, &window);
+    window.show();
+    EXPECT_FALSE(note.isVisible());
+    note.setText(u"an error"_s);
+    EXPECT_TRUE(note.isVisible());
+    note.setText({});
+    EXPECT_FALSE(note.isVisible());
 }
 
 TEST(PlainTextBox, CopiesALineOfAnyLengthAsOne)
