@@ -1,5 +1,5 @@
-#include "TidewellApp/ApplicationStyle.h"
 #include "TidewellApp/MainWindow.h"
+#include "TidewellApp/MenuBarStyle.h"
 #include "TidewellApp/TidewellApp.h"
 
 #include <QApplication>
@@ -12,7 +12,9 @@ int main(int argumentCount, char *arguments[])
     QApplication::setApplicationName(u"Tidewell"_s);
     QApplication::setOrganizationName(u"Tidewell"_s);
     QApplication::setApplicationVersion(QStringLiteral(TIDEWELL_VERSION));
-    QApplication::setStyle(new ApplicationStyle);
+#ifndef Q_OS_MACOS // where the menu bar is the system's
+    QApplication::setStyle(new MenuBarStyle);
+#endif
     TidewellApp tidewell;
     tidewell.window().show();
     return QApplication::exec();
