@@ -1,5 +1,6 @@
 #include "ContentView/Screens/MachinesView.h"
 
+#include "ContentView/Screens/TrimmedText.h"
 #include "Look/Alert.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
@@ -180,15 +181,7 @@ void MachinesView::confirmDeletion(const QString &machine)
 
 QString MachinesView::typedName() const
 {
-    const QString text = m_name->text();
-    const auto isBlank = [](QChar character) { return character == u' ' || character == u'\t'; };
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && isBlank(text[begin]))
-        ++begin;
-    while (end > begin && isBlank(text[end - 1]))
-        --end;
-    return text.sliced(begin, end - begin);
+    return TrimmedText::withoutSpacesAndTabs(m_name->text()).toString();
 }
 
 bool MachinesView::isOrbStackRunning() const

@@ -5,6 +5,7 @@
 #include "ContentView/Screens/MachinePicker.h"
 #include "ContentView/Screens/RunStatus.h"
 #include "ContentView/Screens/ScriptEditor.h"
+#include "ContentView/Screens/TrimmedText.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
 #include "Look/Picker.h"
@@ -32,21 +33,6 @@ constexpr int captionSpacing = 4;
 constexpr int controlSpacing = 12;
 /// A stretch factor: up to its greatest width before anything is left for the empty end of the row.
 constexpr int mostOfTheRow = 100;
-
-bool isBlankOrBreak(QChar character)
-{
-    return character.isSpace();
-}
-
-bool isBlank(QChar character)
-{
-    return character == u'\t' || character.category() == QChar::Separator_Space;
-}
-
-bool holdsOnly(const QString &text, bool (*isOfKind)(QChar))
-{
-    return std::all_of(text.cbegin(), text.cend(), isOfKind);
-}
 
 PlainLabel *caption(const QString &text, ColourOfPalette colour, QWidget *parent)
 {
@@ -87,7 +73,7 @@ const Machine *RunView::selectedMachine() const
 bool RunView::canRun() const
 {
     return m_controllers.setup.state() == OrbState::running && m_controllers.setup.macSupported() &&
-           !holdsOnly(m_controllers.run.script(), isBlankOrBreak) &&
+           !TrimmedText::withoutSpacesAndLineBreaks(m_controllers.run.script()).isEmpty() &&
            (m_disposable->isChecked() || selectedMachine() != nullptr);
 }
 
@@ -256,7 +242,7 @@ void RunView::showFields()
     m_disposableCaption->setVisible(isDisposable);
     m_folderWarning->setVisible(m_folder->folder().has_value());
     m_install->setEnabled(!isRunning && orbRuns && !isDisposable && selectedMachine() != nullptr &&
-                          !holdsOnly(m_packages->text(), isBlank));
+                          !TrimmedText::withoutSpacesAndTabs(m_packages->text()).isEmpty());
     m_run->setEnabled(canRun());
     m_run->setVisible(!isRunning);
     m_status->setVisible(isRunning);
