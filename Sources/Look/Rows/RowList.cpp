@@ -8,6 +8,8 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <cstdlib>
+#include <utility>
 
 RowList::RowList(const QString &name, QWidget *parent) : QScrollArea(parent), m_content(new RowListContent(*this))
 {
@@ -29,37 +31,32 @@ void RowList::setRows(const QList<RowContent> &rows)
 {
     if (rows == m_rows)
         return;
-    const QList<Key> keys = keysOf(rows);
-    QHash<Key, int> indexes;
-    indexes.reserve(keys.size());
-    for (int index = 0; index < static_cast<int>(keys.size()); ++index)
-        indexes.insert(keys[index], index);
-
-    const std::optional<int> anchor = rowKeptInPlace(indexes);
-    const int anchorLater = anchor ? indexes.value(m_keys[*anchor]) : -1;
+    const RowIdentities later(rows);
+    const std::optional<int> anchor = rowKeptInPlace(later);
+    const int anchorLater = anchor ? m_identities.placeIn(later, *anchor) : -1;
     const int anchorOffset = anchor ? verticalScrollBar()->value() - edge(*anchor) : 0;
 
     const RowWidget *focused = focusedRow();
-    const bool focusedLeaves = focused != nullptr && !indexes.contains(m_keys[focused->index()]);
-    const int focusLater = focusedLeaves ? neighbourLater(focused->index(), indexes) : -1;
+    const bool focusedLeaves = focused != nullptr && m_identities.placeIn(later, focused->index()) < 0;
+    const int focusLater = focusedLeaves ? m_identities.neighbourPlaceIn(later, focused->index()) : -1;
     const int focusedButton = focused != nullptr ? focused->focusedButton().value_or(0) : 0;
 
     QList<RowWidget *> leaving;
     bool isOrderKept = true;
     int last = -1;
     for (const auto &[index, row] : std::exchange(m_widgets, {})) {
-        const int later = indexes.value(m_keys[index], -1);
-        row->setIndex(later);
-        if (later < 0) {
+        const int newIndex = m_identities.placeIn(later, index);
+        row->setIndex(newIndex);
+        if (newIndex < 0) {
             leaving.append(row);
             continue;
         }
-        isOrderKept = isOrderKept && later > last;
-        last = later;
-        m_widgets.emplace(later, row);
+        isOrderKept = isOrderKept && newIndex > last;
+        last = newIndex;
+        m_widgets.emplace(newIndex, row);
     }
     m_rows = rows;
-    m_keys = keys;
+    m_identities = later;
     measure();
     // A copy, because a row that moves the focus makes or retires others.
     const std::map<int, RowWidget *> staying = m_widgets;
@@ -81,11 +78,11 @@ void RowList::setRows(const QList<RowContent> &rows)
         retire(row);
 }
 
-std::optional<int> RowList::rowKeptInPlace(const QHash<Key, int> &indexesLater) const
+std::optional<int> RowList::rowKeptInPlace(const RowIdentities &later) const
 {
     // The pointer that holds a button must find it where it was when it lets go.
     for (const auto &[index, row] : m_widgets) {
-        if (row->isPressed() && indexesLater.contains(m_keys[index]))
+        if (row->isPressed() && m_identities.placeIn(later, index) >= 0)
             return index;
     }
     // At the very top the new first row is what the user wants to see.
@@ -93,23 +90,10 @@ std::optional<int> RowList::rowKeptInPlace(const QHash<Key, int> &indexesLater) 
     if (scrolled == 0)
         return std::nullopt;
     for (int index = std::max(0, indexAt(scrolled)); index < count(); ++index) {
-        if (indexesLater.contains(m_keys[index]))
+        if (m_identities.placeIn(later, index) >= 0)
             return index;
     }
     return std::nullopt;
-}
-
-int RowList::neighbourLater(int index, const QHash<Key, int> &indexesLater) const
-{
-    for (int below = index + 1; below < count(); ++below) {
-        if (const auto later = indexesLater.constFind(m_keys[below]); later != indexesLater.cend())
-            return *later;
-    }
-    for (int above = index - 1; above >= 0; --above) {
-        if (const auto later = indexesLater.constFind(m_keys[above]); later != indexesLater.cend())
-            return *later;
-    }
-    return index;
 }
 
 RowWidget *RowList::row(int index)
@@ -181,17 +165,6 @@ void RowList::changeEvent(QEvent *event)
     if (focusedIndex >= 0)
         row(focusedIndex)->focusButton(focusedButton, Qt::NoFocusReason);
     verticalScrollBar()->setValue(scrolled);
-}
-
-QList<RowList::Key> RowList::keysOf(const QList<RowContent> &rows)
-{
-    QHash<QString, int> occurrences;
-    occurrences.reserve(rows.size());
-    QList<Key> keys;
-    keys.reserve(rows.size());
-    for (const RowContent &row : rows)
-        keys.append({row.id, occurrences[row.id]++});
-    return keys;
 }
 
 void RowList::measure()

@@ -7,14 +7,13 @@
 // either side as if all were there), and when assistive technology asks for one. A list of thousands costs what is
 // seen. Tab moves through the buttons row by row; the arrow keys, Page Up and Down, Home and End move from row to row.
 
+#include "Look/Rows/RowIdentities.h"
 #include "Look/Rows/RowWidget.h"
 
-#include <QHash>
 #include <QScrollArea>
 
 #include <map>
 #include <optional>
-#include <utility>
 #include <vector>
 
 class RowList : public QScrollArea
@@ -51,12 +50,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    /// An identity and how often it occurred before.
-    using Key = std::pair<QString, int>;
-
-    static QList<Key> keysOf(const QList<RowContent> &rows);
-    std::optional<int> rowKeptInPlace(const QHash<Key, int> &indexesLater) const;
-    int neighbourLater(int index, const QHash<Key, int> &indexesLater) const;
+    std::optional<int> rowKeptInPlace(const RowIdentities &later) const;
     int edge(int index) const { return m_edges[static_cast<std::size_t>(index)]; }
     void measure();
     void place(RowWidget *row);
@@ -69,7 +63,7 @@ private:
     RowWidget *focusedRow() const;
 
     QList<RowContent> m_rows;
-    QList<Key> m_keys;
+    RowIdentities m_identities;
     /// The upper edge of each row, and the lower edge of the last.
     std::vector<int> m_edges{0};
     RowMetrics m_metrics = RowMetrics::current();
