@@ -6,7 +6,8 @@ class RunController;
 class HistoryStore;
 class ContainerStore;
 
-/// The five shared controllers, handed to every screen; none creates one of its own. They outlive all screens.
+/// The five shared controllers, handed to every screen; none creates one of its own. They must outlive every
+/// screen.
 struct Controllers {
     SetupController &setup;
     MachineStore &machines;

@@ -17,6 +17,7 @@ class SetupHeader : public QWidget
     Q_OBJECT
 
 public:
+    /// `setup` must outlive it.
     explicit SetupHeader(SetupController &setup, QWidget *parent = nullptr);
 
 private:

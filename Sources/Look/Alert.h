@@ -19,7 +19,8 @@ enum class Kind {
 };
 
 /// Opens the alert and returns at once. Both texts are plain. `accepted` is called when the user presses `acceptLabel`;
-/// `cancelLabel`, Escape and closing the alert do nothing more than close it.
+/// `cancelLabel`, Escape and closing the alert do nothing more than close it. What `accepted` reads must outlive
+/// `parent`.
 QMessageBox *open(QWidget *parent, const QString &title, const QString &message, const QString &acceptLabel,
                   const QString &cancelLabel, const std::function<void()> &accepted, Kind kind = Kind::ordinary);
 

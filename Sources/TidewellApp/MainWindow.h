@@ -13,6 +13,7 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
+    /// The controllers must outlive it.
     explicit MainWindow(const Controllers &controllers);
 
     ContentView &content() { return *m_content; }

@@ -1,7 +1,6 @@
 #include "TidewellApp/Menus.h"
 
 #include "ContentView/ContentView.h"
-#include "Look/Alert.h"
 #include "SetupController/SetupController.h"
 #include "TidewellApp/EditMenu.h"
 

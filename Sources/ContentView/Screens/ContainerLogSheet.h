@@ -14,6 +14,7 @@ class ContainerLogSheet : public QDialog
     Q_OBJECT
 
 public:
+    /// `containers` must outlive it.
     explicit ContainerLogSheet(ContainerStore &containers, QWidget *parent = nullptr);
 
 private:

@@ -8,7 +8,6 @@
 
 #include <QWidget>
 
-struct HistoryEntry;
 class PlainLabel;
 class QPushButton;
 class RowList;

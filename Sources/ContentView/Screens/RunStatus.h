@@ -1,6 +1,6 @@
 #pragma once
 
-// What is seen of a run while it is going: the button that stops it, a wheel, the current step and the seconds since
+// What is seen of a run while it is going: the button that stops it, a spinner, the current step and the seconds since
 // its start.
 
 #include <QTimer>
@@ -14,7 +14,7 @@ class RunStatus : public QWidget
     Q_OBJECT
 
 public:
-    /// The focus proxy is the Stop button.
+    /// The focus proxy is the Stop button. `run` must outlive it.
     explicit RunStatus(RunController &run, QWidget *parent = nullptr);
 
 private:

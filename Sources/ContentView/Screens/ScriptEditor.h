@@ -12,6 +12,7 @@ class ScriptEditor : public QPlainTextEdit
     Q_OBJECT
 
 public:
+    /// `run` must outlive it.
     explicit ScriptEditor(RunController &run, QWidget *parent = nullptr);
 
     /// Its smallest height: whatever more it gets comes from the window's size.

@@ -12,6 +12,7 @@ class RowListContent : public QWidget
     Q_OBJECT
 
 public:
+    /// `list` must outlive it.
     explicit RowListContent(RowList &list) : m_list(list) {}
 
     RowList &list() const { return m_list; }
