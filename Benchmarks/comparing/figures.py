@@ -1,6 +1,15 @@
-"""Medians over the rounds of a run."""
+"""Numbers for people, and medians over the rounds of a run."""
 
 import statistics
+
+
+def number(value):
+    """Three digits; more only where they stand before the point."""
+    if value is None:
+        return "–"
+    if abs(value) >= 99.5:
+        return f"{value:,.0f}"
+    return "0" if abs(value) < 0.0005 else f"{value:.3g}"
 
 
 class Figures:

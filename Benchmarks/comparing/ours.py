@@ -74,7 +74,7 @@ def measure(program, desktop, folder, file):
     executable = shutil.which(program.name, path=f"{folder}{os.pathsep}{_SCRIPTS}")
     if executable is None:
         raise CannotRun("not built")
-    command = [executable, "--json", *program.options, *([file] if file else [])]
+    command = [executable, *program.options, *([file] if file else [])]
     with tempfile.TemporaryDirectory(prefix="tidewell-ours-", ignore_cleanup_errors=True) as scratch:
         environment = desktop.environment | {"HOME": scratch, "QT_QPA_PLATFORM": "xcb", "LC_ALL": "C.UTF-8"}
         try:

@@ -1,18 +1,9 @@
 """docs/performance.md, out of what a run measured."""
 
 from . import bars, ours
-from .figures import Figures
+from .figures import Figures, number
 from .method import METHOD, REPEATING
 from .subjects import SUBJECTS
-
-
-def number(value):
-    """Three digits; more only where they stand before the point."""
-    if value is None:
-        return "–"
-    if abs(value) >= 99.5:
-        return f"{value:,.0f}"
-    return "0" if abs(value) < 0.0005 else f"{value:.3g}"
 
 
 def count_of_rounds(results):

@@ -1,8 +1,9 @@
 // Whether a chunk costs the same however much the transcript holds: 80 bytes to an empty one and to one of many
 // mebibytes, all of one kind, the pane looking on.
 //
-// AppendingChunks [--json] [MEBIBYTES] [ROUNDS]
+// AppendingChunks [MEBIBYTES] [ROUNDS]
 
+#include "Figures.h"
 #include "Measuring.h"
 #include "OutputPane/OutputPane.h"
 #include "RunController/RunController.h"
@@ -10,8 +11,6 @@
 #include <QApplication>
 
 #include <memory>
-
-using namespace Qt::StringLiterals;
 
 namespace
 {
@@ -47,8 +46,7 @@ int main(int argumentCount, char *arguments[])
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argumentCount, arguments);
-    QStringList given = QApplication::arguments().mid(1);
-    const bool asJson = given.removeAll(u"--json"_s) > 0;
+    const QStringList given = QApplication::arguments().mid(1);
     const int mebibytes = given.isEmpty() ? 100 : given[0].toInt();
     const int rounds = given.size() > 1 ? given[1].toInt() : 51;
 
@@ -66,9 +64,8 @@ int main(int argumentCount, char *arguments[])
         toFull.push_back(appendMany(full.run, chunk));
         QApplication::processEvents();
     }
-    const double ratio = median(toFull) / median(toEmpty);
-    std::printf(asJson ? "{\"what\":\"appending\",\"empty_ns\":%.1f,\"full_ns\":%.1f,\"ratio\":%.3f}\n"
-                       : "80 bytes to an empty transcript %.1f ns, to a full one %.1f ns, ratio %.3f\n",
-                median(toEmpty), median(toFull), ratio);
+    printFigures(
+        "appending 80 bytes",
+        {{"empty_ns", median(toEmpty)}, {"full_ns", median(toFull)}, {"ratio", median(toFull) / median(toEmpty)}});
     return 0;
 }

@@ -1,7 +1,8 @@
 // "Copy output" of a whole text: how long the button holds the window up, and when it is painted again.
 //
-// CopyingOutput [--json] FILE [ROUNDS]
+// CopyingOutput FILE [ROUNDS]
 
+#include "Figures.h"
 #include "FrameWatch.h"
 #include "Measuring.h"
 #include "OutputArguments.h"
@@ -28,8 +29,8 @@ int main(int argumentCount, char *arguments[])
         times.push_back(std::chrono::duration<double, std::milli>(frames.last() - start).count());
         QTest::qWait(50);
     }
-    std::printf(wanted.asJson ? "{\"what\":\"copying\",\"median_ms\":%.1f,\"worst_ms\":%.1f,\"kept_kib\":%ld}\n"
-                              : "copying: median %.1f ms, worst %.1f ms, %ld KiB more are kept\n",
-                median(times), percentile(times, 1), privateKibibytes() - before);
+    printFigures(
+        "copying",
+        {{"median_ms", median(times)}, {"worst_ms", percentile(times, 1)}, {"kept_kib", privateKibibytes() - before}});
     return 0;
 }

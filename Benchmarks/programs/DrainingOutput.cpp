@@ -3,6 +3,7 @@
 //
 // DrainingOutput [MiB] [ROUNDS]
 
+#include "Figures.h"
 #include "Measuring.h"
 #include "OrbCLI/OrbCLI.h"
 #include "Text/Utf8Repair.h"
@@ -71,11 +72,12 @@ void compare(std::size_t blockSize, std::size_t total, int rounds)
         }));
     }
     const double mebibytes = static_cast<double>(total) / (1024 * 1024);
-    std::printf(
-        "writes of %6zu: loop %5.0f MiB/s   stream into a string %5.0f MiB/s (%.2f)   into the transcript %5.0f "
-        "MiB/s (%.2f)\n",
-        blockSize, mebibytes / median(bare), mebibytes / median(intoString), median(bare) / median(intoString),
-        mebibytes / median(intoTranscript), median(bare) / median(intoTranscript));
+    printFigures(("writes of " + size + " bytes").c_str(),
+                 {{"loop_mib_per_second", mebibytes / median(bare)},
+                  {"string_mib_per_second", mebibytes / median(intoString)},
+                  {"string_ratio", median(bare) / median(intoString)},
+                  {"transcript_mib_per_second", mebibytes / median(intoTranscript)},
+                  {"transcript_ratio", median(bare) / median(intoTranscript)}});
 }
 
 } // namespace

@@ -9,7 +9,6 @@
 #include <QWidget>
 
 #include <chrono>
-#include <functional>
 #include <utility>
 
 class FrameWatch : public QApplication

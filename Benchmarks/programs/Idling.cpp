@@ -2,14 +2,14 @@
 // the same three children every six seconds, at the same time, and what grows meanwhile. The tools are those in
 // /opt/homebrew/bin.
 //
-// Idling [--json] [SECONDS]
+// Idling [SECONDS]
 
+#include "Figures.h"
 #include "Measuring.h"
 #include "StartedProgram.h"
 
 #include <filesystem>
 #include <fstream>
-#include <string_view>
 #include <thread>
 
 namespace
@@ -59,25 +59,24 @@ Usage usageOf(pid_t pid)
     return usage;
 }
 
-void report(const char *what, const Usage &before, const Usage &after, double seconds, bool asJson)
+void report(const char *what, const Usage &before, const Usage &after, double seconds)
 {
-    std::printf(asJson ? "{\"what\":\"%s\",\"seconds\":%.0f,\"processor_ms\":%.1f,\"with_children_ms\":%.0f,"
-                         "\"kib_before\":%ld,\"kib_after\":%ld,\"descriptors_before\":%ld,\"descriptors_after\":%ld,"
-                         "\"threads_before\":%ld,\"threads_after\":%ld}\n"
-                       : "%-16s %.0f s: %.1f ms of processor time (%.0f with children); memory %ld to %ld KiB, "
-                         "descriptors %ld to %ld, threads %ld to %ld\n",
-                what, seconds, (after.processor - before.processor) * 1e3,
-                (after.withChildren - before.withChildren) * 1e3, before.kibibytes, after.kibibytes, before.descriptors,
-                after.descriptors, before.threads, after.threads);
+    printFigures(what, {{"seconds", seconds},
+                        {"processor_ms", (after.processor - before.processor) * 1e3},
+                        {"with_children_ms", (after.withChildren - before.withChildren) * 1e3},
+                        {"kib_before", before.kibibytes},
+                        {"kib_after", after.kibibytes},
+                        {"descriptors_before", before.descriptors},
+                        {"descriptors_after", after.descriptors},
+                        {"threads_before", before.threads},
+                        {"threads_after", after.threads}});
 }
 
 } // namespace
 
 int main(int argumentCount, char *arguments[])
 {
-    const bool asJson = argumentCount > 1 && std::string_view(arguments[1]) == "--json";
-    const int secondsAt = asJson ? 2 : 1;
-    const double seconds = argumentCount > secondsAt ? std::atof(arguments[secondsAt]) : 300;
+    const double seconds = argumentCount > 1 ? std::atof(arguments[1]) : 300;
     const StartedProgram smallest({SMALLEST_WINDOW, "--polling"});
     const StartedProgram ours({TIDEWELL});
     // Two rounds, so that all that is made once has been made. Not in the middle of a round, nor is the end.
@@ -87,10 +86,7 @@ int main(int argumentCount, char *arguments[])
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
     const Usage smallestAfter = usageOf(smallest.pid());
     const Usage oursAfter = usageOf(ours.pid());
-    report("Tidewell", oursBefore, oursAfter, seconds, asJson);
-    report("smallest window", smallestBefore, smallestAfter, seconds, asJson);
-    if (!asJson)
-        std::printf("ratio %.2f\n", (oursAfter.processor - oursBefore.processor) /
-                                        (smallestAfter.processor - smallestBefore.processor));
+    report("Tidewell", oursBefore, oursAfter, seconds);
+    report("smallest window", smallestBefore, smallestAfter, seconds);
     return 0;
 }

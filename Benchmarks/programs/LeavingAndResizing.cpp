@@ -1,9 +1,12 @@
 // With a whole text in the transcript: leaving the Run tab, coming back to it, and making the window one column wider
 // or narrower, each until the window is painted.
 //
-// LeavingAndResizing [--json] FILE [ROUNDS]
+// LeavingAndResizing FILE [ROUNDS]
 
+#include "ContentView/Screens/HistoryView.h"
+#include "Figures.h"
 #include "FrameWatch.h"
+#include "Look/Typography.h"
 #include "Measuring.h"
 #include "OutputArguments.h"
 #include "RealWindow.h"
@@ -22,11 +25,9 @@ double untilPainted(FrameWatch &frames, const std::function<QWidget *()> &act)
     return std::chrono::duration<double, std::milli>(frames.last() - start).count();
 }
 
-void report(const char *what, const std::vector<double> &times, bool asJson)
+void report(const char *what, const std::vector<double> &times)
 {
-    std::printf(asJson ? "{\"what\":\"%s\",\"median_ms\":%.2f,\"worst_ms\":%.2f}\n"
-                       : "%-20s median %6.2f ms, worst %6.2f ms\n",
-                what, median(times), percentile(times, 1));
+    printFigures(what, {{"median_ms", median(times)}, {"worst_ms", percentile(times, 1)}});
 }
 
 } // namespace
@@ -64,8 +65,8 @@ int main(int argumentCount, char *arguments[])
         RealWindow::expect(real.showsEnd() && real.pane().viewport()->width() != width);
         QTest::qWait(50);
     }
-    report("leaving the Run tab", leaving, wanted.asJson);
-    report("coming back", comingBack, wanted.asJson);
-    report("resizing", resizing, wanted.asJson);
+    report("leaving the Run tab", leaving);
+    report("coming back", comingBack);
+    report("resizing", resizing);
     return 0;
 }

@@ -2,15 +2,12 @@
 
 // What the benchmarks share: the plainest way to run a child and read it to its end, a clock, and medians.
 
-#include <QEventLoop>
-
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <string>

@@ -1,8 +1,8 @@
 #pragma once
 
-// What showing a child's output costs: time, gaps between two turns of the event loop, frames, memory. Told as a line
-// to read or as a JSON object.
+// What showing a child's output costs: time, gaps between two turns of the event loop, frames, memory.
 
+#include "Figures.h"
 #include "FrameWatch.h"
 #include "Measuring.h"
 #include "Support/ProcessMemory.h"
@@ -49,25 +49,19 @@ public:
         m_frameCount = m_frames.count();
     }
 
-    void print(const char *what, qint64 bytes, bool asJson) const
+    void print(const char *what, qint64 bytes) const
     {
-        const double rate = static_cast<double>(bytes) / m_seconds / (1024 * 1024);
-        const double frameRate = m_frameCount / m_seconds;
-        const double gap = percentile(m_gaps, 0.99) * 1e3;
-        const double worst = percentile(m_gaps, 1) * 1e3;
-        const double bytesPerByte = static_cast<double>(m_end - m_idle) * 1024 / static_cast<double>(bytes);
-        if (asJson) {
-            std::printf("{\"what\":\"%s\",\"bytes\":%lld,\"seconds\":%.4f,\"mib_per_second\":%.1f,"
-                        "\"gap_p99_ms\":%.2f,\"gap_worst_ms\":%.2f,\"frames\":%d,\"frames_per_second\":%.1f,"
-                        "\"idle_kib\":%ld,\"end_kib\":%ld,\"bytes_per_byte\":%.3f}\n",
-                        what, static_cast<long long>(bytes), m_seconds, rate, gap, worst, m_frameCount, frameRate,
-                        m_idle, m_end, bytesPerByte);
-            return;
-        }
-        std::printf("%s: %.1f MiB in %.3f s, %.0f MiB/s; gap p99 %.1f ms, worst %.1f ms; %d frames, %.0f a second; "
-                    "%.2f bytes per byte over %.1f MiB\n",
-                    what, static_cast<double>(bytes) / (1024 * 1024), m_seconds, rate, gap, worst, m_frameCount,
-                    frameRate, bytesPerByte, static_cast<double>(m_idle) / 1024);
+        printFigures(what,
+                     {{"bytes", bytes},
+                      {"seconds", m_seconds},
+                      {"mib_per_second", static_cast<double>(bytes) / m_seconds / (1024 * 1024)},
+                      {"gap_p99_ms", percentile(m_gaps, 0.99) * 1e3},
+                      {"gap_worst_ms", percentile(m_gaps, 1) * 1e3},
+                      {"frames", m_frameCount},
+                      {"frames_per_second", m_frameCount / m_seconds},
+                      {"idle_kib", m_idle},
+                      {"end_kib", m_end},
+                      {"bytes_per_byte", static_cast<double>(m_end - m_idle) * 1024 / static_cast<double>(bytes)}});
     }
 
 private:

@@ -4,9 +4,7 @@
 // user does it.
 
 #include "ContentView/ContentView.h"
-#include "ContentView/Screens/HistoryView.h"
 #include "ContentView/Screens/ScriptEditor.h"
-#include "Look/Typography.h"
 #include "OutputPane/OutputPane.h"
 #include "Screens/ByName.h"
 #include "Screens/FakeOrbStack.h"
@@ -14,9 +12,10 @@
 #include "TidewellApp/MainWindow.h"
 #include "TidewellApp/TidewellApp.h"
 
-#include <QPushButton>
+#include <QAbstractButton>
 #include <QSettings>
 
+#include <cstdio>
 #include <cstdlib>
 
 class RealWindow

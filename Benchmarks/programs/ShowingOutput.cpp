@@ -1,7 +1,7 @@
 // How a child's output comes through the real application: from the click on Run until the run has ended and the pane
 // has painted its end.
 //
-// ShowingOutput [--json] [--alternating] FILE
+// ShowingOutput [--alternating | --line-by-line] FILE
 
 #include "OutputArguments.h"
 #include "OutputMeasurement.h"
@@ -38,6 +38,6 @@ int main(int argumentCount, char *arguments[])
     frames.waitForFrameAfter(framesBefore);
     measurement.end();
     RealWindow::expect(isAllThere && real.showsEnd());
-    measurement.print("Tidewell", wanted.bytes, wanted.asJson);
+    measurement.print("Tidewell", wanted.bytes);
     return 0;
 }

@@ -1,15 +1,15 @@
 // From the start of a program to its first paint, seen from outside: by turns the application and the smallest window
 // are started, and the X server is asked for a pixel of the window that comes up until that pixel has a colour.
 //
-// Starting [--json] [ROUNDS]
+// Starting [ROUNDS]
 
+#include "Figures.h"
 #include "Measuring.h"
 #include "StartedProgram.h"
 
 #include <xcb/xcb.h>
 
 #include <memory>
-#include <string_view>
 #include <thread>
 
 namespace
@@ -83,9 +83,7 @@ private:
 
 int main(int argumentCount, char *arguments[])
 {
-    const bool asJson = argumentCount > 1 && std::string_view(arguments[1]) == "--json";
-    const int roundsAt = asJson ? 2 : 1;
-    const int rounds = argumentCount > roundsAt ? std::atoi(arguments[roundsAt]) : 15;
+    const int rounds = argumentCount > 1 ? std::atoi(arguments[1]) : 15;
     Screen screen;
     std::vector<double> ours;
     std::vector<double> smallest;
@@ -94,8 +92,8 @@ int main(int argumentCount, char *arguments[])
         smallest.push_back(screen.secondsUntilPainted({SMALLEST_WINDOW}));
         ours.push_back(screen.secondsUntilPainted({TIDEWELL}));
     }
-    std::printf(asJson ? "{\"what\":\"starting\",\"ours_ms\":%.1f,\"smallest_ms\":%.1f,\"ratio\":%.3f}\n"
-                       : "first paint after %.1f ms, the smallest window's after %.1f ms, ratio %.3f\n",
-                median(ours) * 1e3, median(smallest) * 1e3, median(ours) / median(smallest));
+    printFigures("starting", {{"ours_ms", median(ours) * 1e3},
+                              {"smallest_ms", median(smallest) * 1e3},
+                              {"ratio", median(ours) / median(smallest)}});
     return 0;
 }

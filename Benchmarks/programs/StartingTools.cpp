@@ -1,6 +1,9 @@
 // How much OrbCLI::run adds to running a program that does nothing, and whether the memory that this process holds
 // matters: a plain fork would copy its page tables.
+//
+// StartingTools [ROUNDS]
 
+#include "Figures.h"
 #include "Measuring.h"
 #include "OrbCLI/OrbCLI.h"
 
@@ -21,7 +24,7 @@ void runOnce(const QString &tool)
     loop.exec();
 }
 
-double compare(const char *title, const std::string &program, int rounds)
+double compare(const char *what, const std::string &program, int rounds)
 {
     std::vector<double> ours;
     std::vector<double> bare;
@@ -29,8 +32,9 @@ double compare(const char *title, const std::string &program, int rounds)
         bare.push_back(secondsFor([&] { runBarely({program}, [](const char *, std::size_t) {}); }));
         ours.push_back(secondsFor([&] { runOnce(QString::fromStdString(program)); }));
     }
-    std::printf("%-24s bare %6.0f us   OrbCLI::run %6.0f us   ratio %.3f\n", title, median(bare) * 1e6,
-                median(ours) * 1e6, median(ours) / median(bare));
+    printFigures(
+        what,
+        {{"bare_us", median(bare) * 1e6}, {"ours_us", median(ours) * 1e6}, {"ratio", median(ours) / median(bare)}});
     return median(ours);
 }
 
@@ -47,6 +51,6 @@ int main(int argumentCount, char *arguments[])
     for (std::size_t place = 0; place < held.size(); place += 1024)
         held[place] = static_cast<char>(place);
     const double after = compare("500 MiB held", program, rounds);
-    std::printf("OrbCLI::run with 500 MiB held against without: %.3f\n", after / before);
+    printFigures("500 MiB held against nothing held", {{"ratio", after / before}});
     return 0;
 }

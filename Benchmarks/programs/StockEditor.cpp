@@ -1,7 +1,7 @@
 // The plainest window that shows a child's output: a stock editor that is given what arrived once a frame and stays at
 // its end.
 //
-// StockEditor [--json] [--alternating] FILE
+// StockEditor [--alternating | --line-by-line] FILE
 
 #include "OrbCLI/OrbCLI.h"
 #include "OutputArguments.h"
@@ -60,6 +60,6 @@ int main(int argumentCount, char *arguments[])
     frames.waitForFrame();
     measurement.takeMemory();
     measurement.end();
-    measurement.print("stock editor", bytes, wanted.asJson);
+    measurement.print("stock editor", bytes);
     return 0;
 }

@@ -1,7 +1,7 @@
 // The limit to compare with: the same child's output decoded and stored in one string, and an empty area repainted
 // sixty times a second.
 //
-// StoringOnly [--json] [--alternating] FILE
+// StoringOnly [--alternating | --line-by-line] FILE
 
 #include "OrbCLI/OrbCLI.h"
 #include "OutputArguments.h"
@@ -38,6 +38,6 @@ int main(int argumentCount, char *arguments[])
     frames.waitForFrame();
     measurement.takeMemory();
     measurement.end();
-    measurement.print("storing only", static_cast<qint64>(stored.size()), wanted.asJson);
+    measurement.print("storing only", static_cast<qint64>(stored.size()));
     return 0;
 }

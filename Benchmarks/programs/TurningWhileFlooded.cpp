@@ -3,6 +3,7 @@
 //
 // TurningWhileFlooded [SECONDS] [WRITE SIZE]
 
+#include "Figures.h"
 #include "Measuring.h"
 #include "OrbCLI/OrbCLI.h"
 #include "Transcript/Transcript.h"
@@ -40,8 +41,12 @@ int main(int argumentCount, char *arguments[])
         [](int, const ProcessHandlePointer &) { QCoreApplication::quit(); });
     QCoreApplication::exec();
 
-    std::printf("writes of %s for %.0f s, %.0f MiB/s: %zu turns, longest gap %.2f ms, p99 %.2f ms, median %.2f ms\n",
-                size.toUtf8().constData(), seconds, bytes / seconds / (1024 * 1024), gaps.size(),
-                *std::max_element(gaps.begin(), gaps.end()) * 1e3, percentile(gaps, 0.99) * 1e3, median(gaps) * 1e3);
+    printFigures("turning", {{"bytes_a_write", size.toInt()},
+                             {"seconds", seconds},
+                             {"mib_per_second", bytes / seconds / (1024 * 1024)},
+                             {"turns", gaps.size()},
+                             {"gap_worst_ms", percentile(gaps, 1) * 1e3},
+                             {"gap_p99_ms", percentile(gaps, 0.99) * 1e3},
+                             {"gap_median_ms", median(gaps) * 1e3}});
     return 0;
 }

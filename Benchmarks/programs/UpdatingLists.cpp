@@ -5,6 +5,7 @@
 
 #include "ContainerStore/ContainerStore.h"
 #include "ContentView/Screens/ContainersView.h"
+#include "Figures.h"
 #include "HistoryStore/HistoryStore.h"
 #include "Look/Rows/RowList.h"
 #include "MachineStore/MachineStore.h"
@@ -76,7 +77,7 @@ double workOfRefresh(ContainerStore &store)
 
 void report(const char *what, const std::vector<double> &seconds)
 {
-    std::printf("%-58s median %7.2f ms, worst %7.2f ms\n", what, median(seconds) * 1000, percentile(seconds, 1) * 1000);
+    printFigures(what, {{"median_ms", median(seconds) * 1000}, {"worst_ms", percentile(seconds, 1) * 1000}});
 }
 
 } // namespace
@@ -131,21 +132,21 @@ int main(int argumentCount, char *arguments[])
         paintsOutsideTheRow += oneRow.count() > 0 && oneRow.isWithin(*list.row(3)) ? 0 : 1;
     }
 
-    std::printf("%d containers, %d rounds, %d rows are widgets\n", count, rounds, list.widgetCount());
+    printFigures("lists", {{"containers", count}, {"rounds", rounds}, {"row_widgets", list.widgetCount()}});
     report("first filling of the screen, painted (wall time)", filling);
     report("refresh, store alone: reading, parsing, comparing (work)", reading);
     report("refresh that changes nothing, with the screen (work)", unchanged);
-    std::printf("%-58s median %7.2f ms\n", "  of which the screen's", (median(unchanged) - median(reading)) * 1000);
-    std::printf("%-58s %d\n", "  paint events in all rounds", paintsUnchanged);
+    printFigures("of which the screen's",
+                 {{"median_ms", (median(unchanged) - median(reading)) * 1000}, {"paints_in_all", paintsUnchanged}});
     report("refresh that changes one row, with the screen (work)", oneChanged);
-    std::printf("%-58s %d\n", "  rounds in which anything but that row was painted", paintsOutsideTheRow);
+    printFigures("rounds in which anything but that row was painted", {{"rounds", paintsOutsideTheRow}});
 
     // Assistive technology may ask for every row.
     const double making = secondsFor([&] {
         for (int row = 0; row < count; ++row)
             list.row(row);
     });
-    std::printf("%-58s        %7.2f ms\n", "making every row a widget (wall time)", making * 1000);
+    printFigures("making every row a widget (wall time)", {{"once_ms", making * 1000}});
     oneChanged.clear();
     for (int round = 0; round < rounds; ++round) {
         engine.print(round % 2 == 0 ? 3 : -1);

@@ -1,8 +1,9 @@
 // The limit of what writes each line by itself: a child writes lines by turns to two pipes whose reader never makes it
 // wait, throws all away and naps, so that it does not take a processor from the child either.
 //
-// WritingLines [--json] FILE
+// WritingLines FILE
 
+#include "Figures.h"
 #include "Measuring.h"
 
 #include <fcntl.h>
@@ -10,7 +11,6 @@
 
 #include <array>
 #include <filesystem>
-#include <string_view>
 #include <thread>
 
 namespace
@@ -68,10 +68,9 @@ std::uintmax_t drain(int output, int errorOutput)
 
 int main(int argumentCount, char *arguments[])
 {
-    const bool asJson = argumentCount > 1 && std::string_view(arguments[1]) == "--json";
-    const char *const file = argumentCount > (asJson ? 2 : 1) ? arguments[argumentCount - 1] : "";
+    const char *const file = argumentCount == 2 ? arguments[1] : "";
     if (!std::filesystem::is_regular_file(file)) {
-        std::fputs("WritingLines [--json] FILE\n", stderr);
+        std::fputs("WritingLines FILE\n", stderr);
         return 2;
     }
     const double seconds = secondsFor([&] {
@@ -83,9 +82,7 @@ int main(int argumentCount, char *arguments[])
             ::waitpid(writer, &status, 0) != writer || status != 0)
             std::abort();
     });
-    const double rate = static_cast<double>(std::filesystem::file_size(file)) / seconds / (1024 * 1024);
-    std::printf(asJson ? "{\"what\":\"writing lines\",\"seconds\":%.4f,\"mib_per_second\":%.1f}\n"
-                       : "lines written by turns to two streams: %.3f s, %.0f MiB/s\n",
-                seconds, rate);
+    const double mebibytes = static_cast<double>(std::filesystem::file_size(file)) / (1024 * 1024);
+    printFigures("writing lines", {{"seconds", seconds}, {"mib_per_second", mebibytes / seconds}});
     return 0;
 }

@@ -151,7 +151,7 @@ class Comparing(unittest.TestCase):
     def test_several_figures_of_one_program_are_told_apart(self):
         program = os.path.join(self.folder, "Measuring")
         with open(program, "w") as file:
-            file.write('#!/bin/sh\necho \'{"what":"going","ms":1}\'\n[ "$2" = one ] || echo \'{"what":"coming","ms":2}\'\n')
+            file.write('#!/bin/sh\necho \'{"what":"going","ms":1}\'\n[ "$1" = one ] || echo \'{"what":"coming","ms":2}\'\n')
         os.chmod(program, 0o755)
 
         def measured(case):
@@ -159,6 +159,12 @@ class Comparing(unittest.TestCase):
 
         self.assertEqual(measured("one"), {"ms": 1})
         self.assertEqual(measured("two"), {"going: ms": 1, "coming: ms": 2})
+
+    def test_what_a_program_prints_is_worded_a_line_an_object(self):
+        printed = '{"what":"starting","ours_ms":12.3456,"bytes":104857600}\n{"what":"idling","threads":0}\n'
+        shown = subprocess.run([os.path.join(_BENCHMARKS, "show")], input=printed, capture_output=True, text=True)
+        self.assertEqual((shown.returncode, shown.stdout, shown.stderr),
+                         (0, "starting: ours ms 12.3, bytes 104,857,600\nidling: threads 0\n", ""))  # fmt: skip
 
     def test_nameless_files_and_descendants_count_and_a_branch_can_be_left_out(self):
         script = (
