@@ -7,8 +7,6 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include <array>
-
 /// Replaces the three tool directories (and the two places of brew) by temporary ones for as long as it lives. One at
 /// a time.
 class TestTools

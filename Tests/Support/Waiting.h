@@ -3,8 +3,6 @@
 // Waiting without sleeping: the event loop turns until a condition holds or the watchdog's time is over.
 
 #include <QCoroTask>
-#include <QDeadlineTimer>
-#include <QEventLoop>
 #include <QTest>
 
 #include <chrono>

@@ -91,11 +91,6 @@ class Node:
         return self._call("Text", "GetText", GLib.Variant("(ii)", (0, -1)))[0]
 
     @property
-    def extents(self):
-        """x, y, width and height on the display."""
-        return self._call("Component", "GetExtents", GLib.Variant("(u)", (0,)))[0]
-
-    @property
     def is_shown(self):
         return "showing" in self.states
 
@@ -164,9 +159,6 @@ class Node:
         if not {"editable", "enabled"} <= self.states:
             raise AssertionError(f"{self!r} cannot be edited")
         self._call("EditableText", "SetTextContents", GLib.Variant("(s)", (text,)))
-
-    def focus(self):
-        self._call("Component", "GrabFocus")
 
 
 def application(bus, pid):
