@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """pictures.py PROGRAM FOLDER [SCENE...]: pictures of every screen in every state, to be looked at.
 
-Each scene (see scenes.py) is brought about in a fresh window and pictured light and dark, at the smallest size and
+Each scene (see scenes/) is brought about in a fresh window and pictured light and dark, at the smallest size and
 large: FOLDER/SCENE-light-small.png and so on.
 """
 
