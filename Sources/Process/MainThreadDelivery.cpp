@@ -14,7 +14,7 @@ constexpr auto sliceLength = std::chrono::milliseconds(2);
 
 } // namespace
 
-MainThreadDelivery::MainThreadDelivery(std::function<void()> onRoom) : m_onRoom(std::move(onRoom))
+MainThreadDelivery::MainThreadDelivery()
 {
     if (QCoreApplication::instance() != nullptr)
         moveToThread(QCoreApplication::instance()->thread());
@@ -57,12 +57,10 @@ void MainThreadDelivery::deliverSlice()
     // A queue is out of the list while its handler runs: a handler that turns the event loop hears the other children,
     // and its own child goes on, in order, after it has returned.
     while (const std::shared_ptr<OutputQueue> queue = takeNext()) {
-        const OutputQueue::Delivered delivered = queue->deliverNext();
-        if (delivered.madeRoom)
-            m_onRoom();
+        const bool isMore = queue->deliverNext();
         const bool isOver = std::chrono::steady_clock::now() >= end;
         const std::lock_guard guard(m_lock);
-        if (delivered.more)
+        if (isMore)
             m_announced.push_back(queue);
         if (isOver) {
             if (!m_announced.empty())

@@ -8,15 +8,13 @@
 #include <QObject>
 
 #include <deque>
-#include <functional>
 #include <memory>
 #include <mutex>
 
 class MainThreadDelivery : public QObject
 {
 public:
-    /// `onRoom` is called on the main thread when a full queue can be appended to again.
-    explicit MainThreadDelivery(std::function<void()> onRoom);
+    MainThreadDelivery();
 
     /// The queue has something to deliver. Any thread.
     void announce(std::shared_ptr<OutputQueue> queue);
@@ -31,7 +29,6 @@ private:
     std::shared_ptr<OutputQueue> takeNext();
     void postLocked();
 
-    const std::function<void()> m_onRoom;
     std::mutex m_lock; // guards all below
     std::deque<std::shared_ptr<OutputQueue>> m_announced;
     bool m_isPosted = false;

@@ -12,10 +12,12 @@ constexpr qsizetype maximumChunk = qsizetype{64} * 1024;
 
 } // namespace
 
-OutputQueue::OutputQueue(ProcessHandlePointer handle, OutputHandler onOutput, ExitHandler onExit, Announcing announcing)
+OutputQueue::OutputQueue(ProcessHandlePointer handle, OutputHandler onOutput, ExitHandler onExit, Listener listener,
+                         Announcing announcing)
     : m_handle(std::move(handle)),
       m_onOutput(std::move(onOutput)),
       m_onExit(std::move(onExit)),
+      m_listener(std::move(listener)),
       m_announcing(announcing)
 {
 }
@@ -27,28 +29,27 @@ bool OutputQueue::hasRoom()
     return !m_isRoomAwaited;
 }
 
-bool OutputQueue::append(QByteArrayView text, bool isError)
+void OutputQueue::append(QByteArrayView text, bool isError)
 {
     if (text.size() > maximumChunk)
         return adopt(text.toByteArray(), text.size(), isError);
-    const std::lock_guard guard(m_lock);
+    std::unique_lock guard(m_lock);
     m_size += text.size();
-    if (!m_chunks.empty()) {
-        Chunk &last = m_chunks.back();
-        const bool isWhole = last.begin == 0 && last.size == last.storage.size() && last.storage.isDetached();
-        if (last.isError == isError && isWhole && last.size + text.size() <= maximumChunk) {
-            last.storage.append(text);
-            last.size = last.storage.size();
-            return markAnnounced();
-        }
+    Chunk *const last = m_chunks.empty() ? nullptr : &m_chunks.back();
+    const bool isJoined = last != nullptr && last->isError == isError && last->size + text.size() <= maximumChunk &&
+                          last->begin == 0 && last->size == last->storage.size() && last->storage.isDetached();
+    if (isJoined) {
+        last->storage.append(text);
+        last->size = last->storage.size();
+    } else {
+        m_chunks.push_back({text.toByteArray(), 0, text.size(), isError});
     }
-    m_chunks.push_back({text.toByteArray(), 0, text.size(), isError});
-    return markAnnounced();
+    notifyIfReady(std::move(guard));
 }
 
-bool OutputQueue::adopt(QByteArray block, qsizetype size, bool isError)
+void OutputQueue::adopt(QByteArray block, qsizetype size, bool isError)
 {
-    const std::lock_guard guard(m_lock);
+    std::unique_lock guard(m_lock);
     m_size += size;
     for (qsizetype begin = 0; begin < size;) {
         qsizetype end = std::min(size, begin + maximumChunk);
@@ -58,40 +59,48 @@ bool OutputQueue::adopt(QByteArray block, qsizetype size, bool isError)
         m_chunks.push_back({block, begin, end - begin, isError});
         begin = end;
     }
-    return markAnnounced();
+    notifyIfReady(std::move(guard));
 }
 
-bool OutputQueue::end(int status)
+void OutputQueue::end(int status)
 {
-    const std::lock_guard guard(m_lock);
+    std::unique_lock guard(m_lock);
     m_status = status;
-    return markAnnounced();
+    notifyIfReady(std::move(guard));
 }
 
-OutputQueue::Delivered OutputQueue::deliverNext()
+void OutputQueue::notifyIfReady(std::unique_lock<std::mutex> guard)
 {
-    Delivered delivered;
-    const std::optional<Chunk> chunk = takeChunk(delivered.madeRoom);
+    if (m_announcing == Announcing::atTheEnd && !m_status && m_size < maximumSize)
+        return;
+    if (std::exchange(m_isAnnounced, true))
+        return;
+    guard.unlock();
+    m_listener.onReady(shared_from_this());
+}
+
+bool OutputQueue::deliverNext()
+{
+    const std::optional<Chunk> chunk = takeChunk();
     if (!chunk) {
         deliverEnd();
-        return delivered;
+        return false;
     }
     if (m_onOutput)
         m_onOutput(QUtf8StringView(chunk->storage.constData() + chunk->begin, chunk->size), chunk->isError);
-    const std::lock_guard guard(m_lock);
-    m_isAnnounced = !m_chunks.empty() || m_status.has_value();
-    delivered.more = m_isAnnounced;
-    return delivered;
+    std::unique_lock guard(m_lock);
+    const bool isMore = !m_chunks.empty() || m_status.has_value();
+    m_isAnnounced = isMore;
+    // Not at once: a child that is held up is worth waking only for a good stretch.
+    const bool madeRoom = m_isRoomAwaited && m_size <= maximumSize / 2;
+    m_isRoomAwaited = m_isRoomAwaited && !madeRoom;
+    guard.unlock();
+    if (madeRoom)
+        m_listener.onRoom();
+    return isMore;
 }
 
-bool OutputQueue::markAnnounced()
-{
-    if (m_announcing == Announcing::atTheEnd && !m_status && m_size < maximumSize)
-        return false;
-    return !std::exchange(m_isAnnounced, true);
-}
-
-std::optional<OutputQueue::Chunk> OutputQueue::takeChunk(bool &madeRoom)
+std::optional<OutputQueue::Chunk> OutputQueue::takeChunk()
 {
     const std::lock_guard guard(m_lock);
     if (m_chunks.empty())
@@ -99,9 +108,6 @@ std::optional<OutputQueue::Chunk> OutputQueue::takeChunk(bool &madeRoom)
     std::optional<Chunk> chunk(std::move(m_chunks.front()));
     m_chunks.pop_front();
     m_size -= chunk->size;
-    // Not at once: a child that is held up is worth waking only for a good stretch.
-    madeRoom = m_isRoomAwaited && m_size <= maximumSize / 2;
-    m_isRoomAwaited = m_isRoomAwaited && !madeRoom;
     return chunk;
 }
 

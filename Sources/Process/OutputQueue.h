@@ -12,12 +12,22 @@
 #include <QByteArrayView>
 
 #include <deque>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 
-class OutputQueue
+class OutputQueue : public std::enable_shared_from_this<OutputQueue>
 {
 public:
+    /// Who is notified of the queue; what the functions refer to must outlive it.
+    struct Listener {
+        /// There is something to deliver and was not before. On the thread that appended it.
+        std::function<void(std::shared_ptr<OutputQueue> queue)> onReady;
+        /// The queue was full, hasRoom was asked, and now there is room. Main thread.
+        std::function<void()> onRoom;
+    };
+
     /// When the main thread is told that something waits.
     enum class Announcing {
         asItComes,
@@ -25,30 +35,25 @@ public:
         atTheEnd
     };
 
-    struct Delivered {
-        bool more = false;
-        /// The queue was full, someone asked, and now there is room.
-        bool madeRoom = false;
-    };
-
-    OutputQueue(ProcessHandlePointer handle, OutputHandler onOutput, ExitHandler onExit,
+    /// To be owned by a shared pointer, which the listener gets.
+    OutputQueue(ProcessHandlePointer handle, OutputHandler onOutput, ExitHandler onExit, Listener listener,
                 Announcing announcing = Announcing::asItComes);
 
     Announcing announcing() const { return m_announcing; }
 
-    /// Whether more may be appended. After a no, the delivery that makes room says so.
+    /// Whether more may be appended. After a no, the listener is notified of room.
     bool hasRoom();
 
-    /// Each returns true when there is something to deliver and was not before: the caller then announces the queue to
-    /// the main thread.
-    /// `text` is copied, behind the last chunk when that is of the same stream and short.
-    [[nodiscard]] bool append(QByteArrayView text, bool isError);
+    /// Copies `text`, behind the last chunk when that is of the same stream and short.
+    void append(QByteArrayView text, bool isError);
     /// Takes the first `size` bytes of `block` without copying them.
-    [[nodiscard]] bool adopt(QByteArray block, qsizetype size, bool isError);
-    [[nodiscard]] bool end(int status);
+    void adopt(QByteArray block, qsizetype size, bool isError);
+    /// Nothing is appended any more.
+    void end(int status);
 
-    /// Calls one handler with the next chunk or the end. Main thread.
-    Delivered deliverNext();
+    /// Calls one handler with the next chunk or the end, and returns whether more is to be delivered; if not, the
+    /// listener is notified when there is. Main thread.
+    bool deliverNext();
 
 private:
     struct Chunk {
@@ -58,13 +63,15 @@ private:
         bool isError = false;
     };
 
-    bool markAnnounced();
-    std::optional<Chunk> takeChunk(bool &madeRoom);
+    /// Takes the lock and releases it before it calls the listener.
+    void notifyIfReady(std::unique_lock<std::mutex> guard);
+    std::optional<Chunk> takeChunk();
     void deliverEnd();
 
     const ProcessHandlePointer m_handle;
     OutputHandler m_onOutput; // these two on the main thread only
     ExitHandler m_onExit;
+    const Listener m_listener;
     const Announcing m_announcing;
 
     std::mutex m_lock; // guards all below; the status is fixed once the end is announced

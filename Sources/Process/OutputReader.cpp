@@ -26,16 +26,16 @@ bool OutputReader::isComplete() const
     return isAtEnd() || (::poll(&entry, 1, 0) > 0 && (entry.revents & POLLHUP) != 0);
 }
 
-OutputReader::Outcome OutputReader::read(QByteArray &block, OutputQueue &queue)
+qsizetype OutputReader::read(QByteArray &block, OutputQueue &queue)
 {
     if (block.size() < m_pipeSize)
         block = QByteArray(m_pipeSize, Qt::Uninitialized);
     const qsizetype size = ::read(m_end.number(), block.data(), static_cast<std::size_t>(block.size()));
     if (size < 0 && (errno == EAGAIN || errno == EINTR))
-        return {};
+        return 0;
     if (size <= 0) {
         m_end.close();
-        return {};
+        return 0;
     }
     // A child that fills its pipe is worth a larger one, which drains several times faster; the many that print a line
     // or two would pay for it in vain, and all pipes of a user share one allowance.
@@ -46,10 +46,12 @@ OutputReader::Outcome OutputReader::read(QByteArray &block, OutputQueue &queue)
     const QByteArrayView bytes(block.constData(), size);
     if (std::optional<QByteArray> repaired = Utf8Repair::repaired(bytes)) {
         const qsizetype repairedSize = repaired->size();
-        return {size, queue.adopt(*std::move(repaired), repairedSize, m_isError)};
+        queue.adopt(*std::move(repaired), repairedSize, m_isError);
+    } else if (size < block.size() / 4) {
+        // A block given away for little text would keep its whole memory while it waits.
+        queue.append(bytes, m_isError);
+    } else {
+        queue.adopt(std::exchange(block, QByteArray()), size, m_isError);
     }
-    // A block given away for little text would keep its whole memory while it waits.
-    if (size < block.size() / 4)
-        return {size, queue.append(bytes, m_isError)};
-    return {size, queue.adopt(std::exchange(block, QByteArray()), size, m_isError)};
+    return size;
 }

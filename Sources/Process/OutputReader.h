@@ -20,14 +20,9 @@ public:
     /// Nobody can write into the pipe any more: what it still holds is all that will come. Asks the system.
     bool isComplete() const;
 
-    struct Outcome {
-        qsizetype size = 0;
-        bool mustAnnounce = false;
-    };
-
     /// Takes all that the pipe holds now, by way of `block`, which is shared by all readers and may be given away. At
-    /// the end of file the reader closes.
-    Outcome read(QByteArray &block, OutputQueue &queue);
+    /// the end of file the reader closes. Returns the number of bytes.
+    qsizetype read(QByteArray &block, OutputQueue &queue);
 
 private:
     FileDescriptor m_end;

@@ -76,16 +76,19 @@ ProcessEngine &ProcessEngine::instance()
     return *engine;
 }
 
-ProcessEngine::ProcessEngine() : m_delivery([this] { wake(); }) {}
+ProcessEngine::ProcessEngine() = default;
 
 ProcessHandlePointer ProcessEngine::launch(Launch launch)
 {
     RunningChild::Parts parts;
     parts.process = std::make_shared<ChildProcess>();
     parts.handle = std::make_shared<ProcessHandle>(parts.process);
-    parts.queue = std::make_shared<OutputQueue>(parts.handle, std::move(launch.onOutput), std::move(launch.onExit),
-                                                launch.collectsOutput ? OutputQueue::Announcing::atTheEnd
-                                                                      : OutputQueue::Announcing::asItComes);
+    const OutputQueue::Listener listener{
+        .onReady = [this](std::shared_ptr<OutputQueue> queue) { m_delivery.announce(std::move(queue)); },
+        .onRoom = [this] { wake(); }};
+    parts.queue = std::make_shared<OutputQueue>(
+        parts.handle, std::move(launch.onOutput), std::move(launch.onExit), listener,
+        launch.collectsOutput ? OutputQueue::Announcing::atTheEnd : OutputQueue::Announcing::asItComes);
     const ProcessHandlePointer handle = parts.handle;
 
     int error = startThread();
@@ -96,9 +99,8 @@ ProcessHandlePointer ProcessEngine::launch(Launch launch)
         handle->setLaunchError(description);
         const QString name = launch.tool.section(u'/', -1, -1, QString::SectionSkipEmpty);
         const QString line = u"Could not start "_s + name + u": "_s + description + u'\n';
-        static_cast<void>(parts.queue->append(line.toUtf8(), true));
-        static_cast<void>(parts.queue->end(-1));
-        m_delivery.announce(std::move(parts.queue));
+        parts.queue->append(line.toUtf8(), true);
+        parts.queue->end(-1);
         return handle;
     }
     parts.deadline = deadlineAfter(launch.timeLimit);
@@ -236,11 +238,8 @@ void ProcessEngine::attendToEvents()
     qsizetype bytesRead = 0;
     std::span<const pollfd> entries(m_entries);
     for (const auto &child : m_children) {
-        const RunningChild::Outcome outcome = child->attend(entries.first<RunningChild::entryCount>(), m_block);
+        bytesRead += child->attend(entries.first<RunningChild::entryCount>(), m_block);
         entries = entries.subspan(RunningChild::entryCount);
-        bytesRead += outcome.bytesRead;
-        if (outcome.mustAnnounce)
-            m_delivery.announce(child->queue());
     }
     std::erase_if(m_children, [](const auto &child) { return child->isFinished(); });
     gatherSmallWrites(bytesRead);

@@ -61,22 +61,17 @@ RunningChild::Moment RunningChild::wakeTime() const
     return wake;
 }
 
-RunningChild::Outcome RunningChild::attend(std::span<const pollfd, entryCount> entries, QByteArray &block)
+qsizetype RunningChild::attend(std::span<const pollfd, entryCount> entries, QByteArray &block)
 {
-    Outcome outcome;
-    const auto read = [&](OutputReader &reader) {
-        const OutputReader::Outcome part = reader.read(block, *m_parts.queue);
-        outcome.bytesRead += part.size;
-        outcome.mustAnnounce |= part.mustAnnounce;
-    };
+    qsizetype bytesRead = 0;
     // A pause may have begun while the thread waited.
     const bool reads = !isPaused();
     if (reads && entries[outputEntry].revents != 0)
-        read(m_parts.output);
+        bytesRead += m_parts.output.read(block, *m_parts.queue);
     if (reads && entries[errorEntry].revents != 0)
-        read(m_parts.errorOutput);
+        bytesRead += m_parts.errorOutput.read(block, *m_parts.queue);
     if (!m_isRunning || m_parts.handle->wasAskedToTerminate())
-        m_lastOutput -= outcome.bytesRead;
+        m_lastOutput -= bytesRead;
     if (entries[inputEntry].revents != 0)
         m_parts.input.write();
 
@@ -91,9 +86,9 @@ RunningChild::Outcome RunningChild::attend(std::span<const pollfd, entryCount> e
     // A grandchild may hold the pipes long after the child has ended, and a child may close them and run on.
     if (!m_isEnded && !m_isRunning && m_parts.output.isAtEnd() && m_parts.errorOutput.isAtEnd()) {
         m_isEnded = true;
-        outcome.mustAnnounce |= m_parts.queue->end(m_parts.process->status());
+        m_parts.queue->end(m_parts.process->status());
     }
-    return outcome;
+    return bytesRead;
 }
 
 void RunningChild::enforceTimeLimit()

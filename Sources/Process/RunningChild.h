@@ -41,15 +41,8 @@ public:
     /// When to look again even if nothing is reported, after pollEntries.
     Moment wakeTime() const;
 
-    struct Outcome {
-        qsizetype bytesRead = 0;
-        bool mustAnnounce = false;
-    };
-
-    /// Reads, writes, and looks for the end and the deadline.
-    Outcome attend(std::span<const pollfd, entryCount> entries, QByteArray &block);
-
-    const std::shared_ptr<OutputQueue> &queue() const { return m_parts.queue; }
+    /// Reads, writes, and looks for the end and the deadline. Returns the number of bytes read.
+    qsizetype attend(std::span<const pollfd, entryCount> entries, QByteArray &block);
 
     /// The end is in the queue and the input is written or refused.
     bool isFinished() const { return m_isEnded && m_parts.input.isDone(); }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,78 +18,93 @@ struct Heard {
 class OutputQueueTest : public testing::Test
 {
 protected:
-    OutputQueue::Delivered deliverAll()
+    std::shared_ptr<OutputQueue> makeQueue(OutputQueue::Announcing announcing)
     {
-        OutputQueue::Delivered delivered;
-        do {
-            delivered = queue.deliverNext();
-        } while (delivered.more);
-        return delivered;
+        const OutputQueue::Listener listener{
+            .onReady = [this](const std::shared_ptr<OutputQueue> &notifier) { ready.push_back(notifier.get()); },
+            .onRoom = [this] { ++roomNotices; }};
+        return std::make_shared<OutputQueue>(nullptr, hear, hearTheEnd, listener, announcing);
+    }
+
+    static void deliverAll(OutputQueue &queue)
+    {
+        while (queue.deliverNext()) {
+        }
     }
 
     std::vector<Heard> heard;
     std::vector<int> ends;
+    std::vector<const OutputQueue *> ready; // one entry for each time that the listener was notified
+    int roomNotices = 0;
     const OutputHandler hear = [this](QUtf8StringView text, bool isError) {
         heard.push_back({std::string(text.data(), static_cast<std::size_t>(text.size())), isError});
     };
     const ExitHandler hearTheEnd = [this](int status, const ProcessHandlePointer &) { ends.push_back(status); };
-    OutputQueue queue{nullptr, hear, hearTheEnd};
+    const std::shared_ptr<OutputQueue> owner = makeQueue(OutputQueue::Announcing::asItComes);
+    OutputQueue &queue = *owner;
 };
 
 } // namespace
 
-TEST_F(OutputQueueTest, AsksToBeAnnouncedOnlyWhenItHadNothingToDeliver)
+TEST_F(OutputQueueTest, NotifiesOnlyWhenItHadNothingToDeliver)
 {
-    EXPECT_TRUE(queue.append("a", false));
-    EXPECT_FALSE(queue.append("b", true));
-    EXPECT_FALSE(queue.end(0));
-    deliverAll();
+    queue.append("a", false);
+    EXPECT_EQ(ready, std::vector<const OutputQueue *>{&queue});
+    queue.append("b", true);
+    queue.end(0);
+    EXPECT_EQ(ready.size(), 1U);
+    deliverAll(queue);
     EXPECT_EQ(ends, std::vector<int>{0});
 }
 
-TEST_F(OutputQueueTest, AsksToBeAnnouncedWithTheEndWhenOnlyAllOfItIsOfUse)
+TEST_F(OutputQueueTest, NotifiesAgainOnceAllHasBeenDelivered)
 {
-    OutputQueue patient(nullptr, hear, hearTheEnd, OutputQueue::Announcing::atTheEnd);
-    EXPECT_FALSE(patient.append("a", false));
-    EXPECT_FALSE(patient.append("b", true));
-    EXPECT_TRUE(patient.end(3));
-    while (patient.deliverNext().more) {
-    }
+    queue.append("a", false);
+    deliverAll(queue);
+    EXPECT_EQ(ready.size(), 1U);
+    queue.adopt("b", 1, false);
+    EXPECT_EQ(ready.size(), 2U);
+    deliverAll(queue);
+    queue.end(0);
+    EXPECT_EQ(ready.size(), 3U);
+}
+
+TEST_F(OutputQueueTest, NotifiesWithTheEndWhenItCollects)
+{
+    const auto collecting = makeQueue(OutputQueue::Announcing::atTheEnd);
+    collecting->append("a", false);
+    collecting->append("b", true);
+    EXPECT_TRUE(ready.empty());
+    collecting->end(3);
+    EXPECT_EQ(ready, std::vector<const OutputQueue *>{collecting.get()});
+    deliverAll(*collecting);
     EXPECT_EQ(heard, (std::vector<Heard>{{"a", false}, {"b", true}}));
     EXPECT_EQ(ends, std::vector<int>{3});
 }
 
-TEST_F(OutputQueueTest, AsksToBeAnnouncedBeforeTheEndWhenItIsFull)
+TEST_F(OutputQueueTest, NotifiesBeforeTheEndWhenItCollectsAndIsFull)
 {
-    OutputQueue patient(nullptr, hear, hearTheEnd, OutputQueue::Announcing::atTheEnd);
+    const auto collecting = makeQueue(OutputQueue::Announcing::atTheEnd);
     const QByteArray block(qsizetype{1024} * 1024, 'x');
-    bool mustAnnounce = false;
-    for (int times = 0; times < 2; ++times) {
-        while (patient.hasRoom()) {
-            EXPECT_FALSE(mustAnnounce);
-            mustAnnounce = patient.adopt(block, block.size(), false);
+    for (std::size_t times = 1; times <= 2; ++times) {
+        while (collecting->hasRoom()) {
+            EXPECT_EQ(ready.size(), times - 1);
+            collecting->adopt(block, block.size(), false);
         }
-        EXPECT_TRUE(mustAnnounce);
-        bool madeRoom = false;
-        for (bool more = true; more;) {
-            const OutputQueue::Delivered delivered = patient.deliverNext();
-            madeRoom = madeRoom || delivered.madeRoom;
-            more = delivered.more;
-        }
-        EXPECT_TRUE(madeRoom);
-        mustAnnounce = false;
+        EXPECT_EQ(ready.size(), times);
+        deliverAll(*collecting);
+        EXPECT_EQ(roomNotices, static_cast<int>(times));
     }
 }
 
 TEST_F(OutputQueueTest, JoinsShortNeighboursOfOneStreamAndKeepsTheOrder)
 {
-    EXPECT_TRUE(queue.append("a", false));
-    EXPECT_FALSE(queue.append("b", false));
-    EXPECT_FALSE(queue.append("c", true));
-    EXPECT_FALSE(queue.append("d", false));
-    deliverAll();
+    queue.append("a", false);
+    queue.append("b", false);
+    queue.append("c", true);
+    queue.append("d", false);
+    deliverAll(queue);
     EXPECT_EQ(heard, (std::vector<Heard>{{"ab", false}, {"c", true}, {"d", false}}));
-    EXPECT_TRUE(queue.append("e", false));
 }
 
 TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
@@ -96,8 +112,8 @@ TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
     QByteArray block("x");
     while (block.size() < 300'000)
         block += "\xE2\x82\xAC";
-    EXPECT_TRUE(queue.adopt(block, block.size(), false));
-    deliverAll();
+    queue.adopt(block, block.size(), false);
+    deliverAll(queue);
     std::string joined;
     for (const Heard &chunk : heard) {
         EXPECT_LE(chunk.text.size(), 64U * 1024U);
@@ -110,8 +126,8 @@ TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
 TEST_F(OutputQueueTest, CutsALongCopiedTextBetweenCharactersOnly)
 {
     const QByteArray text = "x" + QByteArray("\xE2\x82\xAC").repeated(80'000);
-    EXPECT_TRUE(queue.append(text, true));
-    deliverAll();
+    queue.append(text, true);
+    deliverAll(queue);
     std::string joined;
     for (const Heard &chunk : heard) {
         EXPECT_LE(chunk.text.size(), 64U * 1024U);
@@ -125,25 +141,24 @@ TEST_F(OutputQueueTest, CutsALongCopiedTextBetweenCharactersOnly)
 TEST_F(OutputQueueTest, TakesOnlyTheFilledPartOfABlock)
 {
     QByteArray block("textrest");
-    EXPECT_TRUE(queue.adopt(block, 4, true));
-    EXPECT_FALSE(queue.append("more", true)); // must not be joined to what the block holds behind its text
-    deliverAll();
+    queue.adopt(block, 4, true);
+    queue.append("more", true); // must not be joined to what the block holds behind its text
+    deliverAll(queue);
     EXPECT_EQ(heard, (std::vector<Heard>{{"text", true}, {"more", true}}));
 }
 
-TEST_F(OutputQueueTest, BoundsWhatWaitsAndSaysWhenThereIsRoomAgain)
+TEST_F(OutputQueueTest, BoundsWhatWaitsAndNotifiesWhenThereIsRoomAgain)
 {
     const QByteArray block(qsizetype{1024} * 1024, 'x');
     int blocks = 0;
     while (queue.hasRoom() && blocks < 1000) {
-        static_cast<void>(queue.adopt(block, block.size(), false));
+        queue.adopt(block, block.size(), false);
         ++blocks;
     }
     EXPECT_EQ(blocks, 4);
-    int deliveries = 0;
-    while (!queue.deliverNext().madeRoom && deliveries < 1000)
-        ++deliveries;
-    EXPECT_LT(deliveries, 1000);
+    while (roomNotices == 0)
+        ASSERT_TRUE(queue.deliverNext());
     EXPECT_TRUE(queue.hasRoom());
-    EXPECT_FALSE(deliverAll().madeRoom); // nobody has asked since
+    deliverAll(queue);
+    EXPECT_EQ(roomNotices, 1); // nobody has asked since
 }
