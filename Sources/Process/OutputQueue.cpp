@@ -29,25 +29,25 @@ bool OutputQueue::hasRoom()
     return !m_isRoomAwaited;
 }
 
-void OutputQueue::append(QByteArrayView text, bool isError)
+void OutputQueue::append(QByteArrayView text, OutputStream stream)
 {
     if (text.size() > maximumChunk)
-        return adopt(text.toByteArray(), text.size(), isError);
+        return adopt(text.toByteArray(), text.size(), stream);
     std::unique_lock guard(m_lock);
     m_size += text.size();
     Chunk *const last = m_chunks.empty() ? nullptr : &m_chunks.back();
-    const bool isJoined = last != nullptr && last->isError == isError && last->size + text.size() <= maximumChunk &&
+    const bool isJoined = last != nullptr && last->stream == stream && last->size + text.size() <= maximumChunk &&
                           last->begin == 0 && last->size == last->storage.size() && last->storage.isDetached();
     if (isJoined) {
         last->storage.append(text);
         last->size = last->storage.size();
     } else {
-        m_chunks.push_back({text.toByteArray(), 0, text.size(), isError});
+        m_chunks.push_back({text.toByteArray(), 0, text.size(), stream});
     }
     notifyIfReady(std::move(guard));
 }
 
-void OutputQueue::adopt(QByteArray block, qsizetype size, bool isError)
+void OutputQueue::adopt(QByteArray block, qsizetype size, OutputStream stream)
 {
     std::unique_lock guard(m_lock);
     m_size += size;
@@ -56,7 +56,7 @@ void OutputQueue::adopt(QByteArray block, qsizetype size, bool isError)
         // Never between the bytes of a character.
         while (end < size && (static_cast<unsigned char>(block.at(end)) & 0xC0U) == 0x80U)
             --end;
-        m_chunks.push_back({block, begin, end - begin, isError});
+        m_chunks.push_back({block, begin, end - begin, stream});
         begin = end;
     }
     notifyIfReady(std::move(guard));
@@ -87,7 +87,8 @@ bool OutputQueue::deliverNext()
         return false;
     }
     if (m_onOutput)
-        m_onOutput(QUtf8StringView(chunk->storage.constData() + chunk->begin, chunk->size), chunk->isError);
+        m_onOutput(QUtf8StringView(chunk->storage.constData() + chunk->begin, chunk->size),
+                   chunk->stream == OutputStream::error);
     std::unique_lock guard(m_lock);
     const bool isMore = !m_chunks.empty() || m_status.has_value();
     m_isAnnounced = isMore;

@@ -17,6 +17,9 @@
 #include <mutex>
 #include <optional>
 
+/// The streams that a child writes to.
+enum class OutputStream { standard, error };
+
 class OutputQueue : public std::enable_shared_from_this<OutputQueue>
 {
 public:
@@ -39,15 +42,13 @@ public:
     OutputQueue(ProcessHandlePointer handle, OutputHandler onOutput, ExitHandler onExit, Listener listener,
                 Announcing announcing = Announcing::asItComes);
 
-    Announcing announcing() const { return m_announcing; }
-
     /// Whether more may be appended. After a no, the listener is notified of room.
     bool hasRoom();
 
     /// Copies `text`, behind the last chunk when that is of the same stream and short.
-    void append(QByteArrayView text, bool isError);
+    void append(QByteArrayView text, OutputStream stream);
     /// Takes the first `size` bytes of `block` without copying them.
-    void adopt(QByteArray block, qsizetype size, bool isError);
+    void adopt(QByteArray block, qsizetype size, OutputStream stream);
     /// Nothing is appended any more.
     void end(int status);
 
@@ -60,7 +61,7 @@ private:
         QByteArray storage;
         qsizetype begin = 0;
         qsizetype size = 0;
-        bool isError = false;
+        OutputStream stream = OutputStream::standard;
     };
 
     /// Takes the lock and releases it before it calls the listener.

@@ -15,7 +15,7 @@ constexpr qsizetype largestPipeSize = qsizetype{1024} * 1024;
 
 } // namespace
 
-OutputReader::OutputReader(FileDescriptor end, bool isError) : m_end(std::move(end)), m_isError(isError)
+OutputReader::OutputReader(FileDescriptor end, OutputStream stream) : m_end(std::move(end)), m_stream(stream)
 {
     makeNonBlocking(m_end);
 }
@@ -46,12 +46,12 @@ qsizetype OutputReader::read(QByteArray &block, OutputQueue &queue)
     const QByteArrayView bytes(block.constData(), size);
     if (std::optional<QByteArray> repaired = Utf8Repair::repaired(bytes)) {
         const qsizetype repairedSize = repaired->size();
-        queue.adopt(*std::move(repaired), repairedSize, m_isError);
+        queue.adopt(*std::move(repaired), repairedSize, m_stream);
     } else if (size < block.size() / 4) {
         // A block given away for little text would keep its whole memory while it waits.
-        queue.append(bytes, m_isError);
+        queue.append(bytes, m_stream);
     } else {
-        queue.adopt(std::exchange(block, QByteArray()), size, m_isError);
+        queue.adopt(std::exchange(block, QByteArray()), size, m_stream);
     }
     return size;
 }

@@ -13,7 +13,7 @@ class OutputReader
 public:
     /// At its end from the beginning.
     OutputReader() = default;
-    OutputReader(FileDescriptor end, bool isError);
+    OutputReader(FileDescriptor end, OutputStream stream);
 
     bool isAtEnd() const { return !m_end.isOpen(); }
     int descriptor() const { return m_end.number(); }
@@ -27,5 +27,5 @@ public:
 private:
     FileDescriptor m_end;
     qsizetype m_pipeSize = qsizetype{64} * 1024;
-    bool m_isError = false;
+    OutputStream m_stream = OutputStream::standard;
 };

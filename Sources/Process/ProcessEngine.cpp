@@ -1,12 +1,9 @@
 #include "Process/ProcessEngine.h"
 
-#include "Process/ExitNotice.h"
-
 #include <QCoreApplication>
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <csignal>
 #include <iterator>
 #include <system_error>
@@ -19,15 +16,6 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-RunningChild::Moment deadlineAfter(std::optional<double> timeLimit)
-{
-    constexpr double longest = 1e8; // seconds; far beyond any wait, and within what the clock can count
-    if (!timeLimit || *timeLimit > longest)
-        return RunningChild::never;
-    const std::chrono::duration<double> wait(std::max(*timeLimit, 0.0));
-    return Clock::now() + std::chrono::ceil<Clock::duration>(wait);
-}
-
 /// Milliseconds for poll(): never early, -1 for no limit.
 int waitUntil(RunningChild::Moment moment)
 {
@@ -36,15 +24,6 @@ int waitUntil(RunningChild::Moment moment)
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(moment - Clock::now()).count();
     constexpr decltype(wait) longest = 3'600'000; // waking early is harmless: the thread looks and waits again
     return static_cast<int>(std::clamp<decltype(wait)>(wait, 0, longest));
-}
-
-std::vector<std::string> toUtf8(const QStringList &texts)
-{
-    std::vector<std::string> result;
-    result.reserve(static_cast<std::size_t>(texts.size()));
-    for (const QString &text : texts)
-        result.push_back(text.toStdString());
-    return result;
 }
 
 /// The user's signals are for the main thread; a broken pipe is an error number here.
@@ -80,66 +59,33 @@ ProcessEngine::ProcessEngine() = default;
 
 ProcessHandlePointer ProcessEngine::launch(Launch launch)
 {
-    RunningChild::Parts parts;
-    parts.process = std::make_shared<ChildProcess>();
-    parts.handle = std::make_shared<ProcessHandle>(parts.process);
+    const auto handle = std::make_shared<ProcessHandle>();
     const OutputQueue::Listener listener{
         .onReady = [this](std::shared_ptr<OutputQueue> queue) { m_delivery.announce(std::move(queue)); },
         .onRoom = [this] { wake(); }};
-    parts.queue = std::make_shared<OutputQueue>(
-        parts.handle, std::move(launch.onOutput), std::move(launch.onExit), listener,
+    const auto queue = std::make_shared<OutputQueue>(
+        handle, std::move(launch.onOutput), std::move(launch.onExit), listener,
         launch.collectsOutput ? OutputQueue::Announcing::atTheEnd : OutputQueue::Announcing::asItComes);
-    const ProcessHandlePointer handle = parts.handle;
+    auto child = std::make_unique<RunningChild>(handle, queue);
 
     int error = startThread();
     if (error == 0)
-        error = startChild(parts, launch);
+        error = child->start(launch);
     if (error != 0) {
         const QString description = QString::fromLocal8Bit(std::system_category().message(error));
         handle->setLaunchError(description);
         const QString name = launch.tool.section(u'/', -1, -1, QString::SectionSkipEmpty);
         const QString line = u"Could not start "_s + name + u": "_s + description + u'\n';
-        parts.queue->append(line.toUtf8(), true);
-        parts.queue->end(-1);
+        queue->append(line.toUtf8(), OutputStream::error);
+        queue->end(-1);
         return handle;
     }
-    parts.deadline = deadlineAfter(launch.timeLimit);
     {
         const std::lock_guard guard(m_lock);
-        m_arrivals.push_back(std::make_unique<RunningChild>(std::move(parts)));
+        m_arrivals.push_back(std::move(child));
     }
     wake();
     return handle;
-}
-
-int ProcessEngine::startChild(RunningChild::Parts &parts, const Launch &launch)
-{
-    std::optional<Pipe> output = openPipe();
-    if (!output)
-        return errno;
-    std::optional<Pipe> errorOutput = openPipe();
-    if (!errorOutput)
-        return errno;
-    ChildProcess::StandardStreams streams;
-    streams.output = output->writeEnd.number();
-    streams.errorOutput = errorOutput->writeEnd.number();
-    std::optional<Pipe> inputPipe;
-    if (launch.input) {
-        inputPipe = openPipe();
-        if (!inputPipe)
-            return errno;
-        streams.input = inputPipe->readEnd.number();
-    }
-    const int error =
-        parts.process->start(launch.tool.toStdString(), toUtf8(launch.arguments), launch.environment, streams);
-    if (error != 0)
-        return error;
-    parts.exitNotice = openExitNotice(parts.process->pid());
-    parts.output = OutputReader(std::move(output->readEnd), false);
-    parts.errorOutput = OutputReader(std::move(errorOutput->readEnd), true);
-    if (inputPipe)
-        parts.input = InputWriter(std::move(inputPipe->writeEnd), launch.input->toUtf8());
-    return 0;
 }
 
 int ProcessEngine::startThread()

@@ -31,7 +31,6 @@ private:
 
     /// 0, or the system's error number.
     int startThread();
-    int startChild(RunningChild::Parts &parts, const Launch &launch);
     static void stopInstance();
     void stop();
     void wake();

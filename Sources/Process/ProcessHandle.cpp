@@ -3,9 +3,8 @@
 #include "Process/ChildProcess.h"
 
 #include <algorithm>
-#include <utility>
 
-ProcessHandle::ProcessHandle(std::shared_ptr<ChildProcess> child) : process(std::move(child)) {}
+ProcessHandle::ProcessHandle() : process(std::make_unique<ChildProcess>()) {}
 
 ProcessHandle::~ProcessHandle() = default;
 

@@ -18,7 +18,7 @@ class ChildProcess;
 class ProcessHandle
 {
 public:
-    explicit ProcessHandle(std::shared_ptr<ChildProcess> child);
+    ProcessHandle();
     ~ProcessHandle();
 
     /// True when the time limit asked the child to terminate. Any thread.
@@ -47,7 +47,7 @@ private:
     bool isOutputPaused() const;
     bool wasAskedToTerminate() const;
 
-    const std::shared_ptr<ChildProcess> process;
+    const std::unique_ptr<ChildProcess> process;
     mutable std::mutex lock; // guards the next two
     bool _timedOut = false;
     std::optional<QString> _launchError;

@@ -1,12 +1,18 @@
 #include "Process/RunningChild.h"
 
+#include "Process/ChildProcess.h"
+#include "Process/ExitNotice.h"
+#include "Process/Pipe.h"
 #include "Process/ProcessHandle.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 namespace
 {
+
+using Clock = std::chrono::steady_clock;
 
 enum : std::size_t { outputEntry, errorEntry, inputEntry, noticeEntry };
 
@@ -17,42 +23,92 @@ constexpr auto pauseInterval = std::chrono::milliseconds(50);
 /// For so long a child that is wanted as a whole is not read: most have ended by then, and are read once.
 constexpr auto readingDelay = std::chrono::milliseconds(20);
 
+RunningChild::Moment deadlineAfter(std::optional<double> timeLimit)
+{
+    constexpr double longest = 1e8; // seconds; far beyond any wait, and within what the clock can count
+    if (!timeLimit || *timeLimit > longest)
+        return RunningChild::never;
+    const std::chrono::duration<double> wait(std::max(*timeLimit, 0.0));
+    return Clock::now() + std::chrono::ceil<Clock::duration>(wait);
+}
+
+std::vector<std::string> toUtf8(const QStringList &texts)
+{
+    std::vector<std::string> result;
+    result.reserve(static_cast<std::size_t>(texts.size()));
+    for (const QString &text : texts)
+        result.push_back(text.toStdString());
+    return result;
+}
+
 } // namespace
 
-RunningChild::RunningChild(Parts parts) : m_parts(std::move(parts))
+RunningChild::RunningChild(ProcessHandlePointer handle, std::shared_ptr<OutputQueue> queue)
+    : m_handle(std::move(handle)),
+      m_queue(std::move(queue))
 {
-    const bool isWantedAsAWhole = m_parts.queue->announcing() == OutputQueue::Announcing::atTheEnd;
-    if (isWantedAsAWhole && m_parts.exitNotice.isOpen())
-        m_firstRead = std::chrono::steady_clock::now() + readingDelay;
+}
+
+int RunningChild::start(const Launch &launch)
+{
+    std::optional<Pipe> output = openPipe();
+    if (!output)
+        return errno;
+    std::optional<Pipe> errorOutput = openPipe();
+    if (!errorOutput)
+        return errno;
+    ChildProcess::StandardStreams streams;
+    streams.output = output->writeEnd.number();
+    streams.errorOutput = errorOutput->writeEnd.number();
+    std::optional<Pipe> input;
+    if (launch.input) {
+        input = openPipe();
+        if (!input)
+            return errno;
+        streams.input = input->readEnd.number();
+    }
+    ChildProcess &process = *m_handle->process;
+    const int error = process.start(launch.tool.toStdString(), toUtf8(launch.arguments), launch.environment, streams);
+    if (error != 0)
+        return error;
+    m_deadline = deadlineAfter(launch.timeLimit);
+    m_exitNotice = openExitNotice(process.pid());
+    m_output = OutputReader(std::move(output->readEnd), OutputStream::standard);
+    m_errorOutput = OutputReader(std::move(errorOutput->readEnd), OutputStream::error);
+    if (input)
+        m_input = InputWriter(std::move(input->writeEnd), launch.input->toUtf8());
+    if (launch.collectsOutput && m_exitNotice.isOpen())
+        m_firstRead = Clock::now() + readingDelay;
+    return 0;
 }
 
 std::array<pollfd, RunningChild::entryCount> RunningChild::pollEntries()
 {
     m_awaitsPause = isPaused();
-    m_awaitsFirstRead = m_isRunning && std::chrono::steady_clock::now() < m_firstRead;
-    const bool reads = !m_awaitsPause && !m_awaitsFirstRead && m_parts.queue->hasRoom();
-    return {{{reads ? m_parts.output.descriptor() : -1, POLLIN, 0},
-             {reads ? m_parts.errorOutput.descriptor() : -1, POLLIN, 0},
-             {m_parts.input.descriptor(), POLLOUT, 0},
-             {m_parts.exitNotice.number(), POLLIN, 0}}};
+    m_awaitsFirstRead = m_isRunning && Clock::now() < m_firstRead;
+    const bool reads = !m_awaitsPause && !m_awaitsFirstRead && m_queue->hasRoom();
+    return {{{reads ? m_output.descriptor() : -1, POLLIN, 0},
+             {reads ? m_errorOutput.descriptor() : -1, POLLIN, 0},
+             {m_input.descriptor(), POLLOUT, 0},
+             {m_exitNotice.number(), POLLIN, 0}}};
 }
 
 bool RunningChild::isPaused() const
 {
-    if (!m_parts.handle->isOutputPaused())
+    if (!m_handle->isOutputPaused())
         return false;
-    const bool isEnding = !m_isRunning || m_parts.handle->wasAskedToTerminate();
+    const bool isEnding = !m_isRunning || m_handle->wasAskedToTerminate();
     if (isEnding && m_lastOutput > 0)
         return false;
     // Once nobody is left who could print, what the pipes hold is no flood, and their end is to be noticed.
-    return !(m_parts.output.isComplete() && m_parts.errorOutput.isComplete());
+    return !(m_output.isComplete() && m_errorOutput.isComplete());
 }
 
 RunningChild::Moment RunningChild::wakeTime() const
 {
-    const Moment now = std::chrono::steady_clock::now();
-    Moment wake = m_parts.deadline;
-    if (m_isRunning && !m_parts.exitNotice.isOpen())
+    const Moment now = Clock::now();
+    Moment wake = m_deadline;
+    if (m_isRunning && !m_exitNotice.isOpen())
         wake = std::min(wake, now + askingInterval);
     if (m_awaitsPause)
         wake = std::min(wake, now + pauseInterval);
@@ -67,35 +123,35 @@ qsizetype RunningChild::attend(std::span<const pollfd, entryCount> entries, QByt
     // A pause may have begun while the thread waited.
     const bool reads = !isPaused();
     if (reads && entries[outputEntry].revents != 0)
-        bytesRead += m_parts.output.read(block, *m_parts.queue);
+        bytesRead += m_output.read(block, *m_queue);
     if (reads && entries[errorEntry].revents != 0)
-        bytesRead += m_parts.errorOutput.read(block, *m_parts.queue);
-    if (!m_isRunning || m_parts.handle->wasAskedToTerminate())
+        bytesRead += m_errorOutput.read(block, *m_queue);
+    if (!m_isRunning || m_handle->wasAskedToTerminate())
         m_lastOutput -= bytesRead;
     if (entries[inputEntry].revents != 0)
-        m_parts.input.write();
+        m_input.write();
 
-    if (m_isRunning && (entries[noticeEntry].revents != 0 || !m_parts.exitNotice.isOpen())) {
-        m_isRunning = m_parts.process->isRunning();
+    if (m_isRunning && (entries[noticeEntry].revents != 0 || !m_exitNotice.isOpen())) {
+        m_isRunning = m_handle->process->isRunning();
         if (!m_isRunning)
-            m_parts.exitNotice.close();
+            m_exitNotice.close();
     }
-    if (m_parts.deadline <= std::chrono::steady_clock::now())
+    if (m_deadline <= Clock::now())
         enforceTimeLimit();
 
     // A grandchild may hold the pipes long after the child has ended, and a child may close them and run on.
-    if (!m_isEnded && !m_isRunning && m_parts.output.isAtEnd() && m_parts.errorOutput.isAtEnd()) {
+    if (!m_isEnded && !m_isRunning && m_output.isAtEnd() && m_errorOutput.isAtEnd()) {
         m_isEnded = true;
-        m_parts.queue->end(m_parts.process->status());
+        m_queue->end(m_handle->process->status());
     }
     return bytesRead;
 }
 
 void RunningChild::enforceTimeLimit()
 {
-    m_parts.deadline = never;
-    if (!m_parts.process->isRunning())
+    m_deadline = never;
+    if (!m_handle->process->isRunning())
         return;
-    m_parts.handle->setTimedOut();
-    m_parts.process->terminate();
+    m_handle->setTimedOut();
+    m_handle->process->terminate();
 }

@@ -1,9 +1,12 @@
 #pragma once
 
-// The background thread's side of one started child: its pipes, its end and its time limit.
+// The background thread's side of one child: its pipes, its end and its time limit.
+//
+//   created ──start fails──▶ (of no further use)
+//      └──start──▶ running ──exited, both pipes closed, end in the queue, input written or refused──▶ finished
 
-#include "Process/ChildProcess.h"
 #include "Process/InputWriter.h"
+#include "Process/Launch.h"
 #include "Process/OutputQueue.h"
 #include "Process/OutputReader.h"
 
@@ -20,17 +23,12 @@ public:
     using Moment = std::chrono::steady_clock::time_point;
     static constexpr Moment never = Moment::max();
 
-    struct Parts {
-        std::shared_ptr<ChildProcess> process;
-        ProcessHandlePointer handle;
-        std::shared_ptr<OutputQueue> queue;
-        OutputReader output;
-        OutputReader errorOutput;
-        InputWriter input;
-        FileDescriptor exitNotice;
-        Moment deadline = never;
-    };
-    explicit RunningChild(Parts parts);
+    /// The child's process is the handle's; its output and its end go into the queue.
+    RunningChild(ProcessHandlePointer handle, std::shared_ptr<OutputQueue> queue);
+
+    /// Starts the child and returns 0, or the system's error number: then nothing has come into the queue. Any thread,
+    /// before all that follows, which is for the background thread only.
+    int start(const Launch &launch);
 
     /// One place each for standard output, standard error, standard input and the exit notice.
     static constexpr std::size_t entryCount = 4;
@@ -44,14 +42,19 @@ public:
     /// Reads, writes, and looks for the end and the deadline. Returns the number of bytes read.
     qsizetype attend(std::span<const pollfd, entryCount> entries, QByteArray &block);
 
-    /// The end is in the queue and the input is written or refused.
-    bool isFinished() const { return m_isEnded && m_parts.input.isDone(); }
+    bool isFinished() const { return m_isEnded && m_input.isDone(); }
 
 private:
     bool isPaused() const;
     void enforceTimeLimit();
 
-    Parts m_parts;
+    const ProcessHandlePointer m_handle;
+    const std::shared_ptr<OutputQueue> m_queue;
+    OutputReader m_output;
+    OutputReader m_errorOutput;
+    InputWriter m_input;
+    FileDescriptor m_exitNotice;
+    Moment m_deadline = never;
     /// Bytes still read during a pause once the child has ended or was asked to: all that its pipes can hold, and what
     /// a grandchild may hurry to print. Not without end, for it may print on and on.
     qsizetype m_lastOutput = qsizetype{64} * 1024 * 1024;

@@ -48,9 +48,9 @@ protected:
 
 TEST_F(OutputQueueTest, NotifiesOnlyWhenItHadNothingToDeliver)
 {
-    queue.append("a", false);
+    queue.append("a", OutputStream::standard);
     EXPECT_EQ(ready, std::vector<const OutputQueue *>{&queue});
-    queue.append("b", true);
+    queue.append("b", OutputStream::error);
     queue.end(0);
     EXPECT_EQ(ready.size(), 1U);
     deliverAll(queue);
@@ -59,10 +59,10 @@ TEST_F(OutputQueueTest, NotifiesOnlyWhenItHadNothingToDeliver)
 
 TEST_F(OutputQueueTest, NotifiesAgainOnceAllHasBeenDelivered)
 {
-    queue.append("a", false);
+    queue.append("a", OutputStream::standard);
     deliverAll(queue);
     EXPECT_EQ(ready.size(), 1U);
-    queue.adopt("b", 1, false);
+    queue.adopt("b", 1, OutputStream::standard);
     EXPECT_EQ(ready.size(), 2U);
     deliverAll(queue);
     queue.end(0);
@@ -72,8 +72,8 @@ TEST_F(OutputQueueTest, NotifiesAgainOnceAllHasBeenDelivered)
 TEST_F(OutputQueueTest, NotifiesWithTheEndWhenItCollects)
 {
     const auto collecting = makeQueue(OutputQueue::Announcing::atTheEnd);
-    collecting->append("a", false);
-    collecting->append("b", true);
+    collecting->append("a", OutputStream::standard);
+    collecting->append("b", OutputStream::error);
     EXPECT_TRUE(ready.empty());
     collecting->end(3);
     EXPECT_EQ(ready, std::vector<const OutputQueue *>{collecting.get()});
@@ -89,7 +89,7 @@ TEST_F(OutputQueueTest, NotifiesBeforeTheEndWhenItCollectsAndIsFull)
     for (std::size_t times = 1; times <= 2; ++times) {
         while (collecting->hasRoom()) {
             EXPECT_EQ(ready.size(), times - 1);
-            collecting->adopt(block, block.size(), false);
+            collecting->adopt(block, block.size(), OutputStream::standard);
         }
         EXPECT_EQ(ready.size(), times);
         deliverAll(*collecting);
@@ -99,10 +99,10 @@ TEST_F(OutputQueueTest, NotifiesBeforeTheEndWhenItCollectsAndIsFull)
 
 TEST_F(OutputQueueTest, JoinsShortNeighboursOfOneStreamAndKeepsTheOrder)
 {
-    queue.append("a", false);
-    queue.append("b", false);
-    queue.append("c", true);
-    queue.append("d", false);
+    queue.append("a", OutputStream::standard);
+    queue.append("b", OutputStream::standard);
+    queue.append("c", OutputStream::error);
+    queue.append("d", OutputStream::standard);
     deliverAll(queue);
     EXPECT_EQ(heard, (std::vector<Heard>{{"ab", false}, {"c", true}, {"d", false}}));
 }
@@ -112,7 +112,7 @@ TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
     QByteArray block("x");
     while (block.size() < 300'000)
         block += "\xE2\x82\xAC";
-    queue.adopt(block, block.size(), false);
+    queue.adopt(block, block.size(), OutputStream::standard);
     deliverAll(queue);
     std::string joined;
     for (const Heard &chunk : heard) {
@@ -126,7 +126,7 @@ TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
 TEST_F(OutputQueueTest, CutsALongCopiedTextBetweenCharactersOnly)
 {
     const QByteArray text = "x" + QByteArray("\xE2\x82\xAC").repeated(80'000);
-    queue.append(text, true);
+    queue.append(text, OutputStream::error);
     deliverAll(queue);
     std::string joined;
     for (const Heard &chunk : heard) {
@@ -141,8 +141,8 @@ TEST_F(OutputQueueTest, CutsALongCopiedTextBetweenCharactersOnly)
 TEST_F(OutputQueueTest, TakesOnlyTheFilledPartOfABlock)
 {
     QByteArray block("textrest");
-    queue.adopt(block, 4, true);
-    queue.append("more", true); // must not be joined to what the block holds behind its text
+    queue.adopt(block, 4, OutputStream::error);
+    queue.append("more", OutputStream::error); // must not be joined to what the block holds behind its text
     deliverAll(queue);
     EXPECT_EQ(heard, (std::vector<Heard>{{"text", true}, {"more", true}}));
 }
@@ -152,7 +152,7 @@ TEST_F(OutputQueueTest, BoundsWhatWaitsAndNotifiesWhenThereIsRoomAgain)
     const QByteArray block(qsizetype{1024} * 1024, 'x');
     int blocks = 0;
     while (queue.hasRoom() && blocks < 1000) {
-        queue.adopt(block, block.size(), false);
+        queue.adopt(block, block.size(), OutputStream::standard);
         ++blocks;
     }
     EXPECT_EQ(blocks, 4);
