@@ -154,25 +154,16 @@ bool ProcessEngine::takeArrivals()
 
 void ProcessEngine::waitForEvents()
 {
-    m_entries.clear();
+    m_pollEntries.assign(1, {m_wakePipe->readEnd.number(), POLLIN, 0});
     RunningChild::Moment wakeTime = RunningChild::never;
     for (const auto &child : m_children) {
-        const auto entries = child->pollEntries();
-        m_entries.insert(m_entries.end(), entries.begin(), entries.end());
+        child->appendPollEntries(m_pollEntries);
         wakeTime = std::min(wakeTime, child->wakeTime());
     }
-    // The system takes no more entries than there may be descriptors, whether or not it is to skip them.
-    m_polled.assign(1, {m_wakePipe->readEnd.number(), POLLIN, 0});
-    std::copy_if(m_entries.begin(), m_entries.end(), std::back_inserter(m_polled),
-                 [](const pollfd &entry) { return entry.fd >= 0; });
-    if (::poll(m_polled.data(), static_cast<nfds_t>(m_polled.size()), waitUntil(wakeTime)) < 0)
-        for (pollfd &entry : m_polled)
+    if (::poll(m_pollEntries.data(), static_cast<nfds_t>(m_pollEntries.size()), waitUntil(wakeTime)) < 0)
+        for (pollfd &entry : m_pollEntries)
             entry.revents = 0;
-    auto polled = m_polled.cbegin();
-    const bool isWoken = (polled++)->revents != 0;
-    for (pollfd &entry : m_entries)
-        entry.revents = entry.fd >= 0 ? (polled++)->revents : short{0};
-    if (isWoken) {
+    if (m_pollEntries.front().revents != 0) {
         char bytes[64];
         while (::read(m_wakePipe->readEnd.number(), bytes, sizeof bytes) == sizeof bytes) {
         }
@@ -182,11 +173,8 @@ void ProcessEngine::waitForEvents()
 void ProcessEngine::attendToEvents()
 {
     qsizetype bytesRead = 0;
-    std::span<const pollfd> entries(m_entries);
-    for (const auto &child : m_children) {
-        bytesRead += child->attend(entries.first<RunningChild::entryCount>(), m_block);
-        entries = entries.subspan(RunningChild::entryCount);
-    }
+    for (const auto &child : m_children)
+        bytesRead += child->attend(m_pollEntries, m_block);
     std::erase_if(m_children, [](const auto &child) { return child->isFinished(); });
     gatherSmallWrites(bytesRead);
 }

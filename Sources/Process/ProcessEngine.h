@@ -51,8 +51,7 @@ private:
 
     // The background thread's own.
     std::vector<std::unique_ptr<RunningChild>> m_children;
-    std::vector<pollfd> m_entries; // those of each child in order
-    std::vector<pollfd> m_polled;  // the wake pipe, then those of the entries that have a descriptor
+    std::vector<pollfd> m_pollEntries; // the wake pipe's, then the children's
     QByteArray m_block;
     RunningChild::Moment m_lastRead;
     int m_smallReads = 0;

@@ -14,7 +14,7 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-enum : std::size_t { outputEntry, errorEntry, inputEntry, noticeEntry };
+enum Place : std::size_t { outputPlace, errorPlace, inputPlace, noticePlace };
 
 /// How often a child is asked whether it still runs when the system gave no notice of its end.
 constexpr auto askingInterval = std::chrono::milliseconds(10);
@@ -82,15 +82,25 @@ int RunningChild::start(const Launch &launch)
     return 0;
 }
 
-std::array<pollfd, RunningChild::entryCount> RunningChild::pollEntries()
+void RunningChild::appendPollEntries(std::vector<pollfd> &entries)
 {
     m_awaitsPause = isPaused();
     m_awaitsFirstRead = m_isRunning && Clock::now() < m_firstRead;
     const bool reads = !m_awaitsPause && !m_awaitsFirstRead && m_queue->hasRoom();
-    return {{{reads ? m_output.descriptor() : -1, POLLIN, 0},
-             {reads ? m_errorOutput.descriptor() : -1, POLLIN, 0},
-             {m_input.descriptor(), POLLOUT, 0},
-             {m_exitNotice.number(), POLLIN, 0}}};
+    m_places = {};
+    const auto append = [&](Place which, int descriptor, short events) {
+        // poll() would skip what is closed, but the system takes no more entries than there may be descriptors.
+        if (descriptor < 0)
+            return;
+        m_places[which] = entries.size();
+        entries.push_back({descriptor, events, 0});
+    };
+    if (reads) {
+        append(outputPlace, m_output.descriptor(), POLLIN);
+        append(errorPlace, m_errorOutput.descriptor(), POLLIN);
+    }
+    append(inputPlace, m_input.descriptor(), POLLOUT);
+    append(noticePlace, m_exitNotice.number(), POLLIN);
 }
 
 bool RunningChild::isPaused() const
@@ -117,21 +127,25 @@ RunningChild::Moment RunningChild::wakeTime() const
     return wake;
 }
 
-qsizetype RunningChild::attend(std::span<const pollfd, entryCount> entries, QByteArray &block)
+qsizetype RunningChild::attend(std::span<const pollfd> entries, QByteArray &block)
 {
+    const auto isReported = [&](Place which) {
+        const std::optional<std::size_t> place = m_places[which];
+        return place && entries[*place].revents != 0;
+    };
     qsizetype bytesRead = 0;
     // A pause may have begun while the thread waited.
     const bool reads = !isPaused();
-    if (reads && entries[outputEntry].revents != 0)
+    if (reads && isReported(outputPlace))
         bytesRead += m_output.read(block, *m_queue);
-    if (reads && entries[errorEntry].revents != 0)
+    if (reads && isReported(errorPlace))
         bytesRead += m_errorOutput.read(block, *m_queue);
     if (!m_isRunning || m_handle->wasAskedToTerminate())
         m_lastOutput -= bytesRead;
-    if (entries[inputEntry].revents != 0)
+    if (isReported(inputPlace))
         m_input.write();
 
-    if (m_isRunning && (entries[noticeEntry].revents != 0 || !m_exitNotice.isOpen())) {
+    if (m_isRunning && (isReported(noticePlace) || !m_exitNotice.isOpen())) {
         m_isRunning = m_handle->process->isRunning();
         if (!m_isRunning)
             m_exitNotice.close();

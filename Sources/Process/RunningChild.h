@@ -15,7 +15,9 @@
 #include <array>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <span>
+#include <vector>
 
 class RunningChild
 {
@@ -30,17 +32,15 @@ public:
     /// before all that follows, which is for the background thread only.
     int start(const Launch &launch);
 
-    /// One place each for standard output, standard error, standard input and the exit notice.
-    static constexpr std::size_t entryCount = 4;
+    /// Appends what to wait for now; the output is left out while the queue is full, it is paused, or it is too early.
+    void appendPollEntries(std::vector<pollfd> &entries);
 
-    /// What to wait for now; the pipes are left out while the queue is full, the output is paused, or it is too early.
-    std::array<pollfd, entryCount> pollEntries();
-
-    /// When to look again even if nothing is reported, after pollEntries.
+    /// When to look again even if nothing is reported, after appendPollEntries.
     Moment wakeTime() const;
 
-    /// Reads, writes, and looks for the end and the deadline. Returns the number of bytes read.
-    qsizetype attend(std::span<const pollfd, entryCount> entries, QByteArray &block);
+    /// Reads, writes, and looks for the end and the deadline. `entries` are those to which appendPollEntries appended,
+    /// after the poll. Returns the number of bytes read.
+    qsizetype attend(std::span<const pollfd> entries, QByteArray &block);
 
     bool isFinished() const { return m_isEnded && m_input.isDone(); }
 
@@ -63,6 +63,8 @@ private:
     bool m_awaitsFirstRead = false;
     /// The pipes were left out because of a pause, whose end nothing reports.
     bool m_awaitsPause = false;
+    /// Where in the poll entries are standard output, standard error, standard input and the exit notice, if they are.
+    std::array<std::optional<std::size_t>, 4> m_places;
     bool m_isRunning = true;
     bool m_isEnded = false;
 };
