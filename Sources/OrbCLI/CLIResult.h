@@ -5,9 +5,18 @@
 #include <cstdio> // stdout and stderr are macros of this header: with it, the two fields have one name everywhere
 #include <optional>
 
-/// What one finished tool run left behind. Judge it in this order: launchError, then timedOut, then status.
+/// The result of one finished tool run. Judge it in this order: launchError, then timedOut, then status.
+///
+///   end of the tool               status                       timedOut   launchError
+///   exited                        its exit status              false      none
+///   ended by a signal             the signal's number          false      none
+///   asked by the time limit       as exited or by a signal     true       none
+///   cancelled                     as exited or by a signal     false      none
+///   not started                   -1                           false      the system's description
+///
+/// Only the caller that cancelled knows that it did. A tool that the time limit or a cancellation asks to terminate may
+/// go on: its result comes when it ends.
 struct CLIResult {
-    /// The exit status, the signal's number for a child ended by a signal, or -1 when it could not be started.
     int status = -1;
     QString stdout;
     /// Also holds the line "Could not start …" when the tool could not be started.

@@ -1,12 +1,12 @@
 #pragma once
 
 // Runs an outside tool as a child process: an argument list, never a shell; the environment of ToolLocation.h; optional
-// standard input; an optional time limit that asks the child once, politely, to terminate and never kills it.
+// standard input; an optional time limit after which the child gets the termination signal, once; it is never killed.
 //
 // Three entrances to one engine: stream (callbacks), streamAsync (awaitable, output streamed) and run (awaitable,
 // output collected). Output arrives on the main thread as chunks of UTF-8 text, decoded chunk by chunk: whatever is
-// malformed in a chunk, also a character cut by its edge, becomes U+FFFD. The end is told once, after the last chunk,
-// when the child has exited and both its pipes are closed, so a grandchild that holds a pipe delays it.
+// malformed in a chunk, also a character cut by its edge, becomes U+FFFD. The end is reported once, after the last
+// chunk, when the child has exited and both its pipes are closed, so a grandchild that holds a pipe delays it.
 //
 // Nothing is thrown and nothing fails silently: a tool that cannot be started is one line of error output
 // ("Could not start orb: …") and status -1.

@@ -32,6 +32,6 @@ struct Launch {
     std::optional<double> timeLimit;
     OutputHandler onOutput;
     ExitHandler onExit;
-    /// The output is of use only as a whole: it may be handed on all at once, with the end.
+    /// The caller collects the output: it may be delivered all at once, with the end.
     bool collectsOutput = false;
 };

@@ -20,10 +20,10 @@ MainThreadDelivery::MainThreadDelivery()
         moveToThread(QCoreApplication::instance()->thread());
 }
 
-void MainThreadDelivery::announce(std::shared_ptr<OutputQueue> queue)
+void MainThreadDelivery::schedule(std::shared_ptr<OutputQueue> queue)
 {
     const std::lock_guard guard(m_lock);
-    m_announced.push_back(std::move(queue));
+    m_scheduled.push_back(std::move(queue));
     postLocked();
 }
 
@@ -54,16 +54,16 @@ void MainThreadDelivery::deliverSlice()
         m_isPosted = false;
     }
     const auto end = std::chrono::steady_clock::now() + sliceLength;
-    // A queue is out of the list while its handler runs: a handler that turns the event loop hears the other children,
-    // and its own child goes on, in order, after it has returned.
+    // A queue is out of the list while its handler runs: a handler that runs the event loop lets the other children
+    // deliver, and its own child goes on, in order, after it has returned.
     while (const std::shared_ptr<OutputQueue> queue = takeNext()) {
         const bool isMore = queue->deliverNext();
         const bool isOver = std::chrono::steady_clock::now() >= end;
         const std::lock_guard guard(m_lock);
         if (isMore)
-            m_announced.push_back(queue);
+            m_scheduled.push_back(queue);
         if (isOver) {
-            if (!m_announced.empty())
+            if (!m_scheduled.empty())
                 postLocked();
             return;
         }
@@ -73,11 +73,11 @@ void MainThreadDelivery::deliverSlice()
 std::shared_ptr<OutputQueue> MainThreadDelivery::takeNext()
 {
     const std::lock_guard guard(m_lock);
-    if (m_announced.empty() || m_isStopped)
+    if (m_scheduled.empty() || m_isStopped)
         return nullptr;
-    std::shared_ptr<OutputQueue> next = std::move(m_announced.front());
-    m_announced.pop_front();
-    if (!m_announced.empty())
+    std::shared_ptr<OutputQueue> next = std::move(m_scheduled.front());
+    m_scheduled.pop_front();
+    if (!m_scheduled.empty())
         postLocked(); // for an event loop inside the handler
     return next;
 }

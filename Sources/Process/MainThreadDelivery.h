@@ -1,7 +1,8 @@
 #pragma once
 
-// Carries output and ends to the main thread: it calls the handlers of all children there, in slices, so that the event
-// loop paints and reads keys in between however much a child prints. However many chunks wait, one event is pending.
+// Delivers output and ends on the main thread: it calls the handlers of all children there, in slices, so that the
+// event loop paints and reads keys in between however much a child prints. However many chunks wait, one event is
+// pending. Must outlive the thread that schedules.
 
 #include "Process/OutputQueue.h"
 
@@ -16,8 +17,9 @@ class MainThreadDelivery : public QObject
 public:
     MainThreadDelivery();
 
-    /// The queue has something to deliver. Any thread.
-    void announce(std::shared_ptr<OutputQueue> queue);
+    /// Delivers what the queue holds as soon as the event loop gets to it. Once until the queue says that there is no
+    /// more. Any thread.
+    void schedule(std::shared_ptr<OutputQueue> queue);
 
     /// No handler is called any more. Main thread.
     void stop();
@@ -30,7 +32,7 @@ private:
     void postLocked();
 
     std::mutex m_lock; // guards all below
-    std::deque<std::shared_ptr<OutputQueue>> m_announced;
+    std::deque<std::shared_ptr<OutputQueue>> m_scheduled;
     bool m_isPosted = false;
     bool m_isStopped = false;
 };

@@ -7,18 +7,18 @@ namespace
 {
 
 constexpr qsizetype maximumSize = qsizetype{4} * 1024 * 1024;
-/// One call of a handler gets no more than this, so that the main thread can look up often enough.
+/// One call of a handler gets no more than this, so that the event loop gets its turn often enough.
 constexpr qsizetype maximumChunk = qsizetype{64} * 1024;
 
 } // namespace
 
 OutputQueue::OutputQueue(ProcessHandlePointer handle, OutputHandler onOutput, ExitHandler onExit, Listener listener,
-                         Announcing announcing)
+                         Delivery delivery)
     : m_handle(std::move(handle)),
       m_onOutput(std::move(onOutput)),
       m_onExit(std::move(onExit)),
       m_listener(std::move(listener)),
-      m_announcing(announcing)
+      m_delivery(delivery)
 {
 }
 
@@ -71,9 +71,9 @@ void OutputQueue::end(int status)
 
 void OutputQueue::notifyIfReady(std::unique_lock<std::mutex> guard)
 {
-    if (m_announcing == Announcing::atTheEnd && !m_status && m_size < maximumSize)
+    if (m_delivery == Delivery::atTheEnd && !m_status && m_size < maximumSize)
         return;
-    if (std::exchange(m_isAnnounced, true))
+    if (std::exchange(m_isReady, true))
         return;
     guard.unlock();
     m_listener.onReady(shared_from_this());
@@ -91,7 +91,7 @@ bool OutputQueue::deliverNext()
                    chunk->stream == OutputStream::error);
     std::unique_lock guard(m_lock);
     const bool isMore = !m_chunks.empty() || m_status.has_value();
-    m_isAnnounced = isMore;
+    m_isReady = isMore;
     // Not at once: a child that is held up is worth waking only for a good stretch.
     const bool madeRoom = m_isRoomAwaited && m_size <= maximumSize / 2;
     m_isRoomAwaited = m_isRoomAwaited && !madeRoom;

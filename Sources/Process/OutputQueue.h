@@ -1,7 +1,7 @@
 #pragma once
 
-// What one child has said and the main thread has not yet heard: chunks of valid UTF-8 in order, then the end. The
-// background thread appends, the main thread delivers.
+// The output of one child that the main thread has not yet processed: chunks of valid UTF-8 in order, then the end.
+// The background thread appends, the main thread delivers.
 //
 // The amount that waits is bounded. A full queue is not appended to: the rest stays in the child's pipe and holds the
 // child up. One append may go past the bound, so that a read need not be cut.
@@ -31,16 +31,16 @@ public:
         std::function<void()> onRoom;
     };
 
-    /// When the main thread is told that something waits.
-    enum class Announcing {
+    /// When the queue is ready for delivery.
+    enum class Delivery {
         asItComes,
-        /// For who has a use only for all of it: with the end, or earlier when the queue is full.
+        /// For a caller that collects the output: with the end, or earlier when the queue is full.
         atTheEnd
     };
 
     /// To be owned by a shared pointer, which the listener gets.
     OutputQueue(ProcessHandlePointer handle, OutputHandler onOutput, ExitHandler onExit, Listener listener,
-                Announcing announcing = Announcing::asItComes);
+                Delivery delivery = Delivery::asItComes);
 
     /// Whether more may be appended. After a no, the listener is notified of room.
     bool hasRoom();
@@ -73,12 +73,12 @@ private:
     OutputHandler m_onOutput; // these two on the main thread only
     ExitHandler m_onExit;
     const Listener m_listener;
-    const Announcing m_announcing;
+    const Delivery m_delivery;
 
-    std::mutex m_lock; // guards all below; the status is fixed once the end is announced
+    std::mutex m_lock; // guards all below; the status is fixed once the listener was notified of the end
     std::deque<Chunk> m_chunks;
     qsizetype m_size = 0;
     std::optional<int> m_status;
-    bool m_isAnnounced = false;
+    bool m_isReady = false;
     bool m_isRoomAwaited = false;
 };

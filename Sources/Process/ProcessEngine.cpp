@@ -22,7 +22,7 @@ int waitUntil(RunningChild::Moment moment)
     if (moment == RunningChild::never)
         return -1;
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(moment - Clock::now()).count();
-    constexpr decltype(wait) longest = 3'600'000; // waking early is harmless: the thread looks and waits again
+    constexpr decltype(wait) longest = 3'600'000; // waking early is harmless: the thread checks and waits again
     return static_cast<int>(std::clamp<decltype(wait)>(wait, 0, longest));
 }
 
@@ -61,11 +61,11 @@ ProcessHandlePointer ProcessEngine::launch(Launch launch)
 {
     const auto handle = std::make_shared<ProcessHandle>();
     const OutputQueue::Listener listener{
-        .onReady = [this](std::shared_ptr<OutputQueue> queue) { m_delivery.announce(std::move(queue)); },
+        .onReady = [this](std::shared_ptr<OutputQueue> queue) { m_delivery.schedule(std::move(queue)); },
         .onRoom = [this] { wake(); }};
     const auto queue = std::make_shared<OutputQueue>(
         handle, std::move(launch.onOutput), std::move(launch.onExit), listener,
-        launch.collectsOutput ? OutputQueue::Announcing::atTheEnd : OutputQueue::Announcing::asItComes);
+        launch.collectsOutput ? OutputQueue::Delivery::atTheEnd : OutputQueue::Delivery::asItComes);
     auto child = std::make_unique<RunningChild>(handle, queue);
 
     int error = startThread();
@@ -104,7 +104,7 @@ int ProcessEngine::startThread()
     blockSignals(&before); // the new thread inherits the mask
     int error = 0;
     try {
-        m_thread = std::thread(&ProcessEngine::attendToChildren, this);
+        m_thread = std::thread(&ProcessEngine::serveChildren, this);
         qAddPostRoutine(&ProcessEngine::stopInstance);
     } catch (const std::system_error &failure) {
         error = failure.code().value();
@@ -136,11 +136,11 @@ void ProcessEngine::wake()
     static_cast<void>(::write(m_wakePipe->writeEnd.number(), &byte, 1) < 0);
 }
 
-void ProcessEngine::attendToChildren()
+void ProcessEngine::serveChildren()
 {
     while (takeArrivals()) {
         waitForEvents();
-        attendToEvents();
+        handleEvents();
     }
 }
 
@@ -170,11 +170,11 @@ void ProcessEngine::waitForEvents()
     }
 }
 
-void ProcessEngine::attendToEvents()
+void ProcessEngine::handleEvents()
 {
     qsizetype bytesRead = 0;
     for (const auto &child : m_children)
-        bytesRead += child->attend(m_pollEntries, m_block);
+        bytesRead += child->serve(m_pollEntries, m_block);
     std::erase_if(m_children, [](const auto &child) { return child->isFinished(); });
     gatherSmallWrites(bytesRead);
 }

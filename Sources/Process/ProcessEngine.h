@@ -1,6 +1,6 @@
 #pragma once
 
-// Starts children and attends to all of them on one background thread, which waits in poll() for their output, their
+// Starts children and serves all of them on one background thread, which waits in poll() for their output, their
 // input, their ends and their time limits, whichever comes first. Nothing that a child does or leaves undone blocks it.
 //
 // It starts with the first child and ends with the application object; children that still run are left alone, and
@@ -35,10 +35,10 @@ private:
     void stop();
     void wake();
 
-    void attendToChildren();
+    void serveChildren();
     bool takeArrivals();
     void waitForEvents();
-    void attendToEvents();
+    void handleEvents();
     void gatherSmallWrites(qsizetype bytesRead);
 
     MainThreadDelivery m_delivery;

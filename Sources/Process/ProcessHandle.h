@@ -1,6 +1,7 @@
 #pragma once
 
-// The handle on one child process that its starter keeps, to stop it and to learn afterwards how it ended.
+// The handle on one child process that its starter keeps, to stop it and to learn afterwards how it ended. Shared with
+// the engine: dropping it stops nothing, and keeping it beyond the end is harmless.
 //
 //   created ──launch failed──▶ ended (status -1, launchError)
 //      └──launched──▶ running ──exit, cancel or time limit, and both pipes closed──▶ ended
@@ -27,7 +28,7 @@ public:
     /// The system's description of why the child could not be started. Any thread.
     std::optional<QString> launchError() const;
 
-    /// Asks a running child to terminate, once per call and politely; nothing happens after its end. Any thread.
+    /// Sends a running child the termination signal, once for each call; does nothing after its end. Any thread.
     void cancel();
 
     /// Leaves what the child prints in its pipes for that much longer, also beyond a pause that is going on; the child

@@ -16,11 +16,11 @@ using Clock = std::chrono::steady_clock;
 
 enum Place : std::size_t { outputPlace, errorPlace, inputPlace, noticePlace };
 
-/// How often a child is asked whether it still runs when the system gave no notice of its end.
-constexpr auto askingInterval = std::chrono::milliseconds(10);
-/// How often it is looked whether a pause of the output has ended or was called off.
-constexpr auto pauseInterval = std::chrono::milliseconds(50);
-/// For so long a child that is wanted as a whole is not read: most have ended by then, and are read once.
+/// How often the system is asked whether a child still runs when it has no exit notice for it.
+constexpr auto exitCheckInterval = std::chrono::milliseconds(10);
+/// How often a pause of the output is checked for its end.
+constexpr auto pauseCheckInterval = std::chrono::milliseconds(50);
+/// For so long a child whose output is collected is not read: most have ended by then, and are read once.
 constexpr auto readingDelay = std::chrono::milliseconds(20);
 
 RunningChild::Moment deadlineAfter(std::optional<double> timeLimit)
@@ -119,15 +119,15 @@ RunningChild::Moment RunningChild::wakeTime() const
     const Moment now = Clock::now();
     Moment wake = m_deadline;
     if (m_isRunning && !m_exitNotice.isOpen())
-        wake = std::min(wake, now + askingInterval);
+        wake = std::min(wake, now + exitCheckInterval);
     if (m_awaitsPause)
-        wake = std::min(wake, now + pauseInterval);
+        wake = std::min(wake, now + pauseCheckInterval);
     if (m_awaitsFirstRead)
         wake = std::min(wake, m_firstRead);
     return wake;
 }
 
-qsizetype RunningChild::attend(std::span<const pollfd> entries, QByteArray &block)
+qsizetype RunningChild::serve(std::span<const pollfd> entries, QByteArray &block)
 {
     const auto isReported = [&](Place which) {
         const std::optional<std::size_t> place = m_places[which];

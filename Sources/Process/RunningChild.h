@@ -35,12 +35,12 @@ public:
     /// Appends what to wait for now; the output is left out while the queue is full, it is paused, or it is too early.
     void appendPollEntries(std::vector<pollfd> &entries);
 
-    /// When to look again even if nothing is reported, after appendPollEntries.
+    /// When to serve the child even if nothing is reported, after appendPollEntries.
     Moment wakeTime() const;
 
-    /// Reads, writes, and looks for the end and the deadline. `entries` are those to which appendPollEntries appended,
+    /// Reads, writes, and checks for the end and the deadline. `entries` are those to which appendPollEntries appended,
     /// after the poll. Returns the number of bytes read.
-    qsizetype attend(std::span<const pollfd> entries, QByteArray &block);
+    qsizetype serve(std::span<const pollfd> entries, QByteArray &block);
 
     bool isFinished() const { return m_isEnded && m_input.isDone(); }
 
@@ -55,8 +55,8 @@ private:
     InputWriter m_input;
     FileDescriptor m_exitNotice;
     Moment m_deadline = never;
-    /// Bytes still read during a pause once the child has ended or was asked to: all that its pipes can hold, and what
-    /// a grandchild may hurry to print. Not without end, for it may print on and on.
+    /// Bytes still read during a pause once the child has ended or was asked to terminate: all that its pipes can
+    /// hold, and what a grandchild may hurry to print. Not without end, for it may print on and on.
     qsizetype m_lastOutput = qsizetype{64} * 1024 * 1024;
     Moment m_firstRead = Moment::min();
     /// The pipes were left out because it is too early to read them.

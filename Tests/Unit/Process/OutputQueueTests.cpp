@@ -9,21 +9,21 @@
 namespace
 {
 
-struct Heard {
+struct Delivered {
     std::string text;
     bool isError;
-    bool operator==(const Heard &) const = default;
+    bool operator==(const Delivered &) const = default;
 };
 
 class OutputQueueTest : public testing::Test
 {
 protected:
-    std::shared_ptr<OutputQueue> makeQueue(OutputQueue::Announcing announcing)
+    std::shared_ptr<OutputQueue> makeQueue(OutputQueue::Delivery delivery)
     {
         const OutputQueue::Listener listener{
             .onReady = [this](const std::shared_ptr<OutputQueue> &notifier) { ready.push_back(notifier.get()); },
             .onRoom = [this] { ++roomNotices; }};
-        return std::make_shared<OutputQueue>(nullptr, hear, hearTheEnd, listener, announcing);
+        return std::make_shared<OutputQueue>(nullptr, onOutput, onExit, listener, delivery);
     }
 
     static void deliverAll(OutputQueue &queue)
@@ -32,15 +32,15 @@ protected:
         }
     }
 
-    std::vector<Heard> heard;
+    std::vector<Delivered> delivered;
     std::vector<int> ends;
     std::vector<const OutputQueue *> ready; // one entry for each time that the listener was notified
     int roomNotices = 0;
-    const OutputHandler hear = [this](QUtf8StringView text, bool isError) {
-        heard.push_back({std::string(text.data(), static_cast<std::size_t>(text.size())), isError});
+    const OutputHandler onOutput = [this](QUtf8StringView text, bool isError) {
+        delivered.push_back({std::string(text.data(), static_cast<std::size_t>(text.size())), isError});
     };
-    const ExitHandler hearTheEnd = [this](int status, const ProcessHandlePointer &) { ends.push_back(status); };
-    const std::shared_ptr<OutputQueue> owner = makeQueue(OutputQueue::Announcing::asItComes);
+    const ExitHandler onExit = [this](int status, const ProcessHandlePointer &) { ends.push_back(status); };
+    const std::shared_ptr<OutputQueue> owner = makeQueue(OutputQueue::Delivery::asItComes);
     OutputQueue &queue = *owner;
 };
 
@@ -71,20 +71,20 @@ TEST_F(OutputQueueTest, NotifiesAgainOnceAllHasBeenDelivered)
 
 TEST_F(OutputQueueTest, NotifiesWithTheEndWhenItCollects)
 {
-    const auto collecting = makeQueue(OutputQueue::Announcing::atTheEnd);
+    const auto collecting = makeQueue(OutputQueue::Delivery::atTheEnd);
     collecting->append("a", OutputStream::standard);
     collecting->append("b", OutputStream::error);
     EXPECT_TRUE(ready.empty());
     collecting->end(3);
     EXPECT_EQ(ready, std::vector<const OutputQueue *>{collecting.get()});
     deliverAll(*collecting);
-    EXPECT_EQ(heard, (std::vector<Heard>{{"a", false}, {"b", true}}));
+    EXPECT_EQ(delivered, (std::vector<Delivered>{{"a", false}, {"b", true}}));
     EXPECT_EQ(ends, std::vector<int>{3});
 }
 
 TEST_F(OutputQueueTest, NotifiesBeforeTheEndWhenItCollectsAndIsFull)
 {
-    const auto collecting = makeQueue(OutputQueue::Announcing::atTheEnd);
+    const auto collecting = makeQueue(OutputQueue::Delivery::atTheEnd);
     const QByteArray block(qsizetype{1024} * 1024, 'x');
     for (std::size_t times = 1; times <= 2; ++times) {
         while (collecting->hasRoom()) {
@@ -104,7 +104,7 @@ TEST_F(OutputQueueTest, JoinsShortNeighboursOfOneStreamAndKeepsTheOrder)
     queue.append("c", OutputStream::error);
     queue.append("d", OutputStream::standard);
     deliverAll(queue);
-    EXPECT_EQ(heard, (std::vector<Heard>{{"ab", false}, {"c", true}, {"d", false}}));
+    EXPECT_EQ(delivered, (std::vector<Delivered>{{"ab", false}, {"c", true}, {"d", false}}));
 }
 
 TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
@@ -115,7 +115,7 @@ TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
     queue.adopt(block, block.size(), OutputStream::standard);
     deliverAll(queue);
     std::string joined;
-    for (const Heard &chunk : heard) {
+    for (const Delivered &chunk : delivered) {
         EXPECT_LE(chunk.text.size(), 64U * 1024U);
         EXPECT_TRUE(QByteArrayView(chunk.text.data(), static_cast<qsizetype>(chunk.text.size())).isValidUtf8());
         joined += chunk.text;
@@ -129,7 +129,7 @@ TEST_F(OutputQueueTest, CutsALongCopiedTextBetweenCharactersOnly)
     queue.append(text, OutputStream::error);
     deliverAll(queue);
     std::string joined;
-    for (const Heard &chunk : heard) {
+    for (const Delivered &chunk : delivered) {
         EXPECT_LE(chunk.text.size(), 64U * 1024U);
         EXPECT_TRUE(QByteArrayView(chunk.text.data(), static_cast<qsizetype>(chunk.text.size())).isValidUtf8());
         EXPECT_TRUE(chunk.isError);
@@ -144,7 +144,7 @@ TEST_F(OutputQueueTest, TakesOnlyTheFilledPartOfABlock)
     queue.adopt(block, 4, OutputStream::error);
     queue.append("more", OutputStream::error); // must not be joined to what the block holds behind its text
     deliverAll(queue);
-    EXPECT_EQ(heard, (std::vector<Heard>{{"text", true}, {"more", true}}));
+    EXPECT_EQ(delivered, (std::vector<Delivered>{{"text", true}, {"more", true}}));
 }
 
 TEST_F(OutputQueueTest, BoundsWhatWaitsAndNotifiesWhenThereIsRoomAgain)
