@@ -9,6 +9,12 @@
 #include <cerrno>
 #include <csignal>
 
+#ifdef __linux__
+#include <sys/syscall.h>
+#else
+#include <sys/event.h>
+#endif
+
 namespace
 {
 
@@ -141,6 +147,20 @@ int ChildProcess::status()
 {
     const std::lock_guard guard(m_lock);
     return m_status.value_or(-1);
+}
+
+FileDescriptor ChildProcess::openExitNotice() const
+{
+#ifdef __linux__
+    return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, m_pid, 0)));
+#else
+    FileDescriptor queue(::kqueue());
+    struct kevent exit = {};
+    EV_SET(&exit, static_cast<uintptr_t>(m_pid), EVFILT_PROC, EV_ADD, NOTE_EXIT, 0, nullptr);
+    if (queue.isOpen() && ::kevent(queue.number(), &exit, 1, nullptr, 0, nullptr) != 0)
+        queue.close();
+    return queue;
+#endif
 }
 
 bool ChildProcess::isRunningLocked()

@@ -9,6 +9,8 @@
 // Asking and signalling exclude each other, so that a number that the system has given to another process is never
 // signalled. Any thread, after start has returned.
 
+#include "Process/FileDescriptor.h"
+
 #include <sys/types.h>
 
 #include <map>
@@ -40,8 +42,9 @@ public:
     /// The exit status, or the number of the signal that ended it; meaningful once isRunning has said false.
     int status();
 
-    /// Valid once started.
-    pid_t pid() const { return m_pid; }
+    /// A descriptor for poll() that becomes readable when the started child ends, and stays so. Closed when the system
+    /// has none to give (or the child is gone already): the caller then has to ask from time to time.
+    FileDescriptor openExitNotice() const;
 
 private:
     bool isRunningLocked();

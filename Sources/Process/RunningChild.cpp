@@ -1,7 +1,6 @@
 #include "Process/RunningChild.h"
 
 #include "Process/ChildProcess.h"
-#include "Process/ExitNotice.h"
 #include "Process/Pipe.h"
 #include "Process/ProcessHandle.h"
 
@@ -72,7 +71,7 @@ int RunningChild::start(const Launch &launch)
     if (error != 0)
         return error;
     m_deadline = deadlineAfter(launch.timeLimit);
-    m_exitNotice = openExitNotice(process.pid());
+    m_exitNotice = process.openExitNotice();
     m_output = OutputReader(std::move(output->readEnd), OutputStream::standard);
     m_errorOutput = OutputReader(std::move(errorOutput->readEnd), OutputStream::error);
     if (input)
