@@ -8,7 +8,8 @@
 /// A number by its name, which ends with its unit where it has one.
 struct Figure {
     template <typename Number>
-    Figure(const char *itsName, Number number) : name(itsName), value(static_cast<double>(number))
+    Figure(const char *itsName, Number number) : name(itsName),
+                                                 value(static_cast<double>(number))
     {
     }
 

@@ -14,14 +14,12 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
-
 /// Milliseconds for poll(): never early, -1 for no limit.
 int waitUntil(RunningChild::Moment moment)
 {
     if (moment == RunningChild::never)
         return -1;
-    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(moment - Clock::now()).count();
+    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(moment - AwakeClock::now()).count();
     constexpr decltype(wait) longest = 3'600'000; // waking early is harmless: the thread checks and waits again
     return static_cast<int>(std::clamp<decltype(wait)>(wait, 0, longest));
 }
@@ -188,7 +186,7 @@ void ProcessEngine::gatherSmallWrites(qsizetype bytesRead)
         return;
     // A child that prints in short pieces would pay for waking this thread with each of them. Once it has done so for a
     // while, a nap too short to notice lets the pieces gather in its pipe.
-    const RunningChild::Moment now = Clock::now();
+    const RunningChild::Moment now = AwakeClock::now();
     const bool isOneOfMany = bytesRead < small && now - m_lastRead < std::chrono::milliseconds(1);
     m_lastRead = now;
     m_smallReads = isOneOfMany ? m_smallReads + 1 : 0;

@@ -11,8 +11,6 @@
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
-
 enum Place : std::size_t { outputPlace, errorPlace, inputPlace, noticePlace };
 
 /// How often the system is asked whether a child still runs when it has no exit notice for it.
@@ -28,7 +26,7 @@ RunningChild::Moment deadlineAfter(std::optional<double> timeLimit)
     if (!timeLimit || *timeLimit > longest)
         return RunningChild::never;
     const std::chrono::duration<double> wait(std::max(*timeLimit, 0.0));
-    return Clock::now() + std::chrono::ceil<Clock::duration>(wait);
+    return AwakeClock::now() + std::chrono::ceil<AwakeClock::duration>(wait);
 }
 
 std::vector<std::string> toUtf8(const QStringList &texts)
@@ -77,14 +75,14 @@ int RunningChild::start(const Launch &launch)
     if (input)
         m_input = InputWriter(std::move(input->writeEnd), launch.input->toUtf8());
     if (launch.collectsOutput && m_exitNotice.isOpen())
-        m_firstRead = Clock::now() + readingDelay;
+        m_firstRead = AwakeClock::now() + readingDelay;
     return 0;
 }
 
 void RunningChild::appendPollEntries(std::vector<pollfd> &entries)
 {
     m_awaitsPause = isPaused();
-    m_awaitsFirstRead = m_isRunning && Clock::now() < m_firstRead;
+    m_awaitsFirstRead = m_isRunning && AwakeClock::now() < m_firstRead;
     const bool reads = !m_awaitsPause && !m_awaitsFirstRead && m_queue->hasRoom();
     m_places = {};
     const auto append = [&](Place which, int descriptor, short events) {
@@ -115,7 +113,7 @@ bool RunningChild::isPaused() const
 
 RunningChild::Moment RunningChild::wakeTime() const
 {
-    const Moment now = Clock::now();
+    const Moment now = AwakeClock::now();
     Moment wake = m_deadline;
     if (m_isRunning && !m_exitNotice.isOpen())
         wake = std::min(wake, now + exitCheckInterval);
@@ -149,7 +147,7 @@ qsizetype RunningChild::serve(std::span<const pollfd> entries, QByteArray &block
         if (!m_isRunning)
             m_exitNotice.close();
     }
-    if (m_deadline <= Clock::now())
+    if (m_deadline <= AwakeClock::now())
         enforceTimeLimit();
 
     // A grandchild may hold the pipes long after the child has ended, and a child may close them and run on.

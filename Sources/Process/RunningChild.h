@@ -5,6 +5,7 @@
 //   created ──start fails──▶ (of no further use)
 //      └──start──▶ running ──exited, both pipes closed, end in the queue, input written or refused──▶ finished
 
+#include "Process/AwakeClock.h"
 #include "Process/InputWriter.h"
 #include "Process/Launch.h"
 #include "Process/OutputQueue.h"
@@ -13,7 +14,6 @@
 #include <poll.h>
 
 #include <array>
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <span>
@@ -22,7 +22,7 @@
 class RunningChild
 {
 public:
-    using Moment = std::chrono::steady_clock::time_point;
+    using Moment = AwakeClock::time_point;
     static constexpr Moment never = Moment::max();
 
     /// The child's process is the handle's; its output and its end go into the queue.

@@ -2,9 +2,9 @@
 
 #include "OrbCLI/OrbCLI.h"
 #include "OrbCLI/ToolLocation.h"
+#include "Process/AwakeClock.h"
 
 #include <QCoroTimer>
-#include <QDeadlineTimer>
 #include <QOperatingSystemVersion>
 #include <QTimer>
 
@@ -124,14 +124,14 @@ QCoro::Task<> SetupController::bringUp()
     m_log.append("$ orb start\n");
 
     const QPointer<SetupController> self(this);
-    const QDeadlineTimer deadline(duration(m_limits.start), Qt::PreciseTimer);
+    const auto deadline = AwakeClock::now() + duration(m_limits.start);
     const QStringList arguments{u"start"_s};
     // How the command ends does not matter: only what OrbStack reports afterwards does.
     const OutputHandler toLog = m_log.outputHandler();
     co_await m_currentTool.stream(*orb, arguments, std::nullopt, m_limits.start, toLog);
     if (!self)
         co_return;
-    while (!deadline.hasExpired() && !m_currentTool.isStopRequested()) {
+    while (AwakeClock::now() < deadline && !m_currentTool.isStopRequested()) {
         const bool running = co_await reportsRunning(*orb, m_limits.status);
         if (!self)
             co_return;
