@@ -112,15 +112,14 @@ void OutputPane::updateScrollBar()
     // Always there when there is something to show, so that no line is broken anew because it comes or goes.
     setVerticalScrollBarPolicy(transcript().isEmpty() ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAlwaysOn);
     const QScopedValueRollback updating(m_updatesScrollBar, true);
-    // First, because it looks at what is in view: from then on that is counted exactly.
-    const qint64 above = m_view.isAtEnd() ? 0 : m_view.contentAbove();
-    const qint64 height = m_view.contentHeight();
-    m_pixelsPerStep = 1 + height / mostSteps;
+    const qint64 most = m_view.mostAbove();
+    m_pixelsPerStep = 1 + most / mostSteps;
     const auto steps = [this](qint64 pixels) { return static_cast<int>(pixels / m_pixelsPerStep); };
-    bar->setRange(0, steps(std::max<qint64>(0, height - viewport()->height())));
+    bar->setRange(0, steps(most));
     bar->setPageStep(std::max(1, steps(viewport()->height())));
     bar->setSingleStep(std::max(1, steps(m_font.rowHeight())));
-    bar->setValue(m_view.isAtEnd() ? bar->maximum() : steps(above));
+    // Its end stands for the end alone, so that there is always some way left to drag it.
+    bar->setValue(m_view.isAtEnd() ? bar->maximum() : std::min(steps(m_view.contentAbove()), bar->maximum() - 1));
 }
 
 /// The bar was moved by the user, or by a program that drives it.

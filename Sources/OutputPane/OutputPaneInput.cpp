@@ -278,7 +278,7 @@ void OutputPane::timerEvent(QTimerEvent *event)
 void OutputPane::wheelEvent(QWheelEvent *event)
 {
     const int turned = event->angleDelta().y();
-    if (turned == 0 || m_view.contentHeight() <= viewport()->height()) {
+    if (turned == 0 || m_view.mostAbove() == 0) {
         event->ignore();
         return;
     }

@@ -100,7 +100,7 @@ TextStore::Position OutputPaneNavigation::nextWord(Position position) const
     const TextStore &text = m_rows.text();
     const TextStore::BlockNumber number = text.blockAt(position);
     const QByteArrayView bytes = text.bytes(number);
-    const Position begin = text.block(number).begin;
+    const Position begin = text.block(number).begin();
     qsizetype at = position - begin;
     if (at >= bytes.size())
         return position;
@@ -114,7 +114,7 @@ TextStore::Position OutputPaneNavigation::previousWord(Position position) const
     const TextStore &text = m_rows.text();
     const TextStore::BlockNumber number = text.blockAt(std::max(text.begin(), position - 1));
     const QByteArrayView bytes = text.bytes(number);
-    const Position begin = text.block(number).begin;
+    const Position begin = text.block(number).begin();
     const qsizetype at = runBegin(bytes, position - begin, Class::blank);
     if (at == 0)
         return begin;
@@ -148,7 +148,7 @@ OutputRange OutputPaneNavigation::wordAt(Position position) const
     const TextStore &text = m_rows.text();
     const TextStore::BlockNumber number = text.blockAt(position);
     const QByteArrayView bytes = text.bytes(number);
-    const Position begin = text.block(number).begin;
+    const Position begin = text.block(number).begin();
     const qsizetype at = position - begin;
     if (at >= bytes.size() || classAt(bytes, at) == Class::lineEnd)
         return {position, position};

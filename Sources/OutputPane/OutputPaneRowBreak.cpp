@@ -1,12 +1,11 @@
 #include "OutputPane/OutputPaneRowBreak.h"
 
-#include "Text/Utf8.h"
-#include "Transcript/TextMeasure.h"
-
 #include <algorithm>
 
 namespace
 {
+
+constexpr int tabWidth = 8;
 
 bool isPrintableAscii(char byte)
 {
@@ -46,7 +45,7 @@ bool OutputPaneRowBreak::place(OutputCluster &cluster, int &column, int columns)
     if (cluster.look == OutputCluster::Look::tab) {
         if (column >= columns)
             return false;
-        cluster.cells = std::min(TextMeasure::tabWidth - column % TextMeasure::tabWidth, columns - column);
+        cluster.cells = std::min(tabWidth - column % tabWidth, columns - column);
     }
     if (column > 0 && column + cluster.cells > columns)
         return false;

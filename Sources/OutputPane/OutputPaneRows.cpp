@@ -3,6 +3,7 @@
 #include "OutputPane/OutputPaneRowBreak.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 namespace
@@ -10,6 +11,9 @@ namespace
 
 /// A screenful touches two or three blocks.
 constexpr std::size_t mostLayouts = 8;
+
+/// The estimate of all rows is a sum over so many stretches of blocks at most, as it is made once a frame.
+constexpr qint64 mostStretches = 1024;
 
 } // namespace
 
@@ -20,7 +24,6 @@ void OutputPaneRows::setColumns(int columns)
         return;
     m_columns = columns;
     m_layouts.clear();
-    m_count.setColumns(columns);
 }
 
 OutputPaneRows::Row OutputPaneRows::last()
@@ -76,26 +79,66 @@ OutputPaneRows::Position OutputPaneRows::end(const Row &row)
 
 QByteArrayView OutputPaneRows::bytes(const Row &row)
 {
-    const Position blockBegin = m_text.block(row.block).begin;
+    const Position blockBegin = m_text.block(row.block).begin();
     const Position rowBegin = begin(row);
     return m_text.bytes(row.block).sliced(rowBegin - blockBegin, end(row) - rowBegin);
 }
 
-qint64 OutputPaneRows::countBefore(const Row &row)
+/// The rows of a stretch of blocks, as far as can be told without looking at them.
+qint64 OutputPaneRows::estimate(TextStore::BlockNumber from, TextStore::BlockNumber to) const
 {
-    layout(row.block); // from here on its rows are known
-    return m_count.before(row.block) + row.index;
+    const TextCount size = m_text.before(to) - m_text.before(from);
+    const bool endsText = to == m_text.endBlock(); // whose last line has no line feed
+    return std::max(size.lineFeeds, (size.utf16 - size.lineFeeds) / m_columns) + (endsText ? 1 : 0);
 }
 
-OutputPaneRows::Row OutputPaneRows::atCount(qint64 rows)
+/// In blocks. A power of two, so that the stretches seldom change as the text grows.
+qint64 OutputPaneRows::stretchLength() const
 {
-    const OutputPaneRowCount::Place place = m_count.at(std::max<qint64>(0, rows));
-    if (place.block == m_text.endBlock())
-        return last();
-    // Where the estimate was wrong the place is found in proportion.
-    const qint64 estimated = m_count.rowsIn(place.block);
-    const auto found = static_cast<qint64>(layout(place.block).starts.size());
-    return {place.block, static_cast<int>(found == estimated ? place.rows : place.rows * found / estimated)};
+    const qint64 blocks = m_text.endBlock() - m_text.firstBlock();
+    qint64 length = 1;
+    while (blocks / length >= mostStretches)
+        length *= 2;
+    return length;
+}
+
+qint64 OutputPaneRows::estimateBefore(TextStore::BlockNumber number) const
+{
+    const qint64 length = stretchLength();
+    qint64 rows = 0;
+    for (TextStore::BlockNumber at = m_text.firstBlock(); at < number;) {
+        const TextStore::BlockNumber next = std::min(number, at - at % length + length);
+        rows += estimate(at, next);
+        at = next;
+    }
+    return rows;
+}
+
+double OutputPaneRows::estimateBefore(const Place &place)
+{
+    const qint64 before = estimateBefore(place.row.block);
+    const qint64 here = estimateBefore(place.row.block + 1) - before;
+    const auto found = static_cast<double>(layout(place.row.block).starts.size());
+    return static_cast<double>(before) + (place.row.index + place.part) * static_cast<double>(here) / found;
+}
+
+OutputPaneRows::Place OutputPaneRows::atEstimate(double rows)
+{
+    // The last block that has no more than so many rows before it.
+    TextStore::BlockNumber block = m_text.firstBlock();
+    TextStore::BlockNumber end = m_text.endBlock();
+    while (end - block > 1) {
+        const TextStore::BlockNumber middle = block + (end - block) / 2;
+        (static_cast<double>(estimateBefore(middle)) <= rows ? block : end) = middle;
+    }
+    const qint64 before = estimateBefore(block);
+    const auto here = static_cast<double>(estimateBefore(block + 1) - before);
+    const std::size_t found = layout(block).starts.size();
+    const double inside = (rows - static_cast<double>(before)) * static_cast<double>(found) / here;
+    if (inside >= static_cast<double>(found))
+        return {last()};
+    const double index = std::floor(std::max(0.0, inside));
+    return {{block, static_cast<int>(index)}, std::max(0.0, inside) - index};
 }
 
 const OutputPaneRows::Layout &OutputPaneRows::layout(TextStore::BlockNumber number)
@@ -110,17 +153,16 @@ const OutputPaneRows::Layout &OutputPaneRows::layout(TextStore::BlockNumber numb
     m_layouts.splice(m_layouts.begin(), m_layouts, found);
 
     Layout &layout = m_layouts.front();
-    const TextStore::Block &block = m_text.block(number);
+    const TextStore::Block block = m_text.block(number);
     const bool endsText = number + 1 == m_text.endBlock();
-    if (layout.begin == block.begin && layout.size == block.size && layout.endsText == endsText)
+    if (layout.begin == block.begin() && layout.size == block.size.bytes && layout.endsText == endsText)
         return layout;
-    if (layout.begin != block.begin || layout.size > block.size) {
+    if (layout.begin != block.begin() || layout.size > block.size.bytes) {
         layout.starts.clear();
-        layout.begin = block.begin;
+        layout.begin = block.begin();
     }
     layout.endsText = endsText;
     extend(layout, m_text.bytes(number));
-    m_count.found(number, static_cast<qint64>(layout.starts.size()));
     return layout;
 }
 

@@ -1,12 +1,11 @@
 #pragma once
 
 // Where the rows of the output pane begin when lines wrap at a number of columns. Rows are found block by block, only
-// for the blocks that are looked at; all other blocks are estimated from what the text store knows of them, exactly
-// where no line of theirs wraps. So a change of width or a hundred megabytes more costs one screenful.
+// for the blocks that are looked at; all others are estimated from their line feeds and their length, which is all that
+// a scroll bar needs. So a change of width or a hundred megabytes more costs one screenful.
 //
 // Main thread only. Everything is asked of the text as it is at that moment; nothing needs to be told of changes.
 
-#include "OutputPane/OutputPaneRowCount.h"
 #include "Transcript/TextStore.h"
 
 #include <QtGlobal>
@@ -27,14 +26,15 @@ public:
         friend bool operator==(const Row &, const Row &) = default;
     };
 
-    explicit OutputPaneRows(const TextStore &text) : m_text(text), m_count(text) {}
+    /// `text` must outlive the rows.
+    explicit OutputPaneRows(const TextStore &text) : m_text(text) {}
 
     const TextStore &text() const { return m_text; }
     int columns() const { return m_columns; }
     /// At least one.
     void setColumns(int columns);
 
-    /// With no text there are no rows, and none of the following may be called but count().
+    /// With no text there are no rows, and none of the following may be called.
     bool isEmpty() const { return m_text.isEmpty(); }
     Row first() { return {m_text.firstBlock(), 0}; }
     Row last();
@@ -50,13 +50,16 @@ public:
     /// The row's text, valid as long as what TextStore::bytes gives.
     QByteArrayView bytes(const Row &row);
 
-    /// How many rows there are: exact for blocks seen before at this width and for those whose lines do not wrap, else
-    /// estimated.
-    qint64 count() { return m_count.all(); }
-    /// How many rows, counted in the same way, stand before this one.
-    qint64 countBefore(const Row &row);
-    /// The row with that many before it, or the nearest there is.
-    Row atCount(qint64 rows);
+    /// A row, or a part of one: 0.5 is half way through it.
+    struct Place {
+        Row row;
+        double part = 0;
+    };
+    /// About how many rows stand before a place: exact as long as no line before it or in its block wraps, in
+    /// proportion elsewhere, and never fewer for a later place.
+    double estimateBefore(const Place &place);
+    /// The place before which that many rows are estimated, or the last row.
+    Place atEstimate(double rows);
 
 private:
     struct Layout {
@@ -68,11 +71,13 @@ private:
         bool endsText = false;
     };
     const Layout &layout(TextStore::BlockNumber number);
+    qint64 estimate(TextStore::BlockNumber from, TextStore::BlockNumber to) const;
+    qint64 stretchLength() const;
+    qint64 estimateBefore(TextStore::BlockNumber number) const;
     void extend(Layout &layout, QByteArrayView text) const;
 
     const TextStore &m_text;
     int m_columns = 80;
     /// The layouts used last, newest first.
     std::list<Layout> m_layouts;
-    OutputPaneRowCount m_count;
 };

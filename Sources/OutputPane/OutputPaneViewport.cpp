@@ -1,6 +1,7 @@
 #include "OutputPane/OutputPaneViewport.h"
 
 #include <algorithm>
+#include <cmath>
 #include <tuple>
 
 namespace
@@ -50,12 +51,16 @@ void OutputPaneViewport::scrollTo(qint64 pixels)
 {
     if (m_rows.isEmpty())
         return;
+    if (pixels >= mostAbove()) {
+        scrollToEnd();
+        return;
+    }
     if (pixels < padding) {
         setTop({m_rows.first(), pixels - padding});
         return;
     }
-    const qint64 rows = (pixels - padding) / m_rowHeight;
-    setTop({m_rows.atCount(rows), (pixels - padding) % m_rowHeight});
+    const auto [row, part] = m_rows.atEstimate(static_cast<double>(pixels - padding) / m_rowHeight);
+    setTop({row, std::llround(part * m_rowHeight)});
 }
 
 void OutputPaneViewport::show(const Row &row)
@@ -73,17 +78,22 @@ void OutputPaneViewport::show(const Row &row)
     setTop({row, m_rowHeight - m_viewportHeight + (row == m_rows.last() ? bottomSpace : 0)});
 }
 
-qint64 OutputPaneViewport::contentHeight()
-{
-    return m_rows.count() * m_rowHeight + padding + bottomSpace;
-}
-
 qint64 OutputPaneViewport::contentAbove()
 {
-    if (m_rows.isEmpty())
-        return 0;
-    const Top place = top();
-    return padding + m_rows.countBefore(place.row) * m_rowHeight + place.above;
+    return m_rows.isEmpty() ? 0 : pixelsAbove(top());
+}
+
+qint64 OutputPaneViewport::mostAbove()
+{
+    return m_rows.isEmpty() ? 0 : pixelsAbove(topAtEnd());
+}
+
+qint64 OutputPaneViewport::pixelsAbove(const Top &top)
+{
+    if (top.above < 0)
+        return padding + top.above;
+    const double part = static_cast<double>(top.above) / m_rowHeight;
+    return padding + std::llround(m_rows.estimateBefore({top.row, part}) * m_rowHeight);
 }
 
 bool OutputPaneViewport::isBefore(const Top &one, const Top &other)

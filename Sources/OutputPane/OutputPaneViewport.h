@@ -24,6 +24,7 @@ public:
         int y = 0;
     };
 
+    /// `rows` must outlive the viewport.
     explicit OutputPaneViewport(OutputPaneRows &rows) : m_rows(rows) {}
 
     void setHeights(int viewport, int row);
@@ -37,15 +38,17 @@ public:
     void letGo() { scrollBy(0); }
     /// Scrolls down, or up by a negative number; not past the ends.
     void scrollBy(qint64 pixels);
-    /// Scrolls to a place among the whole content, as near as the count of rows is known.
+    /// Scrolls to where about so many pixels of the content are above the viewport: to the start for 0, to the end for
+    /// mostAbove().
     void scrollTo(qint64 pixels);
     /// Scrolls as little as needed to show the row.
     void show(const Row &row);
 
-    /// Height of the whole content, as far as the count of rows is known.
-    qint64 contentHeight();
-    /// How much of the content is above the viewport, counted in the same way.
+    /// About how much of the content is above the viewport, which is all that the scroll bar shows: 0 at the start and
+    /// there alone, and never less for a place further down.
     qint64 contentAbove();
+    /// The same for the end; 0 when all of it fits.
+    qint64 mostAbove();
 
 private:
     struct Top {
@@ -55,6 +58,7 @@ private:
     };
 
     static bool isBefore(const Top &one, const Top &other);
+    qint64 pixelsAbove(const Top &top);
     Top top();
     Top topAtEnd();
     Top within(Top top);

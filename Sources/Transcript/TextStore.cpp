@@ -2,10 +2,10 @@
 
 #include "Text/GraphemeBreaker.h"
 #include "Text/Utf8.h"
-#include "Transcript/TextMeasure.h"
 
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <cstring>
 
 namespace
@@ -49,7 +49,7 @@ std::int64_t firstWhere(std::int64_t size, Condition condition)
 
 void TextStore::append(QByteArrayView text)
 {
-    if (m_facts.isEmpty() && !text.isEmpty())
+    if (m_blocks.isEmpty() && !text.isEmpty())
         startBlock(text);
     while (!text.isEmpty()) {
         text = text.sliced(fill(text));
@@ -62,7 +62,7 @@ void TextStore::append(QByteArrayView text)
 qsizetype TextStore::fill(QByteArrayView text)
 {
     const BlockNumber last = endBlock() - 1;
-    const qsizetype room = blockCapacity - droppedOf(last) - block(last).size;
+    const qsizetype room = blockCapacity - droppedOf(last) - block(last).size.bytes;
     qsizetype taken = text.size();
     if (taken > room) {
         taken = text.first(room).lastIndexOf('\n') + 1;
@@ -77,7 +77,7 @@ qsizetype TextStore::fill(QByteArrayView text)
 bool TextStore::openLineMovesOn(BlockNumber number) const
 {
     const qsizetype openLine = openLineBytes(number);
-    return openLine <= longestMovedLine && openLine < block(number).size;
+    return openLine <= longestMovedLine && openLine < block(number).size.bytes;
 }
 
 /// How much of the end of the last block, which is full, goes to the next: its unfinished last line, or where that is
@@ -87,7 +87,7 @@ qsizetype TextStore::bytesThatMoveOn(QByteArrayView next) const
     const BlockNumber full = endBlock() - 1;
     if (openLineMovesOn(full))
         return openLineBytes(full);
-    const QByteArrayView tail = bytes(full).last(std::min<qsizetype>(block(full).size, stretch));
+    const QByteArrayView tail = bytes(full).last(std::min<qsizetype>(block(full).size.bytes, stretch));
     const QByteArray joined = tail.toByteArray().append(next.first(Utf8::lengthOf(next.front())));
     const qsizetype start = characterStart(joined, tail.size());
     return start == 0 ? 0 : tail.size() - start;
@@ -97,23 +97,14 @@ qsizetype TextStore::bytesThatMoveOn(QByteArrayView next) const
 void TextStore::startBlock(QByteArrayView next)
 {
     PageMemory memory = takeMemory();
-    QByteArrayView moved;
-    if (!m_facts.isEmpty()) {
-        moved = bytes(endBlock() - 1).last(bytesThatMoveOn(next));
-        TextMeasure measure;
-        measure.add(moved);
-        Block &full = m_facts.back();
-        full.size -= static_cast<std::int32_t>(moved.size());
-        full.utf16Length -= measure.utf16Length();
-        full.cells -= measure.cells();
-        full.openLine -= measure.cells();
-        m_end -= moved.size();
-        m_utf16End -= measure.utf16Length();
+    TextCount begin = m_end;
+    if (!m_blocks.isEmpty()) {
+        const QByteArrayView moved = bytes(endBlock() - 1).last(bytesThatMoveOn(next));
+        std::copy(moved.begin(), moved.end(), memory.data());
+        begin = m_end - TextCount::of(moved);
     }
-    m_facts.append(Block{.begin = m_end, .utf16Begin = m_utf16End});
-    // Adding a block leaves the others, and so the moved bytes, where they are.
+    m_blocks.append(begin);
     m_hot.push_back(std::move(memory));
-    addToLast(moved);
 }
 
 /// Memory for another block: that of the oldest hot block, which turns cold, when there are enough of them.
@@ -133,48 +124,29 @@ void TextStore::addToLast(QByteArrayView text)
 {
     if (text.isEmpty())
         return;
-    Block &last = m_facts.back();
-    std::memcpy(m_hot.back().data() + droppedOf(endBlock() - 1) + last.size, text.data(),
+    const BlockNumber last = endBlock() - 1;
+    std::memcpy(m_hot.back().data() + droppedOf(last) + block(last).size.bytes, text.data(),
                 static_cast<std::size_t>(text.size()));
-    TextMeasure measure(last.openLine);
-    measure.add(text);
-    last.size += static_cast<std::int32_t>(text.size());
-    last.utf16Length += measure.utf16Length();
-    last.lineFeeds += measure.lineFeeds();
-    last.cells += measure.cells();
-    last.longestEndedLine = std::max(last.longestEndedLine, measure.longestEndedLine());
-    last.openLine = measure.openLine();
-    m_end += text.size();
-    m_utf16End += measure.utf16Length();
+    m_end += TextCount::of(text);
 }
 
 void TextStore::dropFront(Position newBegin)
 {
-    const auto dropped =
-        firstWhere(m_facts.size(), [&](std::int64_t index) { return m_facts[index].end() > newBegin; });
+    const auto dropped = firstWhere(
+        m_blocks.size(), [&](std::int64_t index) { return before(m_firstBlock + index + 1).bytes > newBegin; });
     if (dropped > 0) {
         const std::int64_t cold = std::min(dropped, m_cold.size());
-        m_facts.dropFront(dropped);
+        m_blocks.dropFront(dropped);
         m_cold.dropFront(cold);
         PageMemory::giveBackFront(m_hot, static_cast<std::size_t>(dropped - cold));
         m_firstBlock += dropped;
         m_droppedOfFront = 0;
     }
-    m_begin = newBegin;
-    if (m_facts.isEmpty() || m_facts[0].begin == newBegin)
+    if (isEmpty())
         return;
-    TextMeasure measure;
-    const QByteArrayView cut = bytesBetween(m_firstBlock, m_facts[0].begin, newBegin);
-    measure.add(cut);
-    Block &front = m_facts[0];
-    m_droppedOfFront += static_cast<std::int32_t>(cut.size());
-    front.begin = newBegin;
-    front.size -= static_cast<std::int32_t>(cut.size());
-    front.utf16Begin += measure.utf16Length();
-    front.utf16Length -= measure.utf16Length();
-    front.lineFeeds -= measure.lineFeeds();
-    // A line cut here keeps its full width as a bound; tabs in what is left of it may stand wider than before.
-    front.cells = std::max(0, front.cells - measure.cells());
+    const TextCount cut = TextCount::of(bytesBetween(m_firstBlock, begin(), newBegin));
+    m_blocks[0] += cut;
+    m_droppedOfFront += static_cast<std::int32_t>(cut.bytes);
 }
 
 QByteArrayView TextStore::bytes(BlockNumber number) const
@@ -183,28 +155,29 @@ QByteArrayView TextStore::bytes(BlockNumber number) const
     if (number < firstHotBlock())
         return m_cold.read(number - m_firstBlock).sliced(dropped);
     const PageMemory &memory = m_hot[static_cast<std::size_t>(number - firstHotBlock())];
-    return {memory.data() + dropped, block(number).size};
+    return {memory.data() + dropped, block(number).size.bytes};
 }
 
 TextStore::BlockNumber TextStore::blockAt(Position position) const
 {
-    const auto after = firstWhere(m_facts.size(), [&](std::int64_t index) { return m_facts[index].begin > position; });
+    const auto after =
+        firstWhere(m_blocks.size(), [&](std::int64_t index) { return m_blocks[index].bytes > position; });
     return m_firstBlock + std::max<std::int64_t>(0, after - 1);
 }
 
 /// The part of a block's text that lies between two positions.
 QByteArrayView TextStore::bytesBetween(BlockNumber number, Position from, Position to) const
 {
-    const Block &facts = block(number);
-    const Position first = std::clamp(from, facts.begin, facts.end());
-    const Position last = std::clamp(to, first, facts.end());
-    return bytes(number).sliced(first - facts.begin, last - first);
+    const Block whole = block(number);
+    const Position first = std::clamp(from, whole.begin(), whole.end());
+    const Position last = std::clamp(to, first, whole.end());
+    return bytes(number).sliced(first - whole.begin(), last - first);
 }
 
 /// The position itself or the next at which a code point begins, within the text.
 TextStore::Position TextStore::codePointAt(Position position) const
 {
-    position = std::clamp(position, m_begin, m_end);
+    position = std::clamp(position, begin(), end());
     if (isEmpty())
         return position;
     const BlockNumber number = blockAt(position);
@@ -226,7 +199,7 @@ QString TextStore::text(Position from, Position to) const
     QStringDecoder decoder(QStringDecoder::Utf8,
                            QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
     QChar *out = result.data();
-    for (BlockNumber number = blockAt(from); number < endBlock() && block(number).begin < to; ++number)
+    for (BlockNumber number = blockAt(from); number < endBlock() && block(number).begin() < to; ++number)
         out = decoder.appendToBuffer(out, bytesBetween(number, from, to));
     return result;
 }
@@ -235,28 +208,28 @@ qint64 TextStore::utf16Offset(Position position) const
 {
     if (isEmpty())
         return 0;
-    position = std::clamp(position, m_begin, m_end);
+    position = std::clamp(position, begin(), end());
     const BlockNumber number = blockAt(position);
-    const Block &facts = block(number);
+    const Block whole = block(number);
     const qint64 inside =
-        facts.isAscii() ? position - facts.begin : Utf8::utf16Length(bytesBetween(number, facts.begin, position));
-    return facts.utf16Begin + inside - m_facts[0].utf16Begin;
+        whole.isAscii() ? position - whole.begin() : TextCount::of(bytesBetween(number, whole.begin(), position)).utf16;
+    return whole.before.utf16 + inside - m_blocks[0].utf16;
 }
 
 TextStore::Position TextStore::positionAtUtf16(qint64 offset) const
 {
     if (isEmpty() || offset <= 0)
-        return m_begin;
-    const qint64 absolute = offset + m_facts[0].utf16Begin;
-    if (absolute >= m_utf16End)
-        return m_end;
+        return begin();
+    const qint64 absolute = offset + m_blocks[0].utf16;
+    if (absolute >= m_end.utf16)
+        return end();
     const auto after =
-        firstWhere(m_facts.size(), [&](std::int64_t index) { return m_facts[index].utf16Begin > absolute; });
+        firstWhere(m_blocks.size(), [&](std::int64_t index) { return m_blocks[index].utf16 > absolute; });
     const BlockNumber number = m_firstBlock + after - 1;
-    const Block &facts = block(number);
-    const qint64 inside = absolute - facts.utf16Begin;
-    if (facts.isAscii())
-        return facts.begin + inside;
+    const Block whole = block(number);
+    const qint64 inside = absolute - whole.before.utf16;
+    if (whole.isAscii())
+        return whole.begin() + inside;
     const QByteArrayView text = bytes(number);
     qsizetype at = 0;
     for (qint64 units = 0; units < inside;) {
@@ -265,39 +238,39 @@ TextStore::Position TextStore::positionAtUtf16(qint64 offset) const
         if (units <= inside)
             at += length;
     }
-    return facts.begin + at;
+    return whole.begin() + at;
 }
 
 TextStore::Position TextStore::lineBegin(Position position) const
 {
     if (isEmpty())
-        return m_begin;
+        return begin();
     for (BlockNumber number = blockAt(position); number >= firstBlock(); --number) {
-        if (block(number).lineFeeds == 0)
+        if (block(number).size.lineFeeds == 0)
             continue;
-        const qsizetype lineFeed = bytesBetween(number, block(number).begin, position).lastIndexOf('\n');
+        const qsizetype lineFeed = bytesBetween(number, block(number).begin(), position).lastIndexOf('\n');
         if (lineFeed >= 0)
-            return block(number).begin + lineFeed + 1;
+            return block(number).begin() + lineFeed + 1;
     }
-    return m_begin;
+    return begin();
 }
 
 TextStore::Position TextStore::lineEnd(Position position) const
 {
     if (isEmpty())
-        return m_end;
+        return end();
     for (BlockNumber number = blockAt(position); number < endBlock(); ++number) {
-        if (block(number).lineFeeds == 0)
+        if (block(number).size.lineFeeds == 0)
             continue;
         const QByteArrayView after = bytesBetween(number, position, block(number).end());
         const qsizetype lineFeed = after.indexOf('\n');
         if (lineFeed >= 0)
             return block(number).end() - after.size() + lineFeed + 1;
     }
-    return m_end;
+    return end();
 }
 
 std::int64_t TextStore::memory() const
 {
-    return m_facts.memory() + m_cold.memory() + static_cast<std::int64_t>(m_hot.size()) * blockCapacity;
+    return m_blocks.memory() + m_cold.memory() + static_cast<std::int64_t>(m_hot.size()) * blockCapacity;
 }

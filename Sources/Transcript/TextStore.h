@@ -5,11 +5,11 @@
 // A position is a byte offset counted from the first byte ever appended; dropping the front or clearing moves begin()
 // and renumbers nothing, so a position never comes to mean another place.
 //
-// There is no index of lines: each block knows its numbers (line feeds, UTF-16 length, widths), a search among the
-// blocks finds the right one, and a scan inside one block is a matter of microseconds. A block begins at the start of a
-// line where it can: when one is full, its unfinished last line moves on to the next. Only a line longer than
-// `longestMovedLine` continues in another block. A block never cuts a code point, nor a character as a reader sees it
-// unless that is monstrous.
+// There is no index of lines: of each block it is known how much text comes before it (bytes, UTF-16 units, line
+// feeds), a search among the blocks finds the right one, and a scan inside one block is a matter of microseconds. A
+// block begins at the start of a line where it can: when one is full, its unfinished last line moves on to the next.
+// Only a line longer than `longestMovedLine` continues in another block. A block never cuts a code point, nor a
+// character as a reader sees it unless that is monstrous.
 //
 // Who reads asks for the bytes of one block at a time, so where a block's bytes really are is this class's own affair:
 // those near the end as they are, for speed, all others compressed (ColdBlocks.h), so that hours of a chatty script fit
@@ -18,6 +18,7 @@
 #include "Transcript/ColdBlocks.h"
 #include "Transcript/PageMemory.h"
 #include "Transcript/PagedList.h"
+#include "Transcript/TextCount.h"
 
 #include <QByteArrayView>
 #include <QString>
@@ -36,23 +37,15 @@ public:
     static constexpr std::int32_t blockCapacity = 128 * 1024;
     static constexpr std::int32_t longestMovedLine = 16 * 1024;
 
-    /// What is known of a block without looking at its bytes. Widths are in cells of a fixed-width font, as
-    /// TextMeasure finds them: hardly ever too small.
+    /// What is known of a block without looking at its bytes.
     struct Block {
-        Position begin = 0;
-        /// The UTF-16 code units of all text before the block, since the first byte ever appended.
-        qint64 utf16Begin = 0;
-        std::int32_t size = 0;
-        std::int32_t utf16Length = 0;
-        std::int32_t lineFeeds = 0;
-        std::int32_t cells = 0;
-        std::int32_t longestEndedLine = 0;
-        /// Width of the last line, which has no line feed yet.
-        std::int32_t openLine = 0;
+        /// All text before the block, since the first byte ever appended.
+        TextCount before;
+        TextCount size;
 
-        Position end() const { return begin + size; }
-        bool isAscii() const { return utf16Length == size; }
-        std::int32_t longestLine() const { return std::max(longestEndedLine, openLine); }
+        Position begin() const { return before.bytes; }
+        Position end() const { return before.bytes + size.bytes; }
+        bool isAscii() const { return size.utf16 == size.bytes; }
 
         friend bool operator==(const Block &, const Block &) = default;
     };
@@ -67,16 +60,21 @@ public:
     /// Forgets everything before `newBegin`, the first byte of a code point. Views of bytes become invalid.
     void dropFront(Position newBegin);
     /// Forgets everything and gives the memory back to the system.
-    void clear() { dropFront(m_end); }
+    void clear() { dropFront(end()); }
 
-    Position begin() const { return m_begin; }
-    Position end() const { return m_end; }
-    bool isEmpty() const { return m_begin == m_end; }
+    Position begin() const { return m_blocks.isEmpty() ? end() : m_blocks[0].bytes; }
+    Position end() const { return m_end.bytes; }
+    bool isEmpty() const { return m_blocks.isEmpty(); }
 
     /// The block numbers, as a half-open range; none of them is empty.
     BlockNumber firstBlock() const { return m_firstBlock; }
-    BlockNumber endBlock() const { return m_firstBlock + m_facts.size(); }
-    const Block &block(BlockNumber number) const { return m_facts[number - m_firstBlock]; }
+    BlockNumber endBlock() const { return m_firstBlock + m_blocks.size(); }
+    Block block(BlockNumber number) const { return {before(number), before(number + 1) - before(number)}; }
+    /// All text before a block, since the first byte ever appended; before endBlock(), all text.
+    const TextCount &before(BlockNumber number) const
+    {
+        return number == endBlock() ? m_end : m_blocks[number - m_firstBlock];
+    }
     /// The block's text, valid until the store changes or the bytes of `ColdBlocks::mostUnpacked` other blocks have
     /// been asked for, by whichever call: a reader holds no more than one or two at a time.
     QByteArrayView bytes(BlockNumber number) const;
@@ -107,7 +105,8 @@ private:
     /// Exact up to `longestMovedLine`; more is not looked at.
     qsizetype openLineBytes(BlockNumber number) const
     {
-        const QByteArrayView tail = bytes(number).last(std::min(block(number).size, longestMovedLine + 1));
+        const QByteArrayView tail =
+            bytes(number).last(std::min<qsizetype>(block(number).size.bytes, longestMovedLine + 1));
         return tail.size() - 1 - tail.lastIndexOf('\n');
     }
     bool openLineMovesOn(BlockNumber number) const;
@@ -120,14 +119,13 @@ private:
     QByteArrayView bytesBetween(BlockNumber number, Position from, Position to) const;
 
     const std::size_t m_hotBlocks;
-    PagedList<Block> m_facts;
+    /// The text before each block.
+    PagedList<TextCount> m_blocks;
     // The first blocks are cold, the others hot. To read a cold one is to unpack it.
     mutable ColdBlocks m_cold{blockCapacity};
     std::deque<PageMemory> m_hot;
     std::int32_t m_droppedOfFront = 0;
     BlockNumber m_firstBlock = 0;
-    Position m_begin = 0;
-    Position m_end = 0;
-    /// UTF-16 code units of all text ever appended.
-    qint64 m_utf16End = 0;
+    /// All text ever appended.
+    TextCount m_end;
 };

@@ -71,7 +71,7 @@ QByteArray rowsJoined(const OutputPane &pane)
             break;
         }
         const TextStore::BlockNumber block = store.blockAt(position);
-        joined += store.bytes(block).sliced(position - store.block(block).begin, range.end - position);
+        joined += store.bytes(block).sliced(position - store.block(block).begin(), range.end - position);
         position = range.end;
     }
     return joined;

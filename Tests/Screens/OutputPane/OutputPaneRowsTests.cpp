@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -89,12 +90,9 @@ TEST(OutputPaneRows, HoldTheWholeTextInRowsThatFitHoweverItArrived)
             forth.push_back(row);
         while (grown.next(row));
         ASSERT_EQ(static_cast<qsizetype>(forth.size()), rows.size());
-        EXPECT_EQ(grown.count(), rows.size());
         for (std::size_t index = 0; index < forth.size(); ++index) {
             EXPECT_EQ(grown.bytes(forth[index]).toByteArray(), rows[static_cast<qsizetype>(index)]);
             EXPECT_EQ(grown.at(grown.begin(forth[index])), forth[index]);
-            EXPECT_EQ(grown.countBefore(forth[index]), static_cast<qint64>(index));
-            EXPECT_EQ(grown.atCount(static_cast<qint64>(index)), forth[index]);
         }
         EXPECT_EQ(grown.last(), forth.back());
         for (std::size_t index = forth.size() - 1; index > 0; --index) {
@@ -112,8 +110,58 @@ TEST(OutputPaneRows, AreCountedExactlyWithoutBeingLookedAtWhereNothingWraps)
         text.append("a line of the usual length, as programs print them\n");
     OutputPaneRows rows(text);
     rows.setColumns(80);
-    EXPECT_EQ(rows.count(), 100'001);
-    const OutputPaneRows::Row far = rows.atCount(54'321);
-    EXPECT_EQ(rows.countBefore(far), 54'321);
-    EXPECT_EQ(rows.begin(far), 54'321 * 51);
+    EXPECT_EQ(rows.estimateBefore({rows.last()}), 100'000);
+    const OutputPaneRows::Place far = rows.atEstimate(54'321.25);
+    EXPECT_EQ(rows.estimateBefore(far), 54'321.25);
+    EXPECT_EQ(rows.begin(far.row), 54'321 * 51);
+    EXPECT_EQ(far.part, 0.25);
+}
+
+TEST(OutputPaneRows, AreEstimatedInProportionToTheLengthOfLinesThatWrap)
+{
+    TextStore text;
+    text.append(QByteArray("short\n").repeated(200'000));
+    const double before = 200'000;
+    text.append(QByteArray(10'000'000, 'x'));
+    OutputPaneRows rows(text);
+    rows.setColumns(100);
+    EXPECT_NEAR(rows.estimateBefore({rows.last()}), before + 100'000, 1500) << "whatever stands in other blocks";
+    EXPECT_NEAR(static_cast<double>(rows.begin(rows.atEstimate(before + 50'000).row)), 1'200'000 + 5'000'000, 150'000);
+}
+
+TEST(OutputPaneRows, AreEstimatedToBeNeverFewerFurtherDownAndFoundAgain)
+{
+    RandomText random(6);
+    TextStore text(4);
+    OutputPaneRows rows(text);
+    for (int round = 0; round < 12; ++round) {
+        // Up to half a gigabyte, so that several blocks are estimated as one.
+        const int size = random.below(round > 8 ? 150'000'000 : 500'000);
+        const int kind = random.below(3);
+        text.append(kind == 0   ? QByteArray(size, 'l')
+                    : kind == 1 ? (QByteArray(random.below(300), 'x') + '\n').repeated(size / 300)
+                                : random.text(size / 1000).toUtf8());
+        text.dropFront(text.lineBegin(text.begin() + random.below(100'000) % (text.end() - text.begin() + 1)));
+        rows.setColumns(1 + random.below(200));
+        if (rows.isEmpty())
+            continue;
+        std::vector<TextStore::Position> places;
+        for (int sample = 0; sample < 300; ++sample) {
+            const double part = random.below(1001) / 1000.0;
+            places.push_back(text.begin() + static_cast<qint64>(part * static_cast<double>(text.end() - text.begin())));
+        }
+        std::sort(places.begin(), places.end());
+        double last = 0;
+        for (const TextStore::Position place : places) {
+            const OutputPaneRows::Row row = rows.at(place);
+            const double estimate = rows.estimateBefore({row});
+            ASSERT_GE(estimate, last);
+            ASSERT_GE(rows.estimateBefore({row, 0.5}), estimate);
+            const OutputPaneRows::Place found = rows.atEstimate(estimate);
+            ASSERT_NEAR(rows.estimateBefore(found), estimate, 1e-3);
+            last = estimate;
+        }
+        EXPECT_EQ(rows.atEstimate(0).row, rows.first());
+        EXPECT_EQ(rows.atEstimate(rows.estimateBefore({rows.last(), 1})).row, rows.last());
+    }
 }
