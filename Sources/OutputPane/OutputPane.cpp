@@ -6,6 +6,7 @@
 #include "OutputPane/OutputPanePainter.h"
 #include "RunController/RunController.h"
 
+#include <QKeyEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
@@ -29,11 +30,13 @@ constexpr qint64 mostSteps = 1'000'000'000;
 
 OutputPane::OutputPane(RunController &controller, QWidget *parent)
     : QAbstractScrollArea(parent),
-      m_controller(controller),
+      m_transcript(controller.transcript()),
       m_font(Typography::monospaced(fontSize)),
-      m_rows(controller.transcript().text()),
+      m_rows(m_transcript.text()),
       m_view(m_rows),
       m_navigation(m_rows, m_font),
+      m_cursor(m_rows, m_navigation),
+      m_mouse(m_view, m_navigation, m_cursor),
       m_announcer(m_rows.text())
 {
     OutputPaneAccessible::install();
@@ -44,7 +47,6 @@ OutputPane::OutputPane(RunController &controller, QWidget *parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setCursor(Qt::IBeamCursor);
-    m_selection.moveTo({transcript().end(), false});
 
     m_frame.setSingleShot(true);
     m_frame.setTimerType(Qt::PreciseTimer);
@@ -55,16 +57,13 @@ OutputPane::OutputPane(RunController &controller, QWidget *parent)
     });
     connect(&controller, &RunController::transcriptCleared, this, [this] {
         m_wantsEnd = true;
-        m_caretAtEnd = true;
+        m_cursor.standAtEnd();
         requestFrame();
     });
+    connect(&m_mouse, &OutputPaneMouse::selected, this, &OutputPane::selectionMoved);
+    connect(&m_mouse, &OutputPaneMouse::scrolled, this, &OutputPane::updateScrollBar);
     connect(verticalScrollBar(), &QScrollBar::actionTriggered, this, &OutputPane::scrollByStep);
     connect(verticalScrollBar(), &QScrollBar::sliderReleased, this, &OutputPane::requestFrame);
-}
-
-const Transcript &OutputPane::transcript() const
-{
-    return m_controller.transcript();
 }
 
 QSize OutputPane::sizeHint() const
@@ -84,14 +83,14 @@ void OutputPane::requestFrame()
 void OutputPane::showChanges()
 {
     m_sinceFrame.start();
-    const bool held = isHeld() || isSliderHeld();
+    const bool held = m_mouse.isHeld() || isSliderHeld();
     if (m_wantsEnd && !held) {
         m_wantsEnd = false;
         m_view.scrollToEnd();
     }
-    m_selection.keepWithin(transcript().begin(), transcript().end());
-    if (m_caretAtEnd && m_selection.isEmpty() && !held)
-        m_selection.moveTo({transcript().end(), false});
+    m_cursor.keepWithinText();
+    if (!held)
+        m_cursor.followEnd();
     m_announcer.announceText(*this);
     if (isVisible())
         updateView();
@@ -167,7 +166,7 @@ bool OutputPane::event(QEvent *event)
         break;
     case QEvent::ShortcutOverride: {
         const auto *key = static_cast<QKeyEvent *>(event);
-        if (key->matches(QKeySequence::Copy) || key->matches(QKeySequence::SelectAll) || OutputPaneKeys::moveFor(*key))
+        if (key->matches(QKeySequence::Copy) || key->matches(QKeySequence::SelectAll) || OutputPaneCursor::isMove(*key))
             event->accept();
         break;
     }
@@ -183,7 +182,7 @@ void OutputPane::resizeEvent(QResizeEvent *event)
     const double width = viewport()->width() - 2 * OutputPaneViewport::padding;
     m_rows.setColumns(static_cast<int>(std::floor(width / m_font.cellWidth())));
     m_view.setHeights(viewport()->height(), m_font.rowHeight());
-    m_wantedX.reset();
+    m_cursor.forgetColumn();
     if (isVisible())
         updateView();
 }
@@ -222,14 +221,14 @@ void OutputPane::paintRows(QPainter &painter, const QRect &area)
         if (visible.y > area.bottom() || visible.y + m_font.rowHeight() <= area.top())
             continue;
         const Position begin = m_rows.begin(visible.row);
-        const OutputPaneRow row = m_navigation.layOut(visible.row);
+        const OutputPaneRow row = m_rows.layOut(visible.row, m_font);
         Transcript::Run run = transcript().runAt(begin);
         styles.clear();
         for (const OutputCluster &cluster : row.clusters()) {
             const Position position = begin + cluster.begin;
             if (position >= run.end)
                 run = transcript().runAt(position);
-            styles.push_back({run.kind, position >= m_selection.begin() && position < m_selection.end()});
+            styles.push_back({run.kind, position >= m_cursor.begin() && position < m_cursor.end()});
         }
         rowPainter.draw(row, m_rows.bytes(visible.row), styles, QPointF(OutputPaneViewport::padding, visible.y));
     }
@@ -238,12 +237,12 @@ void OutputPane::paintRows(QPainter &painter, const QRect &area)
 
 void OutputPane::paintCaret(QPainter &painter)
 {
-    if (!hasFocus() || !m_selection.isEmpty() || m_rows.isEmpty())
+    if (!hasFocus() || !m_cursor.isEmpty() || m_rows.isEmpty())
         return;
-    const OutputPaneRows::Row row = m_navigation.rowOf(m_selection.caret());
+    const OutputPaneRows::Row row = m_navigation.rowOf(m_cursor.caret());
     for (const OutputPaneViewport::VisibleRow &visible : m_view.visibleRows()) {
         if (visible.row == row) {
-            const double x = OutputPaneViewport::padding + m_navigation.xOf(m_selection.caret());
+            const double x = OutputPaneViewport::padding + m_navigation.xOf(m_cursor.caret());
             painter.fillRect(QRectF(x, visible.y, 1, m_font.rowHeight()), Colours::primary(palette()));
         }
     }
@@ -253,14 +252,7 @@ OutputPane::Position OutputPane::positionAt(QPoint point)
 {
     if (m_rows.isEmpty())
         return transcript().begin();
-    const std::vector<OutputPaneViewport::VisibleRow> visible = m_view.visibleRows();
-    auto found = std::find_if(visible.begin(), visible.end(), [&](const OutputPaneViewport::VisibleRow &each) {
-        return point.y() < each.y + m_font.rowHeight();
-    });
-    if (found == visible.end())
-        --found;
-    const OutputPaneRow row = m_navigation.layOut(found->row);
-    return m_rows.begin(found->row) + row.byteAt(point.x() - OutputPaneViewport::padding);
+    return m_navigation.positionIn(m_view.rowAt(point.y()), point.x() - OutputPaneViewport::padding);
 }
 
 QRect OutputPane::characterRect(Position position)
@@ -271,7 +263,7 @@ QRect OutputPane::characterRect(Position position)
     for (const OutputPaneViewport::VisibleRow &visible : m_view.visibleRows()) {
         if (!(visible.row == row))
             continue;
-        const auto [left, right] = m_navigation.layOut(row).extentOf(position - m_rows.begin(row));
+        const auto [left, right] = m_rows.layOut(row, m_font).extentOf(position - m_rows.begin(row));
         return QRectF(OutputPaneViewport::padding + left, visible.y, right - left, m_font.rowHeight()).toAlignedRect();
     }
     return {};

@@ -6,19 +6,16 @@
 // soon as the button is released. However much arrives, the pane is brought up to date at most once a frame.
 
 #include "OutputPane/OutputPaneAccessible.h"
+#include "OutputPane/OutputPaneCursor.h"
 #include "OutputPane/OutputPaneFont.h"
-#include "OutputPane/OutputPaneKeys.h"
+#include "OutputPane/OutputPaneMouse.h"
 #include "OutputPane/OutputPaneNavigation.h"
 #include "OutputPane/OutputPaneRows.h"
-#include "OutputPane/OutputPaneSelection.h"
 #include "OutputPane/OutputPaneViewport.h"
 
 #include <QAbstractScrollArea>
-#include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QTimer>
-
-#include <optional>
 
 class RunController;
 class Transcript;
@@ -33,14 +30,16 @@ public:
     /// `controller` must outlive the pane.
     explicit OutputPane(RunController &controller, QWidget *parent = nullptr);
 
-    const Transcript &transcript() const;
+    const Transcript &transcript() const { return m_transcript; }
 
-    const OutputPaneSelection &selection() const { return m_selection; }
+    const OutputPaneCursor &selection() const { return m_cursor; }
     /// Selects from one position to another, where the caret comes to stand.
     void select(Position from, Position to);
     /// The original characters, of all kinds of output alike.
     QString selectedText() const;
 
+    /// The row that holds a position, as it is drawn.
+    OutputPaneRow laidOutRow(Position position) { return m_rows.layOut(m_rows.at(position), m_font); }
     const OutputPaneNavigation &navigation() const { return m_navigation; }
     /// The position under a point of the viewport, or the nearest.
     Position positionAt(QPoint point);
@@ -69,12 +68,8 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
-    void timerEvent(QTimerEvent *event) override;
 
 private:
-    /// What a drag of the mouse selects by.
-    enum class Unit { none, character, word, line };
-
     void requestFrame();
     void showChanges();
     void updateView();
@@ -83,46 +78,24 @@ private:
     void paintRows(QPainter &painter, const QRect &area);
     void paintCaret(QPainter &painter);
 
-    void move(OutputMove move);
-    OutputCaret goalOf(OutputMove::Goal goal);
-    OutputCaret rowsAway(int rows);
-    void press(QPoint point, Unit unit, bool extends);
-    void dragTo(QPoint point);
     void selectionMoved();
-    /// The user drags with the mouse. Where the release went elsewhere (to a question over the window, say), the drag
-    /// ends here.
-    bool isHeld();
-    void endDrag();
-    /// The same for the scroll bar's slider.
+    /// The user holds the scroll bar's slider. Where the release went elsewhere, that ends here.
     bool isSliderHeld();
-    OutputCaret caretAt(QPoint point);
-    OutputRange unitAt(QPoint point);
 
-    RunController &m_controller;
+    const Transcript &m_transcript;
     OutputPaneFont m_font;
     OutputPaneRows m_rows;
     OutputPaneViewport m_view;
     OutputPaneNavigation m_navigation;
-    OutputPaneSelection m_selection;
+    OutputPaneCursor m_cursor;
+    OutputPaneMouse m_mouse;
     OutputPaneAccessible::Announcer m_announcer;
 
     QTimer m_frame;
     QElapsedTimer m_sinceFrame;
     /// The end must come into view with the next frame in which no button is held.
     bool m_wantsEnd = true;
-    /// The caret stands at the end and goes with it.
-    bool m_caretAtEnd = true;
     bool m_updatesScrollBar = false;
     /// Content pixels for one step of the scroll bar, more than one where an int would not do.
     qint64 m_pixelsPerStep = 1;
-
-    Unit m_dragUnit = Unit::none;
-    QPoint m_dragPoint;
-    QBasicTimer m_autoScroll;
-    QElapsedTimer m_sinceDoubleClick;
-    QPoint m_doubleClickPoint;
-    /// What the wheel turned and was not yet scrolled, in parts of a notch of a pixel.
-    int m_wheelRest = 0;
-    /// The column, in pixels, that moves up and down keep to.
-    std::optional<double> m_wantedX;
 };

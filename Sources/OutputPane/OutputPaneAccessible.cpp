@@ -228,7 +228,7 @@ void OutputPaneAccessible::Announcer::announceSelection(OutputPane &pane) const
         return;
     const TextStore &text = pane.transcript().text();
     const auto offset = [&](Position position) { return asOffset(text.utf16Offset(position)); };
-    const OutputPaneSelection &selection = pane.selection();
+    const OutputPaneCursor &selection = pane.selection();
     QAccessibleTextSelectionEvent selected(&pane, offset(selection.begin()), offset(selection.end()));
     selected.setCursorPosition(offset(selection.caret().position));
     QAccessible::updateAccessibility(&selected);

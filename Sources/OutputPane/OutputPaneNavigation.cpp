@@ -71,6 +71,11 @@ OutputCaret OutputPaneNavigation::nearest(const Row &row, double x) const
     return caretIn(row, layOut(row).byteNearest(x));
 }
 
+TextStore::Position OutputPaneNavigation::positionIn(const Row &row, double x) const
+{
+    return m_rows.begin(row) + layOut(row).byteAt(x);
+}
+
 /// At the row's end the caret stays in this row; one without any text is no row's end.
 OutputCaret OutputPaneNavigation::caretIn(const Row &row, qint64 byte) const
 {

@@ -4,7 +4,6 @@
 // wrap it may as well stand at the end of the row before.
 
 #include "OutputPane/OutputPaneFont.h"
-#include "OutputPane/OutputPaneRow.h"
 #include "OutputPane/OutputPaneRows.h"
 
 struct OutputCaret {
@@ -25,13 +24,15 @@ public:
     using Position = TextStore::Position;
     using Row = OutputPaneRows::Row;
 
+    /// Both must outlive the navigation.
     OutputPaneNavigation(OutputPaneRows &rows, const OutputPaneFont &font) : m_rows(rows), m_font(font) {}
 
-    OutputPaneRow layOut(const Row &row) const { return {m_rows.bytes(row), m_rows.columns(), m_font}; }
     Row rowOf(OutputCaret caret) const;
     double xOf(OutputCaret caret) const;
     /// The place in that row nearest to `x`.
     OutputCaret nearest(const Row &row, double x) const;
+    /// The character of that row drawn at `x`, or nearest to it.
+    Position positionIn(const Row &row, double x) const;
 
     Position nextCharacter(Position position) const;
     Position previousCharacter(Position position) const;
@@ -52,6 +53,7 @@ public:
     OutputRange lineAt(Position position) const;
 
 private:
+    OutputPaneRow layOut(const Row &row) const { return m_rows.layOut(row, m_font); }
     OutputCaret caretIn(const Row &row, qint64 byte) const;
 
     OutputPaneRows &m_rows;

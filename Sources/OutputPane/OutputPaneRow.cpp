@@ -1,7 +1,5 @@
 #include "OutputPane/OutputPaneRow.h"
 
-#include "OutputPane/OutputPaneRowBreak.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -9,6 +7,13 @@ namespace
 {
 
 using Look = OutputCluster::Look;
+
+constexpr int tabWidth = 8;
+
+bool isPrintableAscii(char byte)
+{
+    return byte >= 0x20 && byte < 0x7f;
+}
 
 /// Blanks, digits and signs stand within right-to-left text as part of it.
 bool isNeutral(const OutputCluster &cluster)
@@ -29,21 +34,61 @@ bool closes(char32_t character)
 
 } // namespace
 
-OutputPaneRow::OutputPaneRow(QByteArrayView text, int columns, const OutputPaneFont &font) : m_text(text), m_font(font)
+qsizetype OutputPaneRow::endOf(QByteArrayView text, qsizetype from, int columns)
+{
+    // Most rows hold nothing but printable ASCII.
+    qsizetype at = from;
+    const qsizetype full = std::min<qsizetype>(text.size(), from + columns);
+    while (at < full && isPrintableAscii(text[at]))
+        ++at;
+    if (at == text.size())
+        return at;
+    if (text[at] == '\n')
+        return at + 1;
+    if (at == full && isPrintableAscii(text[at]))
+        return at;
+
+    OutputPaneClusters clusters(text, from);
+    OutputCluster cluster;
+    int column = 0;
+    while (clusters.next(cluster)) {
+        if (!place(cluster, column, columns))
+            return cluster.begin;
+        if (cluster.look == OutputCluster::Look::lineEnd)
+            return cluster.end();
+    }
+    return text.size();
+}
+
+bool OutputPaneRow::place(OutputCluster &cluster, int &column, int columns)
+{
+    if (cluster.look == OutputCluster::Look::tab) {
+        if (column >= columns)
+            return false;
+        cluster.cells = std::min(tabWidth - column % tabWidth, columns - column);
+    }
+    if (column > 0 && column + cluster.cells > columns)
+        return false;
+    cluster.column = column;
+    column += cluster.cells;
+    return true;
+}
+
+OutputPaneRow::OutputPaneRow(QByteArrayView text, int columns, const OutputPaneFont &font) : m_font(font)
 {
     OutputPaneClusters clusters(text);
     OutputCluster cluster;
     int column = 0;
     bool joins = false;
-    while (clusters.next(cluster) && OutputPaneRowBreak::place(cluster, column, columns)) {
+    while (clusters.next(cluster) && place(cluster, column, columns)) {
         joins = joins || cluster.look == Look::joined || cluster.look == Look::rightToLeft;
         m_clusters.push_back(cluster);
     }
     if (joins)
-        join();
+        join(text);
 }
 
-void OutputPaneRow::join()
+void OutputPaneRow::join(QByteArrayView text)
 {
     for (std::size_t index = 0; index < m_clusters.size();) {
         const Look look = m_clusters[index].look;
@@ -51,10 +96,10 @@ void OutputPaneRow::join()
         if (look == Look::joined) {
             while (end < m_clusters.size() && m_clusters[end].look == look)
                 ++end;
-            addJoined(index, end, Qt::LeftToRight);
+            addJoined(text, index, end, Qt::LeftToRight);
         } else if (look == Look::rightToLeft) {
             end = rightToLeftEnd(index);
-            addJoined(index, end, Qt::RightToLeft);
+            addJoined(text, index, end, Qt::RightToLeft);
         }
         index = end;
     }
@@ -81,19 +126,19 @@ std::size_t OutputPaneRow::rightToLeftEnd(std::size_t first) const
     return end;
 }
 
-void OutputPaneRow::addJoined(std::size_t first, std::size_t end, Qt::LayoutDirection direction)
+void OutputPaneRow::addJoined(QByteArrayView text, std::size_t first, std::size_t end, Qt::LayoutDirection direction)
 {
     Joined joined{.first = first, .end = end};
-    QString text;
+    QString string;
     for (std::size_t index = first; index < end; ++index) {
-        joined.starts.push_back(static_cast<int>(text.size()));
-        text += QString::fromUtf8(m_text.sliced(m_clusters[index].begin, m_clusters[index].size));
+        joined.starts.push_back(static_cast<int>(string.size()));
+        string += QString::fromUtf8(text.sliced(m_clusters[index].begin, m_clusters[index].size));
     }
-    joined.starts.push_back(static_cast<int>(text.size()));
+    joined.starts.push_back(static_cast<int>(string.size()));
     const OutputCluster &last = m_clusters[end - 1];
     joined.x = m_clusters[first].column * m_font.cellWidth();
     joined.width = (last.column + last.cells) * m_font.cellWidth() - joined.x;
-    joined.layout = m_font.layout(text, direction);
+    joined.layout = m_font.layout(string, direction);
     const double natural = joined.layout->lineAt(0).naturalTextWidth();
     joined.scale = natural > joined.width ? joined.width / natural : 1;
     m_joined.push_back(std::move(joined));

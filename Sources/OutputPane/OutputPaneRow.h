@@ -28,7 +28,14 @@ public:
         std::vector<int> starts = {};
     };
 
-    /// `text` is the row's bytes; `columns` the width at which it was broken.
+    /// The end of the row that begins at `from`: behind a line end, before the first cluster that does not fit into
+    /// `columns` cells, or the end of the text. A row holds at least one cluster.
+    static qsizetype endOf(QByteArrayView text, qsizetype from, int columns);
+    /// Gives the cluster its place at `column`, which moves behind it; false when it does not fit any more.
+    static bool place(OutputCluster &cluster, int &column, int columns);
+
+    /// `text` is the row's bytes, needed no longer than this takes; `columns` the width at which it was broken. `font`
+    /// must outlive the row.
     OutputPaneRow(QByteArrayView text, int columns, const OutputPaneFont &font);
 
     const std::vector<OutputCluster> &clusters() const { return m_clusters; }
@@ -55,15 +62,14 @@ public:
     qint64 endOfText() const;
 
 private:
-    void join();
+    void join(QByteArrayView text);
     std::size_t rightToLeftEnd(std::size_t first) const;
-    void addJoined(std::size_t first, std::size_t end, Qt::LayoutDirection direction);
+    void addJoined(QByteArrayView text, std::size_t first, std::size_t end, Qt::LayoutDirection direction);
     double before(std::size_t index) const;
     double after(std::size_t index) const;
     Extent extent(std::size_t index) const;
     std::optional<std::size_t> nearest(double x) const;
 
-    QByteArrayView m_text;
     const OutputPaneFont &m_font;
     std::vector<OutputCluster> m_clusters;
     std::vector<Joined> m_joined;

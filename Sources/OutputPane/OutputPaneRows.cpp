@@ -1,7 +1,5 @@
 #include "OutputPane/OutputPaneRows.h"
 
-#include "OutputPane/OutputPaneRowBreak.h"
-
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -176,7 +174,7 @@ void OutputPaneRows::extend(Layout &layout, QByteArrayView text) const
     layout.size = text.size();
     while (at < text.size()) {
         layout.starts.push_back(static_cast<qint32>(at));
-        at = OutputPaneRowBreak::rowEnd(text, at, m_columns);
+        at = OutputPaneRow::endOf(text, at, m_columns);
     }
     // The text goes on in a new row behind its last line end, if only for the caret.
     if (layout.endsText && text.endsWith('\n'))

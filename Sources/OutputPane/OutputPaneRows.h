@@ -6,6 +6,7 @@
 //
 // Main thread only. Everything is asked of the text as it is at that moment; nothing needs to be told of changes.
 
+#include "OutputPane/OutputPaneRow.h"
 #include "Transcript/TextStore.h"
 
 #include <QtGlobal>
@@ -47,8 +48,10 @@ public:
     Position begin(const Row &row);
     /// Behind the row's last character, which may be a line end.
     Position end(const Row &row);
-    /// The row's text, valid as long as what TextStore::bytes gives.
+    /// The row's text, valid as long as what TextStore::bytes gives: to be used at once.
     QByteArrayView bytes(const Row &row);
+    /// The row, laid out. `font` must outlive what is returned.
+    OutputPaneRow layOut(const Row &row, const OutputPaneFont &font) { return {bytes(row), m_columns, font}; }
 
     /// A row, or a part of one: 0.5 is half way through it.
     struct Place {

@@ -32,6 +32,14 @@ std::vector<OutputPaneViewport::VisibleRow> OutputPaneViewport::visibleRows()
     return visible;
 }
 
+OutputPaneViewport::Row OutputPaneViewport::rowAt(int y)
+{
+    const std::vector<VisibleRow> visible = visibleRows();
+    const auto found =
+        std::find_if(visible.begin(), visible.end(), [&](const VisibleRow &each) { return y < each.y + m_rowHeight; });
+    return found == visible.end() ? visible.back().row : found->row;
+}
+
 void OutputPaneViewport::hold()
 {
     if (m_isAtEnd && !m_rows.isEmpty())

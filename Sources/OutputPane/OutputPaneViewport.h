@@ -28,8 +28,13 @@ public:
     explicit OutputPaneViewport(OutputPaneRows &rows) : m_rows(rows) {}
 
     void setHeights(int viewport, int row);
+    int height() const { return m_viewportHeight; }
+    int rowHeight() const { return m_rowHeight; }
+    bool isEmpty() const { return m_rows.isEmpty(); }
 
     std::vector<VisibleRow> visibleRows();
+    /// The visible row at a height in the viewport, or the nearest. There must be text.
+    Row rowAt(int y);
 
     bool isAtEnd() const { return m_isAtEnd; }
     void scrollToEnd() { m_isAtEnd = true; }

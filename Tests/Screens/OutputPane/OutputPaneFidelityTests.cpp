@@ -58,14 +58,14 @@ bool isFilled(const OutputPaneRow &row, qint64 size)
 }
 
 /// All rows of the pane, joined.
-QByteArray rowsJoined(const OutputPane &pane)
+QByteArray rowsJoined(OutputPane &pane)
 {
     const OutputPaneNavigation &navigation = pane.navigation();
     const TextStore &store = pane.transcript().text();
     QByteArray joined;
     for (TextStore::Position position = store.begin(); position < store.end();) {
         const OutputRange range = navigation.rowAt(position);
-        const OutputPaneRow row = navigation.layOut(navigation.rowOf({position, false}));
+        const OutputPaneRow row = pane.laidOutRow(position);
         if (range.begin != position || range.end <= position || !isFilled(row, range.end - range.begin)) {
             ADD_FAILURE() << "the row at " << position;
             break;

@@ -1,6 +1,6 @@
 #include "OutputPane/OutputPaneRows.h"
 
-#include "OutputPane/OutputPaneRowBreak.h"
+#include "OutputPane/OutputPaneRow.h"
 #include "Unit/Transcript/RandomText.h"
 
 #include <gtest/gtest.h>
@@ -39,7 +39,7 @@ int cellsOf(const QByteArray &row, int columns)
     OutputPaneClusters clusters(row);
     OutputCluster cluster;
     int column = 0;
-    while (clusters.next(cluster) && OutputPaneRowBreak::place(cluster, column, columns)) {
+    while (clusters.next(cluster) && OutputPaneRow::place(cluster, column, columns)) {
     }
     return column;
 }

@@ -1,6 +1,6 @@
 #include "OutputPane/OutputPaneViewport.h"
 
-#include "OutputPane/OutputPaneRowBreak.h"
+#include "OutputPane/OutputPaneRow.h"
 #include "Text/Utf8.h"
 #include "Unit/Transcript/RandomText.h"
 
@@ -60,7 +60,7 @@ protected:
         std::vector<Position> starts;
         for (TextStore::BlockNumber number = text.firstBlock(); number < text.endBlock(); ++number) {
             const QByteArrayView bytes = text.bytes(number);
-            for (qsizetype at = 0; at < bytes.size(); at = OutputPaneRowBreak::rowEnd(bytes, at, rows.columns()))
+            for (qsizetype at = 0; at < bytes.size(); at = OutputPaneRow::endOf(bytes, at, rows.columns()))
                 starts.push_back(text.block(number).begin() + at);
             if (number + 1 == text.endBlock() && bytes.endsWith('\n'))
                 starts.push_back(text.end());
