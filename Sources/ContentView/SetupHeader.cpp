@@ -6,7 +6,7 @@
 #include "Look/LogBox.h"
 #include "Look/NoteText.h"
 #include "Look/PlainLabel.h"
-#include "Look/StatusDot.h"
+#include "Look/Rows/StatusDot.h"
 #include "Look/Typography.h"
 #include "SetupController/SetupController.h"
 

@@ -224,7 +224,7 @@ void OutputPane::paintRows(QPainter &painter, const QRect &area)
         const OutputPaneRow row = m_rows.layOut(visible.row, m_font);
         Transcript::Run run = transcript().runAt(begin);
         styles.clear();
-        for (const OutputCluster &cluster : row.clusters()) {
+        for (const DisplayCluster &cluster : row.clusters()) {
             const Position position = begin + cluster.begin;
             if (position >= run.end)
                 run = transcript().runAt(position);

@@ -5,9 +5,9 @@
 // writes to the controller. Every append brings the end into view, unless the user holds a mouse button here: then as
 // soon as the button is released. However much arrives, the pane is brought up to date at most once a frame.
 
+#include "Look/CellFont.h"
 #include "OutputPane/OutputPaneAccessible.h"
 #include "OutputPane/OutputPaneCursor.h"
-#include "OutputPane/OutputPaneFont.h"
 #include "OutputPane/OutputPaneMouse.h"
 #include "OutputPane/OutputPaneNavigation.h"
 #include "OutputPane/OutputPaneRows.h"
@@ -83,7 +83,7 @@ private:
     bool isSliderHeld();
 
     const Transcript &m_transcript;
-    OutputPaneFont m_font;
+    CellFont m_font;
     OutputPaneRows m_rows;
     OutputPaneViewport m_view;
     OutputPaneNavigation m_navigation;

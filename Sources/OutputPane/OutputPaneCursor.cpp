@@ -45,7 +45,8 @@ std::optional<OutputPaneCursor::Move> OutputPaneCursor::moveFor(const QKeyEvent 
 }
 
 OutputPaneCursor::OutputPaneCursor(OutputPaneRows &rows, const OutputPaneNavigation &navigation)
-    : m_rows(rows), m_navigation(navigation)
+    : m_rows(rows),
+      m_navigation(navigation)
 {
     moveTo({text().end(), false});
 }

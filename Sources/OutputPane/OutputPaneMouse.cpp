@@ -15,7 +15,9 @@ constexpr int wheelNotch = 120;
 
 OutputPaneMouse::OutputPaneMouse(OutputPaneViewport &view, const OutputPaneNavigation &navigation,
                                  OutputPaneCursor &cursor)
-    : m_view(view), m_navigation(navigation), m_cursor(cursor)
+    : m_view(view),
+      m_navigation(navigation),
+      m_cursor(cursor)
 {
 }
 

@@ -3,7 +3,7 @@
 // Where the caret goes in the output: by characters, words, rows and lines. A caret stands before a position; at a soft
 // wrap it may as well stand at the end of the row before.
 
-#include "OutputPane/OutputPaneFont.h"
+#include "Look/CellFont.h"
 #include "OutputPane/OutputPaneRows.h"
 
 struct OutputCaret {
@@ -25,7 +25,7 @@ public:
     using Row = OutputPaneRows::Row;
 
     /// Both must outlive the navigation.
-    OutputPaneNavigation(OutputPaneRows &rows, const OutputPaneFont &font) : m_rows(rows), m_font(font) {}
+    OutputPaneNavigation(OutputPaneRows &rows, const CellFont &font) : m_rows(rows), m_font(font) {}
 
     Row rowOf(OutputCaret caret) const;
     double xOf(OutputCaret caret) const;
@@ -57,5 +57,5 @@ private:
     OutputCaret caretIn(const Row &row, qint64 byte) const;
 
     OutputPaneRows &m_rows;
-    const OutputPaneFont &m_font;
+    const CellFont &m_font;
 };

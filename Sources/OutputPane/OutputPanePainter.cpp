@@ -8,7 +8,7 @@
 namespace
 {
 
-using Look = OutputCluster::Look;
+using Look = DisplayCluster::Look;
 
 } // namespace
 
@@ -31,7 +31,7 @@ QColor OutputPanePainter::colourOf(OutputKind kind, const QPalette &palette)
     Q_UNREACHABLE();
 }
 
-OutputPanePainter::OutputPanePainter(QPainter &painter, OutputPaneFont &font, const QPalette &palette)
+OutputPanePainter::OutputPanePainter(QPainter &painter, CellFont &font, const QPalette &palette)
     : m_painter(painter),
       m_font(font),
       m_highlight(palette.color(QPalette::Highlight)),
@@ -57,7 +57,7 @@ const QColor &OutputPanePainter::colour(Style style) const
 
 void OutputPanePainter::drawSelection(const OutputPaneRow &row, const std::vector<Style> &styles, QPointF place)
 {
-    const std::vector<OutputCluster> &clusters = row.clusters();
+    const std::vector<DisplayCluster> &clusters = row.clusters();
     // Joined text shows its own selection, which need not be one stretch.
     const auto isMarked = [&](std::size_t index) { return styles[index].isSelected && row.joinedAt(index) == nullptr; };
     for (std::size_t index = 0; index < clusters.size(); ++index) {
@@ -66,7 +66,7 @@ void OutputPanePainter::drawSelection(const OutputPaneRow &row, const std::vecto
         const std::size_t first = index;
         while (index + 1 < clusters.size() && isMarked(index + 1))
             ++index;
-        const OutputCluster &last = clusters[index];
+        const DisplayCluster &last = clusters[index];
         // A selected line end shows as half a blank.
         const double lastWidth = last.look == Look::lineEnd ? 0.5 : last.cells;
         const double left = clusters[first].column * m_font.cellWidth();
@@ -86,7 +86,7 @@ void OutputPanePainter::drawClusters(const OutputPaneRow &row, QByteArrayView te
             ++joined;
             continue;
         }
-        const OutputCluster &cluster = row.clusters()[index];
+        const DisplayCluster &cluster = row.clusters()[index];
         const QPointF cell(place.x() + cluster.column * m_font.cellWidth(), place.y() + m_font.ascent());
         if (cluster.look == Look::glyphs) {
             m_painter.setPen(colour(styles[index]));
@@ -114,7 +114,7 @@ void OutputPanePainter::addGlyph(char32_t character, QPointF place)
 }
 
 /// The name of a symbol stands on a tint, so that it is not taken for text.
-void OutputPanePainter::addSymbol(const OutputCluster &cluster, Style style, QPointF place)
+void OutputPanePainter::addSymbol(const DisplayCluster &cluster, Style style, QPointF place)
 {
     QColor tint = colour(style);
     tint.setAlphaF(0.14F);
@@ -127,9 +127,9 @@ void OutputPanePainter::addSymbol(const OutputCluster &cluster, Style style, QPo
 }
 
 /// Draws a character centred in its cells, pressed into them where the font is wider. `place` is on the baseline.
-void OutputPanePainter::drawAlone(const OutputCluster &cluster, QByteArrayView text, QPointF place)
+void OutputPanePainter::drawAlone(const DisplayCluster &cluster, QByteArrayView text, QPointF place)
 {
-    const OutputPaneFont::Shaped &shaped = m_font.shaped(text.sliced(cluster.begin, cluster.size));
+    const CellFont::Shaped &shaped = m_font.shaped(text.sliced(cluster.begin, cluster.size));
     const double width = cluster.cells * m_font.cellWidth();
     const double scale = shaped.width > width ? width / shaped.width : 1;
     // On a whole pixel of the screen, so that equal characters look equal.

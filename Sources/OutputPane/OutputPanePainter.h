@@ -27,7 +27,7 @@ public:
     /// The text colour of a piece of output. `fail` is purple because red belongs to standard error alone.
     static QColor colourOf(OutputKind kind, const QPalette &palette);
 
-    OutputPanePainter(QPainter &painter, OutputPaneFont &font, const QPalette &palette);
+    OutputPanePainter(QPainter &painter, CellFont &font, const QPalette &palette);
 
     /// Draws a row with its top left corner at `place`; one style for each of its clusters.
     void draw(const OutputPaneRow &row, QByteArrayView text, const std::vector<Style> &styles, QPointF place);
@@ -38,12 +38,12 @@ private:
     void drawClusters(const OutputPaneRow &row, QByteArrayView text, const std::vector<Style> &styles, QPointF place);
     void drawJoined(const OutputPaneRow::Joined &joined, const std::vector<Style> &styles, QPointF place);
     void addGlyph(char32_t character, QPointF place);
-    void addSymbol(const OutputCluster &cluster, Style style, QPointF place);
-    void drawAlone(const OutputCluster &cluster, QByteArrayView text, QPointF place);
+    void addSymbol(const DisplayCluster &cluster, Style style, QPointF place);
+    void drawAlone(const DisplayCluster &cluster, QByteArrayView text, QPointF place);
     void flush(Style style);
 
     QPainter &m_painter;
-    OutputPaneFont &m_font;
+    CellFont &m_font;
     std::array<QColor, 6> m_kinds;
     QColor m_highlight;
     QColor m_highlightedText;

@@ -6,7 +6,7 @@
 namespace
 {
 
-using Look = OutputCluster::Look;
+using Look = DisplayCluster::Look;
 
 constexpr int tabWidth = 8;
 
@@ -16,7 +16,7 @@ bool isPrintableAscii(char byte)
 }
 
 /// Blanks, digits and signs stand within right-to-left text as part of it.
-bool isNeutral(const OutputCluster &cluster)
+bool isNeutral(const DisplayCluster &cluster)
 {
     const char32_t lower = cluster.first | 0x20U;
     return cluster.look == Look::plain && (lower < U'a' || lower > U'z');
@@ -48,21 +48,21 @@ qsizetype OutputPaneRow::endOf(QByteArrayView text, qsizetype from, int columns)
     if (at == full && isPrintableAscii(text[at]))
         return at;
 
-    OutputPaneClusters clusters(text, from);
-    OutputCluster cluster;
+    DisplayClusters clusters(text, from);
+    DisplayCluster cluster;
     int column = 0;
     while (clusters.next(cluster)) {
         if (!place(cluster, column, columns))
             return cluster.begin;
-        if (cluster.look == OutputCluster::Look::lineEnd)
+        if (cluster.look == DisplayCluster::Look::lineEnd)
             return cluster.end();
     }
     return text.size();
 }
 
-bool OutputPaneRow::place(OutputCluster &cluster, int &column, int columns)
+bool OutputPaneRow::place(DisplayCluster &cluster, int &column, int columns)
 {
-    if (cluster.look == OutputCluster::Look::tab) {
+    if (cluster.look == DisplayCluster::Look::tab) {
         if (column >= columns)
             return false;
         cluster.cells = std::min(tabWidth - column % tabWidth, columns - column);
@@ -74,10 +74,10 @@ bool OutputPaneRow::place(OutputCluster &cluster, int &column, int columns)
     return true;
 }
 
-OutputPaneRow::OutputPaneRow(QByteArrayView text, int columns, const OutputPaneFont &font) : m_font(font)
+OutputPaneRow::OutputPaneRow(QByteArrayView text, int columns, const CellFont &font) : m_font(font)
 {
-    OutputPaneClusters clusters(text);
-    OutputCluster cluster;
+    DisplayClusters clusters(text);
+    DisplayCluster cluster;
     int column = 0;
     bool joins = false;
     while (clusters.next(cluster) && place(cluster, column, columns)) {
@@ -112,7 +112,7 @@ std::size_t OutputPaneRow::rightToLeftEnd(std::size_t first) const
     std::size_t end = first + 1;
     int openBrackets = 0;
     for (std::size_t ahead = end; ahead < m_clusters.size(); ++ahead) {
-        const OutputCluster &cluster = m_clusters[ahead];
+        const DisplayCluster &cluster = m_clusters[ahead];
         if (cluster.look != Look::rightToLeft && !isNeutral(cluster))
             break;
         if (opens(cluster.first))
@@ -135,7 +135,7 @@ void OutputPaneRow::addJoined(QByteArrayView text, std::size_t first, std::size_
         string += QString::fromUtf8(text.sliced(m_clusters[index].begin, m_clusters[index].size));
     }
     joined.starts.push_back(static_cast<int>(string.size()));
-    const OutputCluster &last = m_clusters[end - 1];
+    const DisplayCluster &last = m_clusters[end - 1];
     joined.x = m_clusters[first].column * m_font.cellWidth();
     joined.width = (last.column + last.cells) * m_font.cellWidth() - joined.x;
     joined.layout = m_font.layout(string, direction);
@@ -178,7 +178,7 @@ OutputPaneRow::Extent OutputPaneRow::extent(std::size_t index) const
 std::size_t OutputPaneRow::indexOf(qint64 byte) const
 {
     const auto found = std::find_if(m_clusters.begin(), m_clusters.end(),
-                                    [byte](const OutputCluster &cluster) { return byte < cluster.end(); });
+                                    [byte](const DisplayCluster &cluster) { return byte < cluster.end(); });
     return static_cast<std::size_t>(found - m_clusters.begin());
 }
 

@@ -3,8 +3,8 @@
 // One row of the output pane, laid out: its characters in their cells, and the stretches that must be shaped together
 // because their script joins letters or runs from right to left. Everything is measured from the row's left edge.
 
-#include "OutputPane/OutputPaneClusters.h"
-#include "OutputPane/OutputPaneFont.h"
+#include "Look/CellFont.h"
+#include "Text/DisplayClusters.h"
 
 #include <QByteArrayView>
 
@@ -32,13 +32,13 @@ public:
     /// `columns` cells, or the end of the text. A row holds at least one cluster.
     static qsizetype endOf(QByteArrayView text, qsizetype from, int columns);
     /// Gives the cluster its place at `column`, which moves behind it; false when it does not fit any more.
-    static bool place(OutputCluster &cluster, int &column, int columns);
+    static bool place(DisplayCluster &cluster, int &column, int columns);
 
     /// `text` is the row's bytes, needed no longer than this takes; `columns` the width at which it was broken. `font`
     /// must outlive the row.
-    OutputPaneRow(QByteArrayView text, int columns, const OutputPaneFont &font);
+    OutputPaneRow(QByteArrayView text, int columns, const CellFont &font);
 
-    const std::vector<OutputCluster> &clusters() const { return m_clusters; }
+    const std::vector<DisplayCluster> &clusters() const { return m_clusters; }
     const std::vector<Joined> &joined() const { return m_joined; }
 
     /// The joined stretch that holds the cluster, if any.
@@ -70,7 +70,7 @@ private:
     Extent extent(std::size_t index) const;
     std::optional<std::size_t> nearest(double x) const;
 
-    const OutputPaneFont &m_font;
-    std::vector<OutputCluster> m_clusters;
+    const CellFont &m_font;
+    std::vector<DisplayCluster> m_clusters;
     std::vector<Joined> m_joined;
 };

@@ -51,7 +51,7 @@ public:
     /// The row's text, valid as long as what TextStore::bytes gives: to be used at once.
     QByteArrayView bytes(const Row &row);
     /// The row, laid out. `font` must outlive what is returned.
-    OutputPaneRow layOut(const Row &row, const OutputPaneFont &font) { return {bytes(row), m_columns, font}; }
+    OutputPaneRow layOut(const Row &row, const CellFont &font) { return {bytes(row), m_columns, font}; }
 
     /// A row, or a part of one: 0.5 is half way through it.
     struct Place {

@@ -1,7 +1,7 @@
 #pragma once
 
-// A steady clock that stands still while the computer sleeps, as the timeouts of poll() do on every system. A time limit
-// by it is over after so much time awake, however often its child prints meanwhile.
+// A steady clock that stands still while the computer sleeps, as the timeouts of poll() do on every system. A time
+// limit by it is over after so much time awake, however often its child prints meanwhile.
 
 #include <chrono>
 #include <ctime>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Look/StatusDot.h"
+#include "Look/Rows/StatusDot.h"
 
 #include <QList>
 #include <QString>

@@ -8,7 +8,7 @@
 #include "Look/NoteText.h"
 #include "Look/PlainLabel.h"
 #include "Look/Rows/RowList.h"
-#include "Look/StatusDot.h"
+#include "Look/Rows/StatusDot.h"
 #include "Look/Typography.h"
 #include "Screens/PaintWatch.h"
 #include "Screens/TestWindow.h"

@@ -3,7 +3,7 @@
 #include "Look/NoteText.h"
 #include "Look/Picker.h"
 #include "Look/PlainLabel.h"
-#include "Look/StatusDot.h"
+#include "Look/Rows/StatusDot.h"
 #include "Look/Typography.h"
 #include "Screens/ByName.h"
 #include "Screens/Look/DarkPalette.h"

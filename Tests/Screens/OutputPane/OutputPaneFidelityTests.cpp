@@ -48,7 +48,7 @@ bool isFilled(const OutputPaneRow &row, qint64 size)
 {
     qint64 at = 0;
     int column = 0;
-    for (const OutputCluster &cluster : row.clusters()) {
+    for (const DisplayCluster &cluster : row.clusters()) {
         if (cluster.begin != at || cluster.column != column)
             return false;
         at = cluster.end();

@@ -36,8 +36,8 @@ QList<QByteArray> rowsOf(QByteArrayView bytes, int columns)
 
 int cellsOf(const QByteArray &row, int columns)
 {
-    OutputPaneClusters clusters(row);
-    OutputCluster cluster;
+    DisplayClusters clusters(row);
+    DisplayCluster cluster;
     int column = 0;
     while (clusters.next(cluster) && OutputPaneRow::place(cluster, column, columns)) {
     }
@@ -46,8 +46,8 @@ int cellsOf(const QByteArray &row, int columns)
 
 bool isOneCharacter(const QByteArray &row)
 {
-    OutputPaneClusters clusters(row);
-    OutputCluster cluster;
+    DisplayClusters clusters(row);
+    DisplayCluster cluster;
     clusters.next(cluster);
     return cluster.size == row.size();
 }

@@ -9,7 +9,7 @@
 
 #include <cstdint>
 
-struct OutputCluster {
+struct DisplayCluster {
     enum class Look : std::uint8_t {
         plain,       ///< printable ASCII
         symbol,      ///< a character that must not act or has no shape; its name is shown
@@ -37,18 +37,18 @@ struct OutputCluster {
 /// The name that a symbol is shown by: "^[" for escape, "U+202E" for a direction mark. Always ASCII.
 QByteArray outputSymbolName(char32_t character);
 
-class OutputPaneClusters
+class DisplayClusters
 {
 public:
     /// Reads valid UTF-8 from `at`, the start of a cluster.
-    explicit OutputPaneClusters(QByteArrayView text, qsizetype at = 0) : m_text(text), m_at(at) {}
+    explicit DisplayClusters(QByteArrayView text, qsizetype at = 0) : m_text(text), m_at(at) {}
 
     /// Reads the next cluster; false at the end. A cluster of very many code points is read as several.
-    bool next(OutputCluster &cluster);
+    bool next(DisplayCluster &cluster);
 
 private:
-    void readAscii(OutputCluster &cluster) const;
-    void readAny(OutputCluster &cluster) const;
+    void readAscii(DisplayCluster &cluster) const;
+    void readAny(DisplayCluster &cluster) const;
 
     QByteArrayView m_text;
     qsizetype m_at;

@@ -1,4 +1,4 @@
-#include "Look/StatusDot.h"
+#include "Look/Rows/StatusDot.h"
 
 #include <QPainter>
 

@@ -1,4 +1,4 @@
-#include "OutputPane/OutputPaneClusters.h"
+#include "Text/DisplayClusters.h"
 
 #include "Support/Printing.h"
 #include "Text/Utf8.h"
@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-using Look = OutputCluster::Look;
+using Look = DisplayCluster::Look;
 
 struct Character {
     QString text;
@@ -22,7 +22,7 @@ struct Character {
 
 } // namespace
 
-TEST(OutputPaneClusters, TakeEveryCharacterAsAReaderSeesIt)
+TEST(DisplayClusters, TakeEveryCharacterAsAReaderSeesIt)
 {
     for (const Character &character : {
              Character{u"a"_s, Look::plain, 1},
@@ -43,8 +43,8 @@ TEST(OutputPaneClusters, TakeEveryCharacterAsAReaderSeesIt)
              Character{u"\u0627"_s, Look::rightToLeft, 1},
          }) {
         const QByteArray bytes = character.text.toUtf8();
-        OutputPaneClusters clusters(bytes);
-        OutputCluster cluster;
+        DisplayClusters clusters(bytes);
+        DisplayCluster cluster;
         ASSERT_TRUE(clusters.next(cluster));
         EXPECT_EQ(cluster.size, bytes.size()) << bytes.toHex().toStdString();
         EXPECT_EQ(cluster.look, character.look) << bytes.toHex().toStdString();
@@ -53,7 +53,7 @@ TEST(OutputPaneClusters, TakeEveryCharacterAsAReaderSeesIt)
     }
 }
 
-TEST(OutputPaneClusters, ShowByNameWhatMustNotActOrHasNoShape)
+TEST(DisplayClusters, ShowByNameWhatMustNotActOrHasNoShape)
 {
     struct Named {
         QString text;
@@ -65,8 +65,8 @@ TEST(OutputPaneClusters, ShowByNameWhatMustNotActOrHasNoShape)
                                Named{u"\u200b"_s, "U+200B"}, Named{u"\u2028"_s, "U+2028"}, Named{u"\ufeff"_s, "U+FEFF"},
                                Named{u"\u00ad"_s, "U+00AD"}, Named{u"\U000e0061"_s, "U+E0061"}}) {
         const QByteArray bytes = named.text.toUtf8();
-        OutputPaneClusters clusters(bytes);
-        OutputCluster cluster;
+        DisplayClusters clusters(bytes);
+        DisplayCluster cluster;
         ASSERT_TRUE(clusters.next(cluster));
         EXPECT_EQ(cluster.look, Look::symbol) << named.name.toStdString();
         EXPECT_EQ(outputSymbolName(cluster.first), named.name);
@@ -74,11 +74,11 @@ TEST(OutputPaneClusters, ShowByNameWhatMustNotActOrHasNoShape)
     }
 }
 
-TEST(OutputPaneClusters, BoundAPileOfAccents)
+TEST(DisplayClusters, BoundAPileOfAccents)
 {
     const QByteArray pile = (u"e"_s + QString(1000, QChar(0x0301))).toUtf8();
-    OutputPaneClusters clusters(pile);
-    OutputCluster cluster;
+    DisplayClusters clusters(pile);
+    DisplayCluster cluster;
     qsizetype size = 0;
     while (clusters.next(cluster)) {
         EXPECT_LE(cluster.size, 64);

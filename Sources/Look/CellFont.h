@@ -13,10 +13,10 @@
 #include <array>
 #include <memory>
 
-class OutputPaneFont
+class CellFont
 {
 public:
-    explicit OutputPaneFont(const QFont &font);
+    explicit CellFont(const QFont &font);
 
     const QFont &font() const { return m_font; }
     double cellWidth() const { return m_cellWidth; }

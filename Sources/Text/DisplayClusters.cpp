@@ -1,4 +1,4 @@
-#include "OutputPane/OutputPaneClusters.h"
+#include "Text/DisplayClusters.h"
 
 #include "Text/GraphemeBreaker.h"
 #include "Text/Utf8.h"
@@ -49,17 +49,17 @@ bool isJoinedScript(char32_t character)
            isBetween(character, 0xabc0, 0xabff) || isBetween(character, 0x11000, 0x11fff);
 }
 
-OutputCluster::Look lookOf(char32_t character)
+DisplayCluster::Look lookOf(char32_t character)
 {
     const UCharDirection direction = u_charDirection(static_cast<UChar32>(character));
     if (direction == U_RIGHT_TO_LEFT || direction == U_RIGHT_TO_LEFT_ARABIC)
-        return OutputCluster::Look::rightToLeft;
-    return isJoinedScript(character) ? OutputCluster::Look::joined : OutputCluster::Look::glyphs;
+        return DisplayCluster::Look::rightToLeft;
+    return isJoinedScript(character) ? DisplayCluster::Look::joined : DisplayCluster::Look::glyphs;
 }
 
-void makeSymbol(OutputCluster &cluster)
+void makeSymbol(DisplayCluster &cluster)
 {
-    cluster.look = OutputCluster::Look::symbol;
+    cluster.look = DisplayCluster::Look::symbol;
     cluster.cells = static_cast<std::int32_t>(outputSymbolName(cluster.first).size());
 }
 
@@ -74,7 +74,7 @@ QByteArray outputSymbolName(char32_t character)
     return "U+" + QByteArray::number(static_cast<quint32>(character), 16).toUpper().rightJustified(4, '0');
 }
 
-bool OutputPaneClusters::next(OutputCluster &cluster)
+bool DisplayClusters::next(DisplayCluster &cluster)
 {
     if (m_at >= m_text.size())
         return false;
@@ -88,24 +88,24 @@ bool OutputPaneClusters::next(OutputCluster &cluster)
     return true;
 }
 
-void OutputPaneClusters::readAscii(OutputCluster &cluster) const
+void DisplayClusters::readAscii(DisplayCluster &cluster) const
 {
     const auto character = static_cast<unsigned char>(m_text[m_at]);
     cluster.first = character;
     if (character >= 0x20U && character != 0x7fU)
         return;
     if (character == '\n' || (character == '\r' && m_at + 1 < m_text.size() && m_text[m_at + 1] == '\n')) {
-        cluster.look = OutputCluster::Look::lineEnd;
+        cluster.look = DisplayCluster::Look::lineEnd;
         cluster.size = character == '\n' ? 1 : 2;
         cluster.cells = 0;
     } else if (character == '\t') {
-        cluster.look = OutputCluster::Look::tab;
+        cluster.look = DisplayCluster::Look::tab;
     } else {
         makeSymbol(cluster);
     }
 }
 
-void OutputPaneClusters::readAny(OutputCluster &cluster) const
+void DisplayClusters::readAny(DisplayCluster &cluster) const
 {
     qsizetype at = m_at;
     const char32_t first = Utf8::next(m_text, at);
@@ -134,5 +134,5 @@ void OutputPaneClusters::readAny(OutputCluster &cluster) const
         return;
     }
     cluster.look = lookOf(first);
-    cluster.cells = wide || (spacingMark && cluster.look == OutputCluster::Look::joined) ? 2 : 1;
+    cluster.cells = wide || (spacingMark && cluster.look == DisplayCluster::Look::joined) ? 2 : 1;
 }

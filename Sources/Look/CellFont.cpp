@@ -1,4 +1,4 @@
-#include "OutputPane/OutputPaneFont.h"
+#include "Look/CellFont.h"
 
 #include <QFontMetricsF>
 #include <QTextOption>
@@ -14,7 +14,7 @@ constexpr qsizetype mostShaped = 4096;
 
 } // namespace
 
-OutputPaneFont::OutputPaneFont(const QFont &font) : m_font(font), m_rawFont(QRawFont::fromFont(font))
+CellFont::CellFont(const QFont &font) : m_font(font), m_rawFont(QRawFont::fromFont(font))
 {
     const QFontMetricsF metrics(font);
     m_cellWidth = std::max(1.0, metrics.horizontalAdvance(u'0'));
@@ -28,7 +28,7 @@ OutputPaneFont::OutputPaneFont(const QFont &font) : m_font(font), m_rawFont(QRaw
                 m_glyphs.begin());
 }
 
-const OutputPaneFont::Shaped &OutputPaneFont::shaped(QByteArrayView character)
+const CellFont::Shaped &CellFont::shaped(QByteArrayView character)
 {
     // A view as the key until it must be kept: looking up allocates nothing.
     const auto key = QByteArray::fromRawData(character.data(), character.size());
@@ -42,7 +42,7 @@ const OutputPaneFont::Shaped &OutputPaneFont::shaped(QByteArrayView character)
     return *m_shaped.insert(character.toByteArray(), {laidOut->glyphRuns(), line.naturalTextWidth(), line.ascent()});
 }
 
-std::unique_ptr<QTextLayout> OutputPaneFont::layout(const QString &text, Qt::LayoutDirection direction) const
+std::unique_ptr<QTextLayout> CellFont::layout(const QString &text, Qt::LayoutDirection direction) const
 {
     auto layout = std::make_unique<QTextLayout>(text, m_font);
     QTextOption option;
