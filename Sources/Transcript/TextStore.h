@@ -12,10 +12,10 @@
 // character as a reader sees it unless that is monstrous.
 //
 // Who reads asks for the bytes of one block at a time, so where a block's bytes really are is this class's own affair:
-// those near the end as they are, for speed, all others compressed (ColdBlocks.h), so that hours of a chatty script fit
-// into memory. What is known of a block, its bytes apart, is always at hand.
+// those near the end as they are, for speed, all others compressed (CompressedBlocks.h), so that hours of a chatty
+// script fit into memory. What is known of a block, its bytes apart, is always at hand.
 
-#include "Transcript/ColdBlocks.h"
+#include "Transcript/CompressedBlocks.h"
 #include "Transcript/PageMemory.h"
 #include "Transcript/PagedList.h"
 #include "Transcript/TextCount.h"
@@ -75,8 +75,8 @@ public:
     {
         return number == endBlock() ? m_end : m_blocks[number - m_firstBlock];
     }
-    /// The block's text, valid until the store changes or the bytes of `ColdBlocks::mostUnpacked` other blocks have
-    /// been asked for, by whichever call: a reader holds no more than one or two at a time.
+    /// The block's text, valid until the store changes or the bytes of `CompressedBlocks::mostUnpacked` other blocks
+    /// have been asked for, by whichever call: a reader holds no more than one or two at a time.
     QByteArrayView bytes(BlockNumber number) const;
     /// The block that holds `position`; the last one for the end. The store must not be empty.
     BlockNumber blockAt(Position position) const;
@@ -122,7 +122,7 @@ private:
     /// The text before each block.
     PagedList<TextCount> m_blocks;
     // The first blocks are cold, the others hot. To read a cold one is to unpack it.
-    mutable ColdBlocks m_cold{blockCapacity};
+    mutable CompressedBlocks m_cold{blockCapacity};
     std::deque<PageMemory> m_hot;
     std::int32_t m_droppedOfFront = 0;
     BlockNumber m_firstBlock = 0;

@@ -22,7 +22,7 @@
 struct ZSTD_CCtx_s;
 struct ZSTD_DCtx_s;
 
-class ColdBlocks
+class CompressedBlocks
 {
 public:
     /// Counted from the front, which is 0.
@@ -32,7 +32,7 @@ public:
     static constexpr std::size_t mostUnpacked = 8;
 
     /// For blocks of at most so many bytes.
-    explicit ColdBlocks(std::int32_t largestBlock) : m_largestBlock(largestBlock) {}
+    explicit CompressedBlocks(std::int32_t largestBlock) : m_largestBlock(largestBlock) {}
 
     Index size() const { return m_packed.size(); }
 

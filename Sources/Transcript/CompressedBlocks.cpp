@@ -1,4 +1,4 @@
-#include "Transcript/ColdBlocks.h"
+#include "Transcript/CompressedBlocks.h"
 
 #include <QtGlobal>
 
@@ -18,22 +18,22 @@ constexpr std::int64_t shelfSize = std::int64_t{8} * 1024 * 1024;
 
 } // namespace
 
-void ColdBlocks::Release::operator()(ZSTD_CCtx_s *context) const
+void CompressedBlocks::Release::operator()(ZSTD_CCtx_s *context) const
 {
     ZSTD_freeCCtx(context);
 }
 
-void ColdBlocks::Release::operator()(ZSTD_DCtx_s *context) const
+void CompressedBlocks::Release::operator()(ZSTD_DCtx_s *context) const
 {
     ZSTD_freeDCtx(context);
 }
 
-char *ColdBlocks::at(std::int64_t place) const
+char *CompressedBlocks::at(std::int64_t place) const
 {
     return m_shelves[static_cast<std::size_t>(place / shelfSize - m_firstShelf)].data() + place % shelfSize;
 }
 
-void ColdBlocks::append(QByteArrayView block)
+void CompressedBlocks::append(QByteArrayView block)
 {
     if (!m_compression)
         m_compression.reset(ZSTD_createCCtx());
@@ -57,7 +57,7 @@ void ColdBlocks::append(QByteArrayView block)
     m_end += static_cast<std::int64_t>(packedSize);
 }
 
-QByteArrayView ColdBlocks::read(Index index)
+QByteArrayView CompressedBlocks::read(Index index)
 {
     const Packed &packed = m_packed[index];
     if (packed.packedSize == packed.size)
@@ -72,7 +72,7 @@ QByteArrayView ColdBlocks::read(Index index)
 }
 
 /// Unpacks the block in the place of the one that was not read for the longest time.
-const PageMemory &ColdBlocks::unpack(const Packed &packed, Index number)
+const PageMemory &CompressedBlocks::unpack(const Packed &packed, Index number)
 {
     if (!m_decompression)
         m_decompression.reset(ZSTD_createDCtx());
@@ -91,7 +91,7 @@ const PageMemory &ColdBlocks::unpack(const Packed &packed, Index number)
     return unpacked.memory;
 }
 
-void ColdBlocks::dropFront(Index count)
+void CompressedBlocks::dropFront(Index count)
 {
     m_packed.dropFront(count);
     m_dropped += count;
@@ -108,7 +108,7 @@ void ColdBlocks::dropFront(Index count)
     m_firstShelf = shelf;
 }
 
-std::int64_t ColdBlocks::memory() const
+std::int64_t CompressedBlocks::memory() const
 {
     const std::int64_t unpacked = static_cast<std::int64_t>(m_unpacked.size()) * m_largestBlock;
     return m_end - m_firstShelf * shelfSize + m_packed.memory() + unpacked;

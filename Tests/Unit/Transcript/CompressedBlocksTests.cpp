@@ -1,4 +1,4 @@
-#include "Transcript/ColdBlocks.h"
+#include "Transcript/CompressedBlocks.h"
 
 #include "Support/ProcessMemory.h"
 #include "Support/Waiting.h"
@@ -29,10 +29,10 @@ QByteArray noise(RandomText &random, int size)
 
 } // namespace
 
-TEST(ColdBlocks, GivesBackEveryBlockInWhateverOrderItIsRead)
+TEST(CompressedBlocks, GivesBackEveryBlockInWhateverOrderItIsRead)
 {
     RandomText random(21);
-    ColdBlocks cold(blockSize);
+    CompressedBlocks cold(blockSize);
     std::deque<QByteArray> model;
     for (int round = 0; round < 600; ++round) {
         QByteArray block = random.below(3) == 0 ? noise(random, 1 + random.below(blockSize))
@@ -46,7 +46,7 @@ TEST(ColdBlocks, GivesBackEveryBlockInWhateverOrderItIsRead)
             cold.dropFront(dropped);
             model.erase(model.begin(), model.begin() + dropped);
         }
-        ASSERT_EQ(cold.size(), static_cast<ColdBlocks::Index>(model.size()));
+        ASSERT_EQ(cold.size(), static_cast<CompressedBlocks::Index>(model.size()));
         for (int reads = 0; reads < 4 && !model.empty(); ++reads) {
             const int index = random.below(static_cast<int>(model.size()));
             ASSERT_TRUE(cold.read(index) == model[static_cast<std::size_t>(index)]) << round;
@@ -54,43 +54,43 @@ TEST(ColdBlocks, GivesBackEveryBlockInWhateverOrderItIsRead)
     }
 }
 
-TEST(ColdBlocks, KeepsTheBlocksReadableThatWereReadLast)
+TEST(CompressedBlocks, KeepsTheBlocksReadableThatWereReadLast)
 {
-    ColdBlocks cold(blockSize);
+    CompressedBlocks cold(blockSize);
     for (char letter = 'a'; letter <= 'z'; ++letter)
         cold.append(repeated(letter));
     std::vector<QByteArrayView> views;
-    for (std::size_t index = 0; index < ColdBlocks::mostUnpacked; ++index)
-        views.push_back(cold.read(static_cast<ColdBlocks::Index>(2 * index)));
+    for (std::size_t index = 0; index < CompressedBlocks::mostUnpacked; ++index)
+        views.push_back(cold.read(static_cast<CompressedBlocks::Index>(2 * index)));
     cold.read(0); // which is unpacked already
     cold.append(repeated('!'));
     for (std::size_t index = 0; index < views.size(); ++index)
         EXPECT_TRUE(views[index] == repeated(static_cast<char>('a' + 2 * index)));
 }
 
-TEST(ColdBlocks, TakesNextToNothingForRepetitionsAndLittleMoreThanItselfForNoise)
+TEST(CompressedBlocks, TakesNextToNothingForRepetitionsAndLittleMoreThanItselfForNoise)
 {
-    ColdBlocks repetitions(blockSize);
+    CompressedBlocks repetitions(blockSize);
     for (int count = 0; count < 1000; ++count)
         repetitions.append(repeated('y'));
     EXPECT_LT(repetitions.memory(), 64 * 1024);
 
     RandomText random(22);
-    ColdBlocks noises(blockSize);
+    CompressedBlocks noises(blockSize);
     for (int count = 0; count < 50; ++count)
         noises.append(noise(random, blockSize));
     EXPECT_LT(noises.memory(), 51 * blockSize);
     EXPECT_GE(noises.memory(), 50 * blockSize);
 }
 
-TEST(ColdBlocks, GivesItsMemoryBackAsItsFrontIsDropped)
+TEST(CompressedBlocks, GivesItsMemoryBackAsItsFrontIsDropped)
 {
 #ifdef __SANITIZE_THREAD__
     GTEST_SKIP() << "What the thread sanitizer notes of memory stays when the memory itself is given back.";
 #endif
     RandomText random(23);
     const QByteArray block = noise(random, blockSize);
-    ColdBlocks cold(blockSize);
+    CompressedBlocks cold(blockSize);
     const std::int64_t before = residentMemory();
     ASSERT_GT(before, 0);
     for (int count = 0; count < 1024; ++count)
