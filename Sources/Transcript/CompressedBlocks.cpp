@@ -14,7 +14,7 @@ namespace
 
 /// The quickest that also shortens text without repetitions (base64, say) by a quarter.
 constexpr int level = 1;
-constexpr std::int64_t shelfSize = std::int64_t{8} * 1024 * 1024;
+constexpr std::int64_t slabSize = std::int64_t{8} * 1024 * 1024;
 
 } // namespace
 
@@ -30,7 +30,7 @@ void CompressedBlocks::Release::operator()(ZSTD_DCtx_s *context) const
 
 char *CompressedBlocks::at(std::int64_t place) const
 {
-    return m_shelves[static_cast<std::size_t>(place / shelfSize - m_firstShelf)].data() + place % shelfSize;
+    return m_slabs[static_cast<std::size_t>(place / slabSize - m_firstSlab)].data() + place % slabSize;
 }
 
 void CompressedBlocks::append(QByteArrayView block)
@@ -40,76 +40,77 @@ void CompressedBlocks::append(QByteArrayView block)
     if (!m_compression)
         throw std::bad_alloc();
 
-    // A block lies on one shelf. What stays free at a shelf's end is never written and so takes no memory.
-    if (m_end % shelfSize + block.size() > shelfSize)
-        m_end += shelfSize - m_end % shelfSize;
-    if (m_end / shelfSize == m_firstShelf + static_cast<std::int64_t>(m_shelves.size()))
-        m_shelves.emplace_back(shelfSize);
+    // A block lies on one slab. What stays free at a slab's end is never written and so takes no memory.
+    if (m_end % slabSize + block.size() > slabSize)
+        m_end += slabSize - m_end % slabSize;
+    if (m_end / slabSize == m_firstSlab + static_cast<std::int64_t>(m_slabs.size()))
+        m_slabs.emplace_back(slabSize);
 
     char *const place = at(m_end);
     const auto size = static_cast<std::size_t>(block.size());
-    std::size_t packedSize = ZSTD_compressCCtx(m_compression.get(), place, size - 1, block.data(), size, level);
-    if (ZSTD_isError(packedSize) != 0) {
+    std::size_t compressedSize = ZSTD_compressCCtx(m_compression.get(), place, size - 1, block.data(), size, level);
+    if (ZSTD_isError(compressedSize) != 0) {
         std::memcpy(place, block.data(), size);
-        packedSize = size;
+        compressedSize = size;
     }
-    m_packed.append({m_end, static_cast<std::int32_t>(packedSize), static_cast<std::int32_t>(size)});
-    m_end += static_cast<std::int64_t>(packedSize);
+    m_entries.append({m_end, static_cast<std::int32_t>(compressedSize), static_cast<std::int32_t>(size)});
+    m_end += static_cast<std::int64_t>(compressedSize);
 }
 
 QByteArrayView CompressedBlocks::read(Index index)
 {
-    const Packed &packed = m_packed[index];
-    if (packed.packedSize == packed.size)
-        return {at(packed.place), packed.size};
+    const Entry &entry = m_entries[index];
+    if (entry.compressedSize == entry.size)
+        return {at(entry.place), entry.size};
     const Index number = m_dropped + index;
-    const auto found = std::find_if(m_unpacked.begin(), m_unpacked.end(),
-                                    [number](const Unpacked &each) { return each.number == number; });
-    if (found == m_unpacked.end())
-        return {unpack(packed, number).data(), packed.size};
-    std::rotate(m_unpacked.begin(), found, std::next(found));
-    return {m_unpacked.front().memory.data(), packed.size};
+    const auto found = std::find_if(m_decompressed.begin(), m_decompressed.end(),
+                                    [number](const Decompressed &each) { return each.number == number; });
+    if (found == m_decompressed.end())
+        return {decompress(entry, number).data(), entry.size};
+    std::rotate(m_decompressed.begin(), found, std::next(found));
+    return {m_decompressed.front().memory.data(), entry.size};
 }
 
 /// Unpacks the block in the place of the one that was not read for the longest time.
-const PageMemory &CompressedBlocks::unpack(const Packed &packed, Index number)
+const PageMemory &CompressedBlocks::decompress(const Entry &entry, Index number)
 {
     if (!m_decompression)
         m_decompression.reset(ZSTD_createDCtx());
     if (!m_decompression)
         throw std::bad_alloc();
-    if (m_unpacked.size() < mostUnpacked)
-        m_unpacked.push_back({-1, PageMemory(static_cast<std::size_t>(m_largestBlock))});
-    std::rotate(m_unpacked.begin(), std::prev(m_unpacked.end()), m_unpacked.end());
-    Unpacked &unpacked = m_unpacked.front();
-    unpacked.number = number;
-    const auto size = static_cast<std::size_t>(packed.size);
-    const std::size_t unpackedSize = ZSTD_decompressDCtx(m_decompression.get(), unpacked.memory.data(), size,
-                                                         at(packed.place), static_cast<std::size_t>(packed.packedSize));
-    if (unpackedSize != size)
-        qFatal("A block of output cannot be unpacked: the memory that holds it was damaged.");
-    return unpacked.memory;
+    if (m_decompressed.size() < mostDecompressed)
+        m_decompressed.push_back({-1, PageMemory(static_cast<std::size_t>(m_largestBlock))});
+    std::rotate(m_decompressed.begin(), std::prev(m_decompressed.end()), m_decompressed.end());
+    Decompressed &decompressed = m_decompressed.front();
+    decompressed.number = number;
+    const auto size = static_cast<std::size_t>(entry.size);
+    const std::size_t decompressedSize =
+        ZSTD_decompressDCtx(m_decompression.get(), decompressed.memory.data(), size, at(entry.place),
+                            static_cast<std::size_t>(entry.compressedSize));
+    if (decompressedSize != size)
+        qFatal("A block of output cannot be decompressed: the memory that holds it was damaged.");
+    return decompressed.memory;
 }
 
 void CompressedBlocks::dropFront(Index count)
 {
-    m_packed.dropFront(count);
+    m_entries.dropFront(count);
     m_dropped += count;
-    if (m_packed.isEmpty()) {
-        PageMemory::giveBackFront(m_shelves, m_shelves.size());
-        m_firstShelf = m_end = 0;
-        m_unpacked.clear();
+    if (m_entries.isEmpty()) {
+        PageMemory::giveBackFront(m_slabs, m_slabs.size());
+        m_firstSlab = m_end = 0;
+        m_decompressed.clear();
         m_compression.reset();
         m_decompression.reset();
         return;
     }
-    const std::int64_t shelf = m_packed[0].place / shelfSize;
-    PageMemory::giveBackFront(m_shelves, static_cast<std::size_t>(shelf - m_firstShelf));
-    m_firstShelf = shelf;
+    const std::int64_t slab = m_entries[0].place / slabSize;
+    PageMemory::giveBackFront(m_slabs, static_cast<std::size_t>(slab - m_firstSlab));
+    m_firstSlab = slab;
 }
 
 std::int64_t CompressedBlocks::memory() const
 {
-    const std::int64_t unpacked = static_cast<std::int64_t>(m_unpacked.size()) * m_largestBlock;
-    return m_end - m_firstShelf * shelfSize + m_packed.memory() + unpacked;
+    const std::int64_t decompressed = static_cast<std::int64_t>(m_decompressed.size()) * m_largestBlock;
+    return m_end - m_firstSlab * slabSize + m_entries.memory() + decompressed;
 }

@@ -104,19 +104,19 @@ void TextStore::startBlock(QByteArrayView next)
         begin = m_end - TextCount::of(moved);
     }
     m_blocks.append(begin);
-    m_hot.push_back(std::move(memory));
+    m_plain.push_back(std::move(memory));
 }
 
-/// Memory for another block: that of the oldest hot block, which turns cold, when there are enough of them.
+/// Memory for another block: that of the oldest plain block, which is compressed, when there are enough of them.
 PageMemory TextStore::takeMemory()
 {
-    if (m_hot.size() < m_hotBlocks)
+    if (m_plain.size() < m_plainBlocks)
         return PageMemory(blockCapacity);
-    m_cold.append(bytes(firstHotBlock()));
-    if (m_cold.size() == 1)
+    m_compressed.append(bytes(firstPlainBlock()));
+    if (m_compressed.size() == 1)
         m_droppedOfFront = 0; // what was dropped of it did not go with it
-    PageMemory memory = std::move(m_hot.front());
-    m_hot.pop_front();
+    PageMemory memory = std::move(m_plain.front());
+    m_plain.pop_front();
     return memory;
 }
 
@@ -125,7 +125,7 @@ void TextStore::addToLast(QByteArrayView text)
     if (text.isEmpty())
         return;
     const BlockNumber last = endBlock() - 1;
-    std::memcpy(m_hot.back().data() + droppedOf(last) + block(last).size.bytes, text.data(),
+    std::memcpy(m_plain.back().data() + droppedOf(last) + block(last).size.bytes, text.data(),
                 static_cast<std::size_t>(text.size()));
     m_end += TextCount::of(text);
 }
@@ -135,10 +135,10 @@ void TextStore::dropFront(Position newBegin)
     const auto dropped = firstWhere(
         m_blocks.size(), [&](std::int64_t index) { return before(m_firstBlock + index + 1).bytes > newBegin; });
     if (dropped > 0) {
-        const std::int64_t cold = std::min(dropped, m_cold.size());
+        const std::int64_t compressed = std::min(dropped, m_compressed.size());
         m_blocks.dropFront(dropped);
-        m_cold.dropFront(cold);
-        PageMemory::giveBackFront(m_hot, static_cast<std::size_t>(dropped - cold));
+        m_compressed.dropFront(compressed);
+        PageMemory::giveBackFront(m_plain, static_cast<std::size_t>(dropped - compressed));
         m_firstBlock += dropped;
         m_droppedOfFront = 0;
     }
@@ -152,9 +152,9 @@ void TextStore::dropFront(Position newBegin)
 QByteArrayView TextStore::bytes(BlockNumber number) const
 {
     const std::int32_t dropped = droppedOf(number);
-    if (number < firstHotBlock())
-        return m_cold.read(number - m_firstBlock).sliced(dropped);
-    const PageMemory &memory = m_hot[static_cast<std::size_t>(number - firstHotBlock())];
+    if (number < firstPlainBlock())
+        return m_compressed.read(number - m_firstBlock).sliced(dropped);
+    const PageMemory &memory = m_plain[static_cast<std::size_t>(number - firstPlainBlock())];
     return {memory.data() + dropped, block(number).size.bytes};
 }
 
@@ -272,5 +272,5 @@ TextStore::Position TextStore::lineEnd(Position position) const
 
 std::int64_t TextStore::memory() const
 {
-    return m_blocks.memory() + m_cold.memory() + static_cast<std::int64_t>(m_hot.size()) * blockCapacity;
+    return m_blocks.memory() + m_compressed.memory() + static_cast<std::int64_t>(m_plain.size()) * blockCapacity;
 }

@@ -51,9 +51,12 @@ public:
     };
 
     /// So many blocks at the end are left uncompressed: what a run of common size prints never is compressed.
-    static constexpr std::size_t usualHotBlocks = 1024;
+    static constexpr std::size_t usualPlainBlocks = 1024;
     /// At least two: one fills up while the one before it hands on its unfinished line.
-    explicit TextStore(std::size_t hotBlocks = usualHotBlocks) : m_hotBlocks(std::max<std::size_t>(2, hotBlocks)) {}
+    explicit TextStore(std::size_t plainBlocks = usualPlainBlocks)
+        : m_plainBlocks(std::max<std::size_t>(2, plainBlocks))
+    {
+    }
 
     /// Adds valid UTF-8 that holds whole code points. Views of bytes become invalid.
     void append(QByteArrayView text);
@@ -75,8 +78,8 @@ public:
     {
         return number == endBlock() ? m_end : m_blocks[number - m_firstBlock];
     }
-    /// The block's text, valid until the store changes or the bytes of `CompressedBlocks::mostUnpacked` other blocks
-    /// have been asked for, by whichever call: a reader holds no more than one or two at a time.
+    /// The block's text, valid until the store changes or the bytes of `CompressedBlocks::mostDecompressed` other
+    /// blocks have been asked for, by whichever call: a reader holds no more than one or two at a time.
     QByteArrayView bytes(BlockNumber number) const;
     /// The block that holds `position`; the last one for the end. The store must not be empty.
     BlockNumber blockAt(Position position) const;
@@ -101,7 +104,7 @@ public:
 private:
     /// Bytes of the front block's memory that were dropped.
     std::int32_t droppedOf(BlockNumber number) const { return number == m_firstBlock ? m_droppedOfFront : 0; }
-    BlockNumber firstHotBlock() const { return m_firstBlock + m_cold.size(); }
+    BlockNumber firstPlainBlock() const { return m_firstBlock + m_compressed.size(); }
     /// Exact up to `longestMovedLine`; more is not looked at.
     qsizetype openLineBytes(BlockNumber number) const
     {
@@ -118,12 +121,12 @@ private:
     Position codePointAt(Position position) const;
     QByteArrayView bytesBetween(BlockNumber number, Position from, Position to) const;
 
-    const std::size_t m_hotBlocks;
+    const std::size_t m_plainBlocks;
     /// The text before each block.
     PagedList<TextCount> m_blocks;
-    // The first blocks are cold, the others hot. To read a cold one is to unpack it.
-    mutable CompressedBlocks m_cold{blockCapacity};
-    std::deque<PageMemory> m_hot;
+    // The first blocks are compressed, the others plain.
+    mutable CompressedBlocks m_compressed{blockCapacity};
+    std::deque<PageMemory> m_plain;
     std::int32_t m_droppedOfFront = 0;
     BlockNumber m_firstBlock = 0;
     /// All text ever appended.

@@ -32,38 +32,38 @@ QByteArray noise(RandomText &random, int size)
 TEST(CompressedBlocks, GivesBackEveryBlockInWhateverOrderItIsRead)
 {
     RandomText random(21);
-    CompressedBlocks cold(blockSize);
+    CompressedBlocks blocks(blockSize);
     std::deque<QByteArray> model;
     for (int round = 0; round < 600; ++round) {
         QByteArray block = random.below(3) == 0 ? noise(random, 1 + random.below(blockSize))
                                                 : random.text(1 + random.below(8000)).toUtf8();
         if (random.below(20) == 0)
             block = block.first(1);
-        cold.append(block);
+        blocks.append(block);
         model.push_back(block);
         if (random.below(4) == 0) {
             const int dropped = random.below(static_cast<int>(model.size()) / (random.below(10) == 0 ? 1 : 8) + 1);
-            cold.dropFront(dropped);
+            blocks.dropFront(dropped);
             model.erase(model.begin(), model.begin() + dropped);
         }
-        ASSERT_EQ(cold.size(), static_cast<CompressedBlocks::Index>(model.size()));
+        ASSERT_EQ(blocks.size(), static_cast<CompressedBlocks::Index>(model.size()));
         for (int reads = 0; reads < 4 && !model.empty(); ++reads) {
             const int index = random.below(static_cast<int>(model.size()));
-            ASSERT_TRUE(cold.read(index) == model[static_cast<std::size_t>(index)]) << round;
+            ASSERT_TRUE(blocks.read(index) == model[static_cast<std::size_t>(index)]) << round;
         }
     }
 }
 
 TEST(CompressedBlocks, KeepsTheBlocksReadableThatWereReadLast)
 {
-    CompressedBlocks cold(blockSize);
+    CompressedBlocks blocks(blockSize);
     for (char letter = 'a'; letter <= 'z'; ++letter)
-        cold.append(repeated(letter));
+        blocks.append(repeated(letter));
     std::vector<QByteArrayView> views;
-    for (std::size_t index = 0; index < CompressedBlocks::mostUnpacked; ++index)
-        views.push_back(cold.read(static_cast<CompressedBlocks::Index>(2 * index)));
-    cold.read(0); // which is unpacked already
-    cold.append(repeated('!'));
+    for (std::size_t index = 0; index < CompressedBlocks::mostDecompressed; ++index)
+        views.push_back(blocks.read(static_cast<CompressedBlocks::Index>(2 * index)));
+    blocks.read(0); // which is decompressed already
+    blocks.append(repeated('!'));
     for (std::size_t index = 0; index < views.size(); ++index)
         EXPECT_TRUE(views[index] == repeated(static_cast<char>('a' + 2 * index)));
 }
@@ -90,18 +90,18 @@ TEST(CompressedBlocks, GivesItsMemoryBackAsItsFrontIsDropped)
 #endif
     RandomText random(23);
     const QByteArray block = noise(random, blockSize);
-    CompressedBlocks cold(blockSize);
+    CompressedBlocks blocks(blockSize);
     const std::int64_t before = residentMemory();
     ASSERT_GT(before, 0);
     for (int count = 0; count < 1024; ++count)
-        cold.append(block);
+        blocks.append(block);
     constexpr std::int64_t mebibyte = 1024 * 1024;
     EXPECT_GT(residentMemory(), before + 120 * mebibyte);
-    cold.dropFront(512);
-    EXPECT_LT(cold.memory(), 73 * mebibyte); // at most one shelf is dropped in part only
+    blocks.dropFront(512);
+    EXPECT_LT(blocks.memory(), 73 * mebibyte); // at most one slab is dropped in part only
     EXPECT_TRUE(waitUntil([&] { return residentMemory() < before + 80 * mebibyte; }));
-    EXPECT_TRUE(cold.read(511) == block);
-    cold.dropFront(512);
-    EXPECT_EQ(cold.memory(), 0);
+    EXPECT_TRUE(blocks.read(511) == block);
+    blocks.dropFront(512);
+    EXPECT_EQ(blocks.memory(), 0);
     EXPECT_TRUE(waitUntil([&] { return residentMemory() < before + 16 * mebibyte; }));
 }

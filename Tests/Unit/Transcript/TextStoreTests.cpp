@@ -53,7 +53,7 @@ TEST(TextStore, HoldsExactlyWhatWasAppendedInWhateverChunks)
 {
     RandomText random(1);
     for (int round = 0; round < 30; ++round) {
-        TextStore store(round % 3 == 0 ? TextStore::usualHotBlocks : 2);
+        TextStore store(round % 3 == 0 ? TextStore::usualPlainBlocks : 2);
         QByteArray model;
         const QString text = random.text(random.below(200'000));
         for (const QByteArray &chunk : random.chunks(text, 1 + random.below(round % 2 == 0 ? 50 : 60'000))) {
@@ -233,8 +233,8 @@ TEST(TextStore, FindsWhereLinesBeginAndEnd)
 TEST(TextStore, KnowsAndReadsTheSameWhereverItsBytesAre)
 {
     RandomText random(4);
-    TextStore hot;
-    TextStore cold(2);
+    TextStore plain;
+    TextStore compressed(2);
     TextStore::Position model = 0; // where all text ever appended ends
     QByteArray all;
     for (int round = 0; round < 150; ++round) {
@@ -245,39 +245,40 @@ TEST(TextStore, KnowsAndReadsTheSameWhereverItsBytesAre)
                                  : kind == 1 ? QStringView(u"\u4e2d\U0001F600").toString().repeated(size / 7).toUtf8()
                                  : kind == 2 ? linesOf(80, size / 80)
                                              : random.text(size / 3).toUtf8();
-        hot.append(chunk);
-        cold.append(chunk);
+        plain.append(chunk);
+        compressed.append(chunk);
         all += chunk;
         model += chunk.size();
         if (round % 10 == 9) {
             const bool clears = random.below(6) == 0;
             TextStore::Position target =
-                clears ? model : hot.begin() + random.below(static_cast<int>(model - hot.begin()) + 1);
+                clears ? model : plain.begin() + random.below(static_cast<int>(model - plain.begin()) + 1);
             while (target < model && (static_cast<unsigned char>(all[target]) & 0xc0U) == 0x80U)
                 ++target;
-            hot.dropFront(target);
-            cold.dropFront(target);
+            plain.dropFront(target);
+            compressed.dropFront(target);
         }
-        ASSERT_EQ(cold.begin(), hot.begin());
-        ASSERT_EQ(cold.end(), hot.end());
-        ASSERT_EQ(cold.firstBlock(), hot.firstBlock());
-        ASSERT_EQ(cold.endBlock(), hot.endBlock());
-        for (TextStore::BlockNumber number = cold.firstBlock(); number < cold.endBlock(); ++number)
-            ASSERT_EQ(cold.block(number), hot.block(number));
-        for (int reads = 0; reads < 8 && !hot.isEmpty(); ++reads) {
-            const TextStore::Position at = hot.begin() + random.below(static_cast<int>(hot.end() - hot.begin()) + 1);
-            const TextStore::Position to = std::min<TextStore::Position>(at + random.below(300'000), hot.end());
-            ASSERT_EQ(cold.text(at, to), hot.text(at, to));
-            ASSERT_EQ(cold.lineBegin(at), hot.lineBegin(at));
-            ASSERT_EQ(cold.lineEnd(at), hot.lineEnd(at));
-            ASSERT_EQ(cold.utf16Offset(at), hot.utf16Offset(at));
-            ASSERT_EQ(cold.positionAtUtf16(hot.utf16Offset(at)), hot.positionAtUtf16(hot.utf16Offset(at)));
-            const TextStore::BlockNumber number = hot.blockAt(at);
-            ASSERT_TRUE(cold.bytes(number) == hot.bytes(number));
+        ASSERT_EQ(compressed.begin(), plain.begin());
+        ASSERT_EQ(compressed.end(), plain.end());
+        ASSERT_EQ(compressed.firstBlock(), plain.firstBlock());
+        ASSERT_EQ(compressed.endBlock(), plain.endBlock());
+        for (TextStore::BlockNumber number = compressed.firstBlock(); number < compressed.endBlock(); ++number)
+            ASSERT_EQ(compressed.block(number), plain.block(number));
+        for (int reads = 0; reads < 8 && !plain.isEmpty(); ++reads) {
+            const TextStore::Position at =
+                plain.begin() + random.below(static_cast<int>(plain.end() - plain.begin()) + 1);
+            const TextStore::Position to = std::min<TextStore::Position>(at + random.below(300'000), plain.end());
+            ASSERT_EQ(compressed.text(at, to), plain.text(at, to));
+            ASSERT_EQ(compressed.lineBegin(at), plain.lineBegin(at));
+            ASSERT_EQ(compressed.lineEnd(at), plain.lineEnd(at));
+            ASSERT_EQ(compressed.utf16Offset(at), plain.utf16Offset(at));
+            ASSERT_EQ(compressed.positionAtUtf16(plain.utf16Offset(at)), plain.positionAtUtf16(plain.utf16Offset(at)));
+            const TextStore::BlockNumber number = plain.blockAt(at);
+            ASSERT_TRUE(compressed.bytes(number) == plain.bytes(number));
         }
     }
-    EXPECT_EQ(allBytes(cold), all.sliced(hot.begin()));
-    expectSoundBlocks(cold);
+    EXPECT_EQ(allBytes(compressed), all.sliced(plain.begin()));
+    expectSoundBlocks(compressed);
 }
 
 TEST(TextStore, NeedsNoBytesToFindTheEndsOfALineThatGoesOnForBlocks)
@@ -295,7 +296,7 @@ TEST(TextStore, NeedsNoBytesToFindTheEndsOfALineThatGoesOnForBlocks)
     EXPECT_TRUE(held == before);
 }
 
-TEST(TextStore, HoldsAFloodOfOneWordInHardlyMoreThanItsHotBlocks)
+TEST(TextStore, HoldsAFloodOfOneWordInHardlyMoreThanItsPlainBlocks)
 {
     TextStore store(16);
     const QByteArray piece = QByteArray("y\n").repeated(32 * 1024);
@@ -314,8 +315,8 @@ TEST(TextStore, GivesItsMemoryBackToTheSystemWhenItIsCleared)
     QByteArray piece(mebibyte, Qt::Uninitialized);
     for (char &byte : piece)
         byte = static_cast<char>(' ' + random.below(64));
-    for (const std::size_t hotBlocks : {std::size_t{2}, TextStore::usualHotBlocks}) {
-        TextStore store(hotBlocks);
+    for (const std::size_t plainBlocks : {std::size_t{2}, TextStore::usualPlainBlocks}) {
+        TextStore store(plainBlocks);
         const std::int64_t before = residentMemory();
         for (int count = 0; count < 100; ++count)
             store.append(piece);
