@@ -34,7 +34,13 @@ void alignToMargin(const QMessageBox &alert)
 
 QMessageBox *make(QWidget *parent, const QString &title, const QString &message)
 {
-    auto *alert = new QMessageBox(parent);
+    // Over a hidden window nothing would be seen of it: then it stands by itself.
+    auto *alert = new QMessageBox(parent->window()->isVisible() ? parent : nullptr);
+#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
+    // Before the texts are set, which choose between the two. The system's own on macOS knows no Escape, and there are
+    // versions of it that cannot be clicked.
+    alert->setOption(QMessageBox::Option::DontUseNativeDialog);
+#endif
     alert->setAttribute(Qt::WA_DeleteOnClose);
     alert->setWindowModality(Qt::WindowModal);
     alert->setTextFormat(Qt::PlainText);
@@ -43,7 +49,7 @@ QMessageBox *make(QWidget *parent, const QString &title, const QString &message)
     return alert;
 }
 
-void show(QMessageBox *alert, QPushButton *usual, const std::function<void()> &finished)
+void show(QMessageBox *alert, const QWidget *over, QPushButton *usual, const std::function<void()> &finished)
 {
     alert->setDefaultButton(usual);
     alert->setEscapeButton(usual);
@@ -59,9 +65,8 @@ void show(QMessageBox *alert, QPushButton *usual, const std::function<void()> &f
             label->setMinimumWidth(textWidth);
     }
     alignToMargin(*alert);
-    QWidget *const parent = alert->parentWidget();
-    const QPointer<QWidget> focused = parent->window()->focusWidget();
-    QObject::connect(alert, &QMessageBox::finished, parent, [focused, finished] {
+    const QPointer<QWidget> focused = over->window()->focusWidget();
+    QObject::connect(alert, &QMessageBox::finished, alert, [focused, finished] {
         if (focused)
             focused->setFocus();
         finished();
@@ -78,7 +83,7 @@ QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &m
     const QAbstractButton *accept = alert->addButton(
         acceptLabel, kind == Kind::destructive ? QMessageBox::DestructiveRole : QMessageBox::AcceptRole);
     QPushButton *cancel = alert->addButton(cancelLabel, QMessageBox::RejectRole);
-    show(alert, cancel, [alert, accept, accepted] {
+    show(alert, parent, cancel, [alert, accept, accepted] {
         if (alert->clickedButton() == accept)
             accepted();
     });
@@ -88,6 +93,6 @@ QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &m
 QMessageBox *Alert::tell(QWidget *parent, const QString &title, const QString &message)
 {
     QMessageBox *alert = make(parent, title, message);
-    show(alert, alert->addButton(u"OK"_s, QMessageBox::AcceptRole), [] {});
+    show(alert, parent, alert->addButton(u"OK"_s, QMessageBox::AcceptRole), [] {});
     return alert;
 }
