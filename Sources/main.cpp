@@ -2,6 +2,7 @@
 #include "TidewellApp/MenuBarStyle.h"
 #include "TidewellApp/TidewellApp.h"
 
+#include <QAccessible>
 #include <QApplication>
 
 using namespace Qt::StringLiterals;
@@ -17,5 +18,8 @@ int main(int argumentCount, char *arguments[])
 #endif
     TidewellApp tidewell;
     tidewell.window().show();
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    // Assistive technology that still asks while the windows go has hung and crashed programs on macOS.
+    QAccessible::cleanup();
+    return status;
 }

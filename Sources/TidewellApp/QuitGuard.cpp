@@ -41,6 +41,10 @@ QuitGuard::Closing QuitGuard::platformClosing()
 
 bool QuitGuard::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == &m_window && m_closing == Closing::hides && leavesFullScreen(*event)) {
+        event->ignore();
+        return true;
+    }
     const bool isQuitting = watched == qApp && event->type() == QEvent::Quit;
     const bool isClosing = watched == &m_window && event->type() == QEvent::Close && m_closing == Closing::quits;
     if ((isQuitting || isClosing) && !mayQuit()) {
@@ -84,6 +88,21 @@ void QuitGuard::runEnded()
     // Queued: the run has still to return from its last step.
     if (m_quitsAfterRun && !m_run.isRunning())
         QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+/// Hiding a full-screen window leaves a black space on macOS: it leaves full screen first and is closed after that.
+bool QuitGuard::leavesFullScreen(const QEvent &event)
+{
+    if (event.type() == QEvent::Close && m_window.isFullScreen()) {
+        m_closesWhenNormal = true;
+        m_window.showNormal();
+        return true;
+    }
+    if (event.type() == QEvent::WindowStateChange && m_closesWhenNormal && !m_window.isFullScreen()) {
+        m_closesWhenNormal = false;
+        QMetaObject::invokeMethod(&m_window, &QWidget::close, Qt::QueuedConnection);
+    }
+    return false;
 }
 
 void QuitGuard::showWindow()

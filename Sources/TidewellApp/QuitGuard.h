@@ -9,7 +9,8 @@
 //                                                          (machine deleted, history written) ──▶ the application ends
 //   it is stopping:   quit ──▶ nothing more; the end is near
 //
-// Closing the window is quitting, or, on macOS, only hides it: the run lives on, and the Dock icon brings it back.
+// Closing the window is quitting, or, on macOS, only hides it (after it has left full screen): the run lives on, and
+// the Dock icon brings it back.
 
 #include <QObject>
 #include <QPointer>
@@ -38,12 +39,14 @@ private:
     void ask();
     void stopAndQuit();
     void runEnded();
+    bool leavesFullScreen(const QEvent &event);
     void showWindow();
 
     RunController &m_run;
     QWidget &m_window;
     const Closing m_closing;
     bool m_quitsAfterRun = false;
+    bool m_closesWhenNormal = false;
     /// The last question; it goes after it was closed.
     QPointer<QMessageBox> m_question;
 };

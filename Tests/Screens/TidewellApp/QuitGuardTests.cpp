@@ -234,3 +234,18 @@ TEST(TidewellApp, MayEndWhileAToolIsStillAnswering)
     EXPECT_TRUE(waitFor(tools.setup.refresh()));
     EXPECT_EQ(tools.orbStack.calls(u"<list><-f><json>"_s), 0);
 }
+
+TEST(QuitGuard, LeavesFullScreenBeforeItHidesTheWindow)
+{
+    Guarded guarded(QuitGuard::Closing::hides);
+    guarded.window.showFullScreen();
+    ASSERT_TRUE(waitUntil([&] { return guarded.window.isFullScreen(); }));
+    bool wasFullScreenWhenHidden = false;
+    guarded.window.close();
+    EXPECT_TRUE(waitUntil([&] {
+        if (!guarded.window.isVisible())
+            wasFullScreenWhenHidden = guarded.window.isFullScreen();
+        return !guarded.window.isVisible();
+    }));
+    EXPECT_FALSE(wasFullScreenWhenHidden);
+}
