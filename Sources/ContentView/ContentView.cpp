@@ -55,9 +55,12 @@ protected:
 
 ContentView::ContentView(const Controllers &controllers, QWidget *parent, std::chrono::milliseconds pollInterval)
     : QWidget(parent),
-      m_controllers(controllers)
+      m_controllers(controllers),
+      m_runActions(this)
 {
     setMinimumSize(820, 640);
+    // The shortcuts work in the window, whether or not it has a menu bar.
+    addActions(m_runActions.all());
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -114,6 +117,18 @@ void ContentView::setTab(AppTab tab)
     focusScreen();
 }
 
+void ContentView::replaceScript(const QString &script)
+{
+    setTab(AppTab::run);
+    if (auto *screen = qobject_cast<RunView *>(m_screen->widget()))
+        screen->replaceScript(script);
+}
+
+void ContentView::refresh()
+{
+    refreshAll(&m_controllers.setup, &m_controllers.machines, &m_controllers.containers);
+}
+
 void ContentView::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
@@ -140,7 +155,7 @@ QWidget *ContentView::makeScreen()
 {
     switch (m_tab) {
     case AppTab::run:
-        return new RunView(m_controllers);
+        return new RunView(m_controllers, m_runActions);
     case AppTab::machines:
         return new MachinesView(m_controllers);
     case AppTab::history: {

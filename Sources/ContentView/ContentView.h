@@ -8,6 +8,7 @@
 
 #include "ContentView/AppTab.h"
 #include "ContentView/Controllers.h"
+#include "ContentView/RunActions.h"
 
 #include <QCoroTask>
 #include <QTimer>
@@ -33,6 +34,15 @@ public:
     /// Selects a tab: the screen before it is discarded with what was typed there, the new one is built fresh.
     void setTab(AppTab tab);
 
+    /// What the Run screen offers, for menus; as long as the view lives.
+    const RunActions &runActions() const { return m_runActions; }
+
+    /// Selects the Run tab and puts another script into the editor, which the user can undo there.
+    void replaceScript(const QString &script);
+
+    /// Asks the tools anew, once, beside the rounds.
+    void refresh();
+
 Q_SIGNALS:
     void tabChanged(AppTab tab);
 
@@ -48,6 +58,7 @@ private:
     QCoro::Task<> poll(int appearance);
 
     const Controllers m_controllers;
+    const RunActions m_runActions;
     AppTab m_tab = AppTab::run;
     QTabBar *m_selector;
     QScrollArea *m_screen;

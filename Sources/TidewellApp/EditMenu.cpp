@@ -44,7 +44,7 @@ void follow(QAction *action, const Edit &edit)
 
 } // namespace
 
-void EditMenu::add(QMainWindow &window)
+QMenu *EditMenu::add(QMainWindow &window)
 {
     const std::array edits{
         Edit{u"&Undo"_s, QKeySequence::Undo, "undo", true},
@@ -62,4 +62,5 @@ void EditMenu::add(QMainWindow &window)
         action->setShortcut(edit.key);
         follow(action, edit);
     }
+    return menu;
 }

@@ -1,14 +1,43 @@
 #include "TidewellApp/MainWindow.h"
 
 #include "ContentView/ContentView.h"
+#include "RunController/RunController.h"
 #include "TidewellApp/Menus.h"
 
+#include <QApplication>
+#include <QScreen>
+#include <QSettings>
+
 using namespace Qt::StringLiterals;
+
+namespace
+{
+
+const auto placeKey = u"windowPlace"_s;
+
+} // namespace
 
 MainWindow::MainWindow(const Controllers &controllers) : m_content(new ContentView(controllers, this))
 {
     setWindowTitle(u"Tidewell"_s);
     setCentralWidget(m_content);
-    Menus::add(*this, *m_content, controllers.setup);
-    resize(960, 760);
+    Menus::add(*this, *m_content, controllers);
+    restorePlace();
+    connect(&controllers.run, &RunController::isRunningChanged, this, [this, &run = controllers.run] {
+        if (!run.isRunning() && QGuiApplication::applicationState() != Qt::ApplicationActive)
+            Q_EMIT attentionWanted();
+    });
+    connect(this, &MainWindow::attentionWanted, this, [this] { QApplication::alert(this); });
+}
+
+MainWindow::~MainWindow()
+{
+    QSettings().setValue(placeKey, saveGeometry());
+}
+
+void MainWindow::restorePlace()
+{
+    resize(QSize(960, 760).boundedTo(screen()->availableSize()));
+    // Brings a window whose screen is gone back onto one that is there.
+    restoreGeometry(QSettings().value(placeKey).toByteArray());
 }

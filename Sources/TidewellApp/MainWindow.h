@@ -1,6 +1,7 @@
 #pragma once
 
-// The one window: the menu bar and the content.
+// The one window: the menu bar and the content. It remembers its size and place from one start to the next, and asks
+// for attention when a run has ended while the user was elsewhere.
 
 #include "ContentView/Controllers.h"
 
@@ -15,9 +16,16 @@ class MainWindow : public QMainWindow
 public:
     /// The controllers must outlive it.
     explicit MainWindow(const Controllers &controllers);
+    ~MainWindow() override;
 
     ContentView &content() { return *m_content; }
 
+Q_SIGNALS:
+    /// A run has ended while another application was in use.
+    void attentionWanted();
+
 private:
+    void restorePlace();
+
     ContentView *m_content;
 };

@@ -1,40 +1,23 @@
 #include "TidewellApp/Menus.h"
 
 #include "ContentView/ContentView.h"
+#include "ContentView/Controllers.h"
+#include "Look/Alert.h"
 #include "SetupController/SetupController.h"
 #include "TidewellApp/EditMenu.h"
+#include "TidewellApp/FileMenu.h"
+#include "TidewellApp/HelpWindow.h"
 
 #include <QActionGroup>
 #include <QApplication>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
 
 using namespace Qt::StringLiterals;
 
 namespace
 {
-
-void openAbout(QWidget &window)
-{
-    auto *about = new QMessageBox(QMessageBox::NoIcon, u"About Tidewell"_s, u"Tidewell "_s + qApp->applicationVersion(),
-                                  QMessageBox::Close, &window);
-    about->setAttribute(Qt::WA_DeleteOnClose);
-    about->setTextFormat(Qt::PlainText);
-    about->setInformativeText(u"Try shell scripts in real Linux machines instead of on your Mac."_s);
-    about->open();
-}
-
-void addFileMenu(QMainWindow &window)
-{
-    QMenu *file = window.menuBar()->addMenu(u"&File"_s);
-    QAction *close = file->addAction(u"&Close Window"_s, &window, &QWidget::close);
-    close->setShortcut(QKeySequence::Close);
-    QAction *quit = file->addAction(u"&Quit Tidewell"_s, qApp, &QApplication::quit);
-    quit->setMenuRole(QAction::QuitRole);
-    quit->setShortcut(Qt::CTRL | Qt::Key_Q);
-}
 
 void addViewMenu(QMainWindow &window, ContentView &content)
 {
@@ -42,7 +25,6 @@ void addViewMenu(QMainWindow &window, ContentView &content)
     auto *group = new QActionGroup(view);
     for (const AppTab tab : allAppTabs) {
         QAction *action = view->addAction(rawValue(tab), &content, [&content, tab] { content.setTab(tab); });
-        action->setMenuRole(QAction::NoRole);
         action->setShortcut(QKeySequence(static_cast<int>(Qt::CTRL) | (Qt::Key_1 + static_cast<int>(tab))));
         action->setCheckable(true);
         action->setChecked(tab == content.tab());
@@ -50,6 +32,18 @@ void addViewMenu(QMainWindow &window, ContentView &content)
         QObject::connect(&content, &ContentView::tabChanged, action,
                          [action, tab](AppTab selected) { action->setChecked(tab == selected); });
     }
+    view->addSeparator();
+    QAction *refresh = view->addAction(u"Re&fresh"_s, &content, &ContentView::refresh);
+    refresh->setShortcut(Qt::CTRL | Qt::Key_R);
+}
+
+void addRunMenu(QMainWindow &window, const ContentView &content)
+{
+    QMenu *run = window.menuBar()->addMenu(u"&Run"_s);
+    const RunActions &actions = content.runActions();
+    run->addActions({actions.run, actions.stop});
+    run->addSeparator();
+    run->addActions({actions.copyOutput, actions.clearOutput});
 }
 
 void addWindowMenu(QMainWindow &window)
@@ -57,32 +51,56 @@ void addWindowMenu(QMainWindow &window)
     QMenu *menu = window.menuBar()->addMenu(u"&Window"_s);
     QAction *minimize = menu->addAction(u"&Minimize"_s, &window, &QWidget::showMinimized);
     minimize->setShortcut(Qt::CTRL | Qt::Key_M);
-    menu->addAction(u"&Zoom"_s, &window,
-                    [&window] { window.isMaximized() ? window.showNormal() : window.showMaximized(); });
+    QAction *zoom = menu->addAction(u"&Zoom"_s, &window,
+                                    [&window] { window.isMaximized() ? window.showNormal() : window.showMaximized(); });
+    // On macOS the menu bar stays when the window is hidden, which must not come back half-way.
+    QObject::connect(menu, &QMenu::aboutToShow, &window, [&window, minimize, zoom] {
+        minimize->setEnabled(window.isVisible());
+        zoom->setEnabled(window.isVisible());
+    });
+    menu->addSeparator();
+    menu->addAction(u"&Tidewell"_s, &window, [&window] {
+        window.show();
+        window.raise();
+        window.activateWindow();
+    });
 }
 
 void addHelpMenu(QMainWindow &window, SetupController &setup)
 {
     QMenu *help = window.menuBar()->addMenu(u"&Help"_s);
+    QAction *page = help->addAction(u"Tidewell &Help"_s, &window, [&window] { HelpWindow::show(window); });
+    page->setShortcut(QKeySequence::HelpContents);
     help->addAction(u"&OrbStack Website"_s, &setup, &SetupController::openOrbStackSite);
-    QAction *about = help->addAction(u"&About Tidewell"_s, &window, [&window] { openAbout(window); });
+    QAction *about = help->addAction(u"&About Tidewell"_s, &window, [&window] {
+        Alert::tell(&window, u"Tidewell "_s + qApp->applicationVersion(),
+                    u"Try shell scripts in real Linux machines instead of on your Mac."_s);
+    });
     about->setMenuRole(QAction::AboutRole);
+}
+
+/// Of no other item the place is guessed from its text; only those of Edit keep that role, by which the system's own
+/// panels find Copy and Paste.
+void keepInPlace(QMenu &menu)
+{
+    for (QAction *action : menu.actions()) {
+        if (action->menuRole() == QAction::TextHeuristicRole)
+            action->setMenuRole(QAction::NoRole);
+    }
 }
 
 } // namespace
 
-void Menus::add(QMainWindow &window, ContentView &content, SetupController &setup)
+void Menus::add(QMainWindow &window, ContentView &content, const Controllers &controllers)
 {
-    addFileMenu(window);
-    EditMenu::add(window);
+    FileMenu::add(window, content, controllers.run);
+    QMenu *edit = EditMenu::add(window);
     addViewMenu(window, content);
+    addRunMenu(window, content);
     addWindowMenu(window);
-    addHelpMenu(window, setup);
-    // Only the two actions with a role of their own move to the application's menu; none is guessed from its text.
+    addHelpMenu(window, controllers.setup);
     for (QMenu *menu : window.menuBar()->findChildren<QMenu *>(Qt::FindDirectChildrenOnly)) {
-        for (QAction *action : menu->actions()) {
-            if (action->menuRole() == QAction::TextHeuristicRole)
-                action->setMenuRole(QAction::NoRole);
-        }
+        if (menu != edit)
+            keepInPlace(*menu);
     }
 }

@@ -16,16 +16,16 @@ using namespace Qt::StringLiterals;
 
 RunStatus::RunStatus(RunController &run, QWidget *parent) : QWidget(parent), m_run(run)
 {
-    QPushButton *stop = Controls::button(u"Stop"_s, u"Stop the run"_s, this);
-    connect(stop, &QPushButton::clicked, &run, &RunController::stop);
-    setFocusProxy(stop);
+    m_stop = Controls::button(u"Stop"_s, u"Stop the run"_s, this);
+    connect(m_stop, &QPushButton::clicked, &run, &RunController::stop);
+    setFocusProxy(m_stop);
     m_phase = new PlainLabel({}, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd, this);
     m_elapsed = new PlainLabel({}, Typography::body(), Colours::secondary, PlainLabel::Fit::elideEnd, this);
 
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(8);
-    row->addWidget(stop);
+    row->addWidget(m_stop);
     row->addWidget(new Spinner(this));
     row->addWidget(m_phase);
     row->addWidget(m_elapsed);

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 class PlainLabel;
+class QPushButton;
 class RunController;
 
 class RunStatus : public QWidget
@@ -17,11 +18,14 @@ public:
     /// The focus proxy is the Stop button. `run` must outlive it.
     explicit RunStatus(RunController &run, QWidget *parent = nullptr);
 
+    QPushButton *stopButton() const { return m_stop; }
+
 private:
     void showElapsed();
     void followStart();
 
     RunController &m_run;
+    QPushButton *m_stop;
     PlainLabel *m_phase;
     PlainLabel *m_elapsed;
     QTimer m_second;

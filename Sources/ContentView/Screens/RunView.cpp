@@ -1,5 +1,6 @@
 #include "ContentView/Screens/RunView.h"
 
+#include "ContentView/RunActions.h"
 #include "ContentView/Screens/DisposableToggle.h"
 #include "ContentView/Screens/FolderPicker.h"
 #include "ContentView/Screens/MachinePicker.h"
@@ -18,7 +19,6 @@
 #include "SetupController/SetupController.h"
 
 #include <QHBoxLayout>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -41,21 +41,23 @@ PlainLabel *caption(const QString &text, ColourOfPalette colour, QWidget *parent
 
 } // namespace
 
-RunView::RunView(const Controllers &controllers, QWidget *parent) : QWidget(parent), m_controllers(controllers)
+RunView::RunView(const Controllers &controllers, const RunActions &actions, QWidget *parent)
+    : QWidget(parent),
+      m_controllers(controllers)
 {
     auto *layout = new QVBoxLayout(this);
     layout->setSpacing(sectionSpacing);
-    auto *editor = new ScriptEditor(controllers.run, this);
-    setFocusProxy(editor);
-    layout->addWidget(editor, 1);
+    m_editor = new ScriptEditor(controllers.run, this);
+    setFocusProxy(m_editor);
+    layout->addWidget(m_editor, 1);
     layout->addLayout(makeMachineSection());
     layout->addLayout(makeFolderSection());
     layout->addLayout(makePackageRow());
-    layout->addLayout(makeRunRow());
+    layout->addLayout(makeRunRow(actions));
 
     auto *output = new QVBoxLayout;
     output->setSpacing(6);
-    output->addLayout(makeOutputHeader());
+    output->addLayout(makeOutputHeader(actions));
     output->addWidget(new OutputPane(controllers.run, this), 1);
     layout->addLayout(output, 2);
 
@@ -68,6 +70,11 @@ const Machine *RunView::selectedMachine() const
     const auto found = std::find_if(machines.cbegin(), machines.cend(),
                                     [this](const Machine &machine) { return machine.name == m_selected; });
     return found == machines.cend() ? nullptr : &*found;
+}
+
+void RunView::replaceScript(const QString &script)
+{
+    m_editor->replaceText(script);
 }
 
 bool RunView::canRun() const
@@ -157,18 +164,14 @@ QLayout *RunView::makePackageRow()
     return row;
 }
 
-QLayout *RunView::makeRunRow()
+QLayout *RunView::makeRunRow(const RunActions &actions)
 {
     m_run = Controls::button(u"Run"_s, {}, this);
-    m_run->setShortcut(Qt::CTRL | Qt::Key_Return);
-    auto *fromKeypad = new QShortcut(Qt::CTRL | Qt::Key_Enter, this);
     m_status = new RunStatus(m_controllers.run, this);
+    actions.run->setButton(m_run);
+    actions.stop->setButton(m_status->stopButton());
     m_startHint = caption(u"Start OrbStack to run commands."_s, Colours::secondary, this);
     connect(m_run, &QPushButton::clicked, this, &RunView::start);
-    connect(fromKeypad, &QShortcut::activated, m_run, [this] {
-        if (m_run->isVisible())
-            m_run->click();
-    });
 
     auto *row = new QHBoxLayout;
     row->setSpacing(controlSpacing);
@@ -179,7 +182,7 @@ QLayout *RunView::makeRunRow()
     return row;
 }
 
-QLayout *RunView::makeOutputHeader()
+QLayout *RunView::makeOutputHeader(const RunActions &actions)
 {
     auto *title =
         new PlainLabel(u"Output"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this);
@@ -190,6 +193,8 @@ QLayout *RunView::makeOutputHeader()
         OutputCopy::copy(this, transcript, transcript.begin(), transcript.end());
     });
     connect(clear, &QPushButton::clicked, &m_controllers.run, &RunController::clearTranscript);
+    actions.copyOutput->setButton(copy);
+    actions.clearOutput->setButton(clear);
 
     auto *row = new QHBoxLayout;
     row->setSpacing(controlSpacing);

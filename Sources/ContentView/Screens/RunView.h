@@ -20,18 +20,23 @@ class QLabel;
 class QLayout;
 class QLineEdit;
 class QPushButton;
+struct RunActions;
 class RunStatus;
+class ScriptEditor;
 
 class RunView : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// The focus proxy is the script editor.
-    explicit RunView(const Controllers &controllers, QWidget *parent = nullptr);
+    /// The focus proxy is the script editor. `actions` get this screen's buttons and must outlive it.
+    RunView(const Controllers &controllers, const RunActions &actions, QWidget *parent = nullptr);
 
     /// The chosen machine, if the store still lists it.
     const Machine *selectedMachine() const;
+
+    /// Puts another script into the editor as one step that can be undone.
+    void replaceScript(const QString &script);
 
     /// OrbStack runs, there is a script, and there is a machine to run it in or disposable mode is on.
     bool canRun() const;
@@ -40,8 +45,8 @@ private:
     QLayout *makeMachineSection();
     QLayout *makeFolderSection();
     QLayout *makePackageRow();
-    QLayout *makeRunRow();
-    QLayout *makeOutputHeader();
+    QLayout *makeRunRow(const RunActions &actions);
+    QLayout *makeOutputHeader(const RunActions &actions);
     void followControllers();
 
     /// Chooses the first running machine, or else the first, when the chosen one is not listed.
@@ -54,6 +59,7 @@ private:
     const Controllers m_controllers;
     /// Name of the chosen machine; empty when none.
     QString m_selected;
+    ScriptEditor *m_editor = nullptr;
     QLabel *m_machineLabel = nullptr;
     MachinePicker *m_machine = nullptr;
     DisposableToggle *m_disposable = nullptr;

@@ -27,6 +27,14 @@ ScriptEditor::ScriptEditor(RunController &run, QWidget *parent) : QPlainTextEdit
     connect(&run, &RunController::scriptChanged, this, &ScriptEditor::takeScript);
 }
 
+void ScriptEditor::replaceText(const QString &text)
+{
+    QTextCursor all(document());
+    all.select(QTextCursor::Document);
+    all.insertText(text);
+    moveCursor(QTextCursor::Start);
+}
+
 QSize ScriptEditor::sizeHint() const
 {
     return {QPlainTextEdit::sizeHint().width(), minimumHeight()};

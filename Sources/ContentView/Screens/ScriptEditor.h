@@ -15,6 +15,9 @@ public:
     /// `run` must outlive it.
     explicit ScriptEditor(RunController &run, QWidget *parent = nullptr);
 
+    /// Replaces the whole text in one step that can be undone.
+    void replaceText(const QString &text);
+
     /// Its smallest height: whatever more it gets comes from the window's size.
     QSize sizeHint() const override;
 

@@ -9,6 +9,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QTextBrowser>
 
 using namespace Qt::StringLiterals;
 
@@ -38,10 +39,10 @@ TEST(Menus, StandInTheirUsualOrder)
     QStringList titles;
     for (const QAction *each : window.menuBar()->actions())
         titles.append(each->text().remove(u'&'));
-    EXPECT_EQ(titles, QStringList({u"File"_s, u"Edit"_s, u"View"_s, u"Window"_s, u"Help"_s}));
+    EXPECT_EQ(titles, QStringList({u"File"_s, u"Edit"_s, u"View"_s, u"Run"_s, u"Window"_s, u"Help"_s}));
 }
 
-TEST(Menus, GiveOnlyAboutAndQuitARoleOfTheirOwn)
+TEST(Menus, GiveOnlyAboutAndQuitARoleOfTheirOwnAndLeaveEditToTheSystem)
 {
     TestWindow tools;
     const MainWindow window(tools.controllers());
@@ -52,6 +53,8 @@ TEST(Menus, GiveOnlyAboutAndQuitARoleOfTheirOwn)
                 EXPECT_EQ(each->menuRole(), QAction::AboutRole);
             else if (label == u"Quit Tidewell"_s)
                 EXPECT_EQ(each->menuRole(), QAction::QuitRole);
+            else if (menu->text() == u"&Edit"_s && !each->isSeparator())
+                EXPECT_EQ(each->menuRole(), QAction::TextHeuristicRole) << label.toStdString();
             else
                 EXPECT_EQ(each->menuRole(), QAction::NoRole) << label.toStdString();
         }
@@ -109,4 +112,99 @@ TEST(Menus, OpenTheWebsiteAndTheAboutBoxWithoutBlocking)
     ASSERT_NE(about, nullptr);
     EXPECT_TRUE(about->isVisible());
     EXPECT_EQ(about->textFormat(), Qt::PlainText);
+}
+
+TEST(Menus, ShowAboutByItselfWhileTheWindowIsHidden)
+{
+    TestWindow tools;
+    const MainWindow window(tools.controllers());
+    action(window, u"Help"_s, u"About Tidewell"_s)->trigger();
+    QWidget *about = QApplication::activeModalWidget();
+    ASSERT_TRUE(waitUntil([&about] {
+        for (QWidget *each : QApplication::topLevelWidgets()) {
+            if (qobject_cast<QMessageBox *>(each) != nullptr && each->isVisible())
+                about = each;
+        }
+        return about != nullptr;
+    }));
+    EXPECT_EQ(about->parentWidget(), nullptr);
+    about->close();
+}
+
+TEST(Menus, OfferTheRunScreensActionsExactlyWhileTheirButtonsAreThere)
+{
+    TestWindow tools;
+    tools.orbStack.setRunning(true);
+    tools.orbStack.setMachines({u"box"_s});
+    MainWindow window(tools.controllers());
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const QAction *run = action(window, u"Run"_s, u"Run"_s);
+    const QAction *stop = action(window, u"Run"_s, u"Stop"_s);
+    const QAction *copy = action(window, u"Run"_s, u"Copy Output"_s);
+    EXPECT_FALSE(run->isEnabled()) << "there is no script yet";
+    EXPECT_FALSE(stop->isEnabled());
+    EXPECT_TRUE(copy->isEnabled());
+    tools.run.setScript(u"echo hello"_s);
+    EXPECT_TRUE(waitUntil([run] { return run->isEnabled(); }));
+    window.content().setTab(AppTab::machines);
+    for (const QAction *each : {run, stop, copy})
+        EXPECT_FALSE(each->isEnabled()) << each->text().toStdString();
+    window.content().setTab(AppTab::run);
+    EXPECT_TRUE(waitUntil([run] { return run->isEnabled(); }));
+}
+
+TEST(Menus, RunAndStopByShortcut)
+{
+    TestWindow tools;
+    tools.orbStack.setRunning(true);
+    tools.orbStack.setMachines({u"box"_s});
+    MainWindow window(tools.controllers());
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    tools.run.setScript(u"exec sleep 30"_s);
+    ASSERT_TRUE(waitUntil([&] { return action(window, u"Run"_s, u"Run"_s)->isEnabled(); }));
+    QTest::keyClick(window.focusWidget(), Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(tools.run.isRunning()) << "at once, without the press being shown first";
+    EXPECT_TRUE(action(window, u"Run"_s, u"Stop"_s)->isEnabled());
+    EXPECT_FALSE(action(window, u"Run"_s, u"Run"_s)->isEnabled());
+    QTest::keyClick(window.focusWidget(), Qt::Key_Period, Qt::ControlModifier);
+    EXPECT_TRUE(waitUntil([&] { return !tools.run.isRunning(); }));
+}
+
+TEST(Menus, CopyAndClearTheOutputByShortcut)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    tools.run.append(u"some output\n"_s, OutputKind::out);
+    QTest::keyClick(window.focusWidget(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"some output\n"_s);
+    QTest::keyClick(window.focusWidget(), Qt::Key_K, Qt::ControlModifier);
+    EXPECT_TRUE(tools.run.transcript().isEmpty());
+}
+
+TEST(Menus, RefreshAsksTheToolsAnew)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    ASSERT_TRUE(waitUntil([&] { return tools.setup.state() == OrbState::stopped; }));
+    tools.orbStack.setRunning(true);
+    action(window, u"View"_s, u"Refresh"_s)->trigger();
+    EXPECT_TRUE(waitUntil([&] { return tools.setup.state() == OrbState::running; }));
+}
+
+TEST(Menus, HelpShowsTheReadmeInAWindowOfItsOwn)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+    const auto pages = window.findChildren<QTextBrowser *>();
+    ASSERT_EQ(pages.size(), 1) << "a second request brings the first window forward";
+    EXPECT_TRUE(pages.first()->isVisible());
+    EXPECT_TRUE(pages.first()->toPlainText().contains(u"Try shell scripts in real Linux machines"_s));
 }

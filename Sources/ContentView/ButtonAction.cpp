@@ -1,0 +1,39 @@
+#include "ContentView/ButtonAction.h"
+
+#include <QEvent>
+
+ButtonAction::ButtonAction(const QString &text, const QList<QKeySequence> &shortcuts, QObject *parent)
+    : QAction(text, parent)
+{
+    setShortcuts(shortcuts);
+    setEnabled(false);
+    connect(this, &QAction::triggered, this, [this] {
+        if (m_button)
+            m_button->click();
+    });
+}
+
+void ButtonAction::setButton(QAbstractButton *button)
+{
+    if (m_button)
+        m_button->removeEventFilter(this);
+    m_button = button;
+    button->installEventFilter(this);
+    connect(button, &QObject::destroyed, this, [this, button] {
+        if (!m_button || m_button == button)
+            setEnabled(false);
+    });
+    followButton();
+}
+
+bool ButtonAction::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::EnabledChange || event->type() == QEvent::Show || event->type() == QEvent::Hide)
+        followButton();
+    return QAction::eventFilter(watched, event);
+}
+
+void ButtonAction::followButton()
+{
+    setEnabled(m_button && m_button->isEnabled() && m_button->isVisible());
+}

@@ -1,0 +1,50 @@
+#include "TidewellApp/HelpWindow.h"
+
+#include "Look/Typography.h"
+
+#include <QFile>
+#include <QTextBrowser>
+#include <QTextDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+/// What the page says, without its pictures, which are not at hand here.
+QString page()
+{
+    QFile file(u":/README.md"_s);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QString text;
+    for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+        if (!line.startsWith("!["_L1) && !line.startsWith(u'<'))
+            text += line + u'\n';
+    }
+    return text;
+}
+
+} // namespace
+
+void HelpWindow::show(QWidget &window)
+{
+    const auto name = u"Tidewell Help"_s;
+    auto *help = window.findChild<QTextBrowser *>(name, Qt::FindDirectChildrenOnly);
+    if (help == nullptr) {
+        help = new QTextBrowser(&window);
+        help->setObjectName(name);
+        help->setAccessibleName(name);
+        help->setWindowFlag(Qt::Window);
+        help->setWindowTitle(name);
+        help->setAttribute(Qt::WA_DeleteOnClose);
+        help->setOpenExternalLinks(true);
+        help->setFont(Typography::body());
+        help->document()->setDocumentMargin(16);
+        help->document()->setMarkdown(page(), QTextDocument::MarkdownDialectGitHub);
+        help->resize(680, 720);
+    }
+    help->show();
+    help->raise();
+    help->activateWindow();
+}

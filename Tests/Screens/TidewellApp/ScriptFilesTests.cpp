@@ -1,0 +1,103 @@
+#include "Screens/TestWindow.h"
+#include "TidewellApp/MainWindow.h"
+#include "TidewellApp/ScriptFiles.h"
+
+#include <QAction>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+class ScriptFilesTest : public testing::Test
+{
+protected:
+    ScriptFilesTest() { window.show(); }
+
+    QString file(const QByteArray &content) { return tools.orbStack.tools().addFile(u"script.sh"_s, content); }
+
+    void trigger(const QString &label)
+    {
+        for (QAction *each : window.findChildren<QAction *>()) {
+            if (each->text().remove(u'&') == label)
+                each->trigger();
+        }
+    }
+
+    /// Answers the file dialog that is open with a path.
+    void answer(const QString &path)
+    {
+        auto *dialog = window.findChild<QFileDialog *>();
+        ASSERT_NE(dialog, nullptr);
+        Q_EMIT dialog->fileSelected(path);
+        delete dialog;
+    }
+
+    QString alertText() const
+    {
+        const auto *alert = window.findChild<QMessageBox *>();
+        return alert == nullptr ? QString() : alert->text() + u' ' + alert->informativeText();
+    }
+
+    TestWindow tools;
+    MainWindow window{tools.controllers()};
+};
+
+} // namespace
+
+TEST_F(ScriptFilesTest, AnOpenedFileStandsInTheEditorAndCanBeUndone)
+{
+    tools.run.setScript(u"before"_s);
+    window.content().setTab(AppTab::history);
+    trigger(u"Open Script…"_s);
+    answer(file("echo one\r\necho two\n"));
+    EXPECT_EQ(window.content().tab(), AppTab::run);
+    EXPECT_EQ(tools.run.script(), u"echo one\necho two\n"_s);
+    ByName::find<QPlainTextEdit>(window, u"Script"_s)->undo();
+    EXPECT_EQ(tools.run.script(), u"before"_s);
+}
+
+TEST_F(ScriptFilesTest, WhatIsNoTextIsRefusedWithASentenceAndTheScriptStays)
+{
+    tools.run.setScript(u"before"_s);
+    trigger(u"Open Script…"_s);
+    answer(file("half a \xc3"));
+    EXPECT_EQ(alertText(), u"“script.sh” was not opened. It is not a text in UTF-8."_s);
+    EXPECT_EQ(tools.run.script(), u"before"_s);
+}
+
+TEST_F(ScriptFilesTest, TellsWhyAFileIsNotRead)
+{
+    EXPECT_EQ(ScriptFiles::read(file(QByteArray(5'000'001, 'x'))).refusal, u"It is larger than 5 MB."_s);
+    EXPECT_EQ(ScriptFiles::read(file(QByteArray(5'000'000, 'x'))).refusal, std::nullopt);
+    EXPECT_EQ(ScriptFiles::read(file(QByteArray("a\0b", 3))).refusal, u"It is not a text in UTF-8."_s);
+    EXPECT_EQ(ScriptFiles::read(tools.orbStack.tools().path(u"."_s)).refusal, u"It is not a file."_s);
+    EXPECT_EQ(ScriptFiles::read(u"/dev/zero"_s).refusal, u"It is not a file."_s) << "and it is not read without end";
+    EXPECT_EQ(ScriptFiles::read(tools.orbStack.tools().path(u"missing"_s)).refusal, u"It is not a file."_s);
+}
+
+TEST_F(ScriptFilesTest, SavesTheScriptAsUtf8ThatItsOwnerMayExecute)
+{
+    tools.run.setScript(u"echo \u00e9\n"_s);
+    const QString path = tools.orbStack.tools().path(u"saved.sh"_s);
+    trigger(u"Save Script As…"_s);
+    answer(path);
+    QFile saved(path);
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(saved.readAll(), QByteArray("echo \xc3\xa9\n"));
+    EXPECT_TRUE(QFileInfo(path).isExecutable());
+}
+
+TEST_F(ScriptFilesTest, SayWhenAScriptCannotBeSavedAndLeaveTheOldFile)
+{
+    const QString path = tools.orbStack.tools().path(u"no such folder/x.sh"_s);
+    trigger(u"Save Script As…"_s);
+    answer(path);
+    EXPECT_TRUE(alertText().startsWith(u"“x.sh” was not saved. It cannot be written: "_s)) << alertText().toStdString();
+}
