@@ -37,7 +37,7 @@ OutputPane::OutputPane(RunController &controller, QWidget *parent)
       m_navigation(m_rows, m_font),
       m_cursor(m_rows, m_navigation),
       m_mouse(m_view, m_navigation, m_cursor),
-      m_announcer(m_rows.text())
+      m_announcer(*this)
 {
     OutputPaneAccessible::install();
     setAccessibleName(u"Output"_s);
@@ -91,7 +91,7 @@ void OutputPane::showChanges()
     m_cursor.keepWithinText();
     if (!held)
         m_cursor.followEnd();
-    m_announcer.announceText(*this);
+    m_announcer.announceText();
     if (isVisible())
         updateView();
 }

@@ -7,7 +7,9 @@
 #include <QAccessibleWidget>
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -16,11 +18,17 @@ namespace
 
 using Position = TextStore::Position;
 
-/// Of a flood of output, this much is read out per frame.
+/// Of a flood of output, this much is read out at a time.
 constexpr Position mostAnnounced = Position{16} * 1024;
+constexpr auto announcementPause = std::chrono::milliseconds(500);
 
-/// Of a long stretch, this much is handed out per call: the accessibility bus carries no message of 128 MiB.
+#ifdef Q_OS_MACOS
+/// The system asks for the whole text again and again, however long it is.
+constexpr Position mostRead = Position{64} * 1024;
+#else
+/// The accessibility bus carries no message of 128 MiB.
 constexpr Position mostRead = Position{127} * 1024 * 1024;
+#endif
 
 /// Offsets are int here. Beyond what that counts, the greatest one stands for all the rest and for the end.
 constexpr int lastOffset = std::numeric_limits<int>::max();
@@ -155,7 +163,10 @@ private:
 
     QString read(OutputRange range) const
     {
-        return store().text(range.begin, std::min(range.end, range.begin + mostRead));
+        const Position view = pane().positionAt(QPoint(0, 0));
+        const OutputPaneAccessible::Range handed =
+            OutputPaneAccessible::readable({range.begin, range.end}, view, mostRead);
+        return store().text(handed.begin, handed.end);
     }
 
     OutputRange unitAt(Position position, QAccessible::TextBoundaryType boundary) const
@@ -202,36 +213,68 @@ void OutputPaneAccessible::install()
     QAccessible::installFactory(interfaceFor); // which keeps one of each
 }
 
-void OutputPaneAccessible::Announcer::announceText(OutputPane &pane)
+OutputPaneAccessible::Range OutputPaneAccessible::readable(Range range, Position view, Position most)
 {
-    const TextStore &text = pane.transcript().text();
-    if (QAccessible::isActive()) {
-        if (text.begin() > m_begin) {
-            // What was dropped is gone, so its text cannot be told.
-            QAccessibleTextRemoveEvent removed(&pane, 0, QString());
-            QAccessible::updateAccessibility(&removed);
-        }
-        if (text.end() > m_end) {
-            Position from = std::max({text.begin(), m_end, text.end() - mostAnnounced});
-            from = text.positionAtUtf16(text.utf16Offset(from));
-            QAccessibleTextInsertEvent inserted(&pane, asOffset(text.utf16Offset(from)), text.text(from, text.end()));
-            QAccessible::updateAccessibility(&inserted);
-        }
+    if (range.end - range.begin <= most)
+        return range;
+    const Position begin = std::clamp(view - most / 2, range.begin, range.end - most);
+    return {begin, begin + most};
+}
+
+OutputPaneAccessible::Announcer::Announcer(OutputPane &pane)
+    : m_pane(pane),
+      m_begin(pane.transcript().begin()),
+      m_end(pane.transcript().end())
+{
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(announcementPause);
+    QObject::connect(&m_pause, &QTimer::timeout, this, [this] {
+        if (std::exchange(m_isWaiting, false))
+            announceText();
+    });
+}
+
+void OutputPaneAccessible::Announcer::announceText()
+{
+    if (!QAccessible::isActive()) {
+        m_begin = m_pane.transcript().begin();
+        m_end = m_pane.transcript().end();
+    } else if (m_pause.isActive()) {
+        m_isWaiting = true;
+    } else {
+        announceNow();
+        m_pause.start();
+    }
+}
+
+void OutputPaneAccessible::Announcer::announceNow()
+{
+    const TextStore &text = m_pane.transcript().text();
+    if (text.begin() > m_begin) {
+        // What was dropped is gone, so its text cannot be told.
+        QAccessibleTextRemoveEvent removed(&m_pane, 0, QString());
+        QAccessible::updateAccessibility(&removed);
+    }
+    if (text.end() > m_end) {
+        Position from = std::max({text.begin(), m_end, text.end() - mostAnnounced});
+        from = text.positionAtUtf16(text.utf16Offset(from));
+        QAccessibleTextInsertEvent inserted(&m_pane, asOffset(text.utf16Offset(from)), text.text(from, text.end()));
+        QAccessible::updateAccessibility(&inserted);
     }
     m_begin = text.begin();
     m_end = text.end();
 }
 
-void OutputPaneAccessible::Announcer::announceSelection(OutputPane &pane) const
+void OutputPaneAccessible::Announcer::announceSelection() const
 {
     if (!QAccessible::isActive())
         return;
-    const TextStore &text = pane.transcript().text();
+    const TextStore &text = m_pane.transcript().text();
     const auto offset = [&](Position position) { return asOffset(text.utf16Offset(position)); };
-    const OutputPaneCursor &selection = pane.selection();
-    QAccessibleTextSelectionEvent selected(&pane, offset(selection.begin()), offset(selection.end()));
+    const OutputPaneCursor &selection = m_pane.selection();
+    QAccessibleTextSelectionEvent selected(&m_pane, offset(selection.begin()), offset(selection.end()));
     selected.setCursorPosition(offset(selection.caret().position));
     QAccessible::updateAccessibility(&selected);
-    QAccessibleTextCursorEvent moved(&pane, offset(selection.caret().position));
+    QAccessibleTextCursorEvent moved(&m_pane, offset(selection.caret().position));
     QAccessible::updateAccessibility(&moved);
 }

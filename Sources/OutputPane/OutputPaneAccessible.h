@@ -5,6 +5,9 @@
 
 #include "Transcript/TextStore.h"
 
+#include <QObject>
+#include <QTimer>
+
 class OutputPane;
 
 namespace OutputPaneAccessible
@@ -13,21 +16,37 @@ namespace OutputPaneAccessible
 /// Makes output panes known to the accessibility framework; to be called before one is used, any number of times.
 void install();
 
-/// Tells assistive technology, if any listens, what changed since it last did.
-class Announcer
+struct Range {
+    TextStore::Position begin = 0;
+    TextStore::Position end = 0;
+};
+
+/// What of a range is handed out at once, when that may be `most` bytes: all of it, or else a stretch of it that lies
+/// around `view`, a position on the screen, as far as the range reaches there. Pure.
+Range readable(Range range, TextStore::Position view, TextStore::Position most);
+
+/// Tells assistive technology, if any listens, what changed since it last did: of arriving text at most twice a second,
+/// because it looks at the whole text after each time. Main thread.
+class Announcer : public QObject
 {
 public:
-    /// What `text` holds already is old news.
-    explicit Announcer(const TextStore &text) : m_begin(text.begin()), m_end(text.end()) {}
+    /// What the pane's text holds already is old news. The pane must outlive it.
+    explicit Announcer(OutputPane &pane);
 
     /// The text grew or lost its front. Of a flood only the last part is read out, in one event.
-    void announceText(OutputPane &pane);
-    /// The caret or the selection moved.
-    void announceSelection(OutputPane &pane) const;
+    void announceText();
+    /// The caret or the selection moved; told at once.
+    void announceSelection() const;
 
 private:
+    void announceNow();
+
+    OutputPane &m_pane;
     TextStore::Position m_begin;
     TextStore::Position m_end;
+    /// Runs while it is too early for another announcement.
+    QTimer m_pause;
+    bool m_isWaiting = false;
 };
 
 } // namespace OutputPaneAccessible

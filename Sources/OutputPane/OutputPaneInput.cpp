@@ -43,7 +43,7 @@ void OutputPane::copy()
 
 void OutputPane::selectionMoved()
 {
-    m_announcer.announceSelection(*this);
+    m_announcer.announceSelection();
     viewport()->update();
 }
 

@@ -92,3 +92,66 @@ TEST_F(OutputPaneTest, TellsWhereEachCharacterIsOnTheScreen)
     text->scrollToSubstring(0, 1);
     EXPECT_EQ(text->offsetAtPoint(text->characterRect(0).center()), 0);
 }
+
+TEST_F(OutputPaneTest, HandsOutWhatIsNearTheViewWhereAllWouldBeTooMuch)
+{
+    using OutputPaneAccessible::readable;
+    const auto bounds = [](OutputPaneAccessible::Range range) { return std::pair(range.begin, range.end); };
+    EXPECT_EQ(bounds(readable({10, 110}, 5000, 100)), std::pair(TextStore::Position{10}, TextStore::Position{110}));
+    EXPECT_EQ(bounds(readable({0, 1000}, 500, 100)), std::pair(TextStore::Position{450}, TextStore::Position{550}));
+    EXPECT_EQ(bounds(readable({0, 1000}, 20, 100)), std::pair(TextStore::Position{0}, TextStore::Position{100}));
+    EXPECT_EQ(bounds(readable({0, 1000}, 5000, 100)), std::pair(TextStore::Position{900}, TextStore::Position{1000}));
+}
+
+namespace
+{
+
+int insertions = 0;
+
+void countInsertions(QAccessibleEvent *event)
+{
+    insertions += event->type() == QAccessible::TextInserted ? 1 : 0;
+}
+
+} // namespace
+
+TEST_F(OutputPaneTest, AnnouncesArrivingTextAtMostTwiceASecond)
+{
+    QAccessible::setActive(true);
+    insertions = 0;
+    QAccessible::installUpdateHandler(countInsertions);
+    QElapsedTimer time;
+    time.start();
+    for (int line = 0; line < 30; ++line) {
+        run.append(u"a line\n"_s, OutputKind::out);
+        EXPECT_TRUE(showsEnd());
+    }
+    EXPECT_TRUE(waitUntil([] { return insertions >= 2; })) << "the rest comes after the pause";
+    const qint64 halfSeconds = time.elapsed() / 500;
+    QAccessible::installUpdateHandler(nullptr);
+    EXPECT_LE(insertions, halfSeconds + 1);
+}
+
+TEST_F(OutputPaneTest, AnswersForAHundredMebibytesInBoundedTime)
+{
+    const QByteArray line = QByteArray(79, 'x') + '\n';
+    const QByteArray block = line.repeated(13'000);
+    for (int count = 0; count < 100; ++count)
+        run.append(QUtf8StringView(block), OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    QAccessibleTextInterface *text = QAccessible::queryAccessibleInterface(&pane)->textInterface();
+    QElapsedTimer time;
+    time.start();
+    const int count = text->characterCount();
+    EXPECT_EQ(count, 100 * block.size());
+    for (const int offset : {0, count / 2, count - 1}) {
+        int start = 0;
+        int end = 0;
+        EXPECT_EQ(text->textAtOffset(offset, QAccessible::LineBoundary, &start, &end).size(), end - start);
+        EXPECT_FALSE(text->text(offset, offset + 100).isEmpty());
+    }
+    EXPECT_LT(time.elapsed(), 50);
+    time.restart();
+    EXPECT_GT(text->text(0, count).size(), 0);
+    EXPECT_LT(time.elapsed(), 2000) << "even for all of it at once";
+}
