@@ -3,6 +3,7 @@
 #include "ContentView/ContentView.h"
 #include "RunController/RunController.h"
 #include "TidewellApp/Menus.h"
+#include "TidewellApp/WindowIcon.h"
 
 #include <QApplication>
 #include <QScreen>
@@ -20,6 +21,7 @@ const auto placeKey = u"windowPlace"_s;
 MainWindow::MainWindow(const Controllers &controllers) : m_content(new ContentView(controllers, this))
 {
     setWindowTitle(u"Tidewell"_s);
+    setWindowIcon(WindowIcon::icon());
     setCentralWidget(m_content);
     Menus::add(*this, *m_content, controllers);
     restorePlace();
