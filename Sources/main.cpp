@@ -14,6 +14,8 @@ int main(int argumentCount, char *arguments[])
     QApplication::setOrganizationName(u"Tidewell"_s);
     // On macOS preferences are named after the domain, and so as the bundle.
     QApplication::setOrganizationDomain(u"tidewell.app"_s);
+    // By this a Linux desktop finds the icon and the name.
+    QApplication::setDesktopFileName(u"app.tidewell.Tidewell"_s);
     QApplication::setApplicationVersion(QStringLiteral(TIDEWELL_VERSION));
 #ifndef Q_OS_MACOS // where the menu bar is the system's
     QApplication::setStyle(new MenuBarStyle);
