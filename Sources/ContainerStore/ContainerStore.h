@@ -10,10 +10,10 @@
 
 #include "ContainerStore/ContainerInfo.h"
 
-#include <QCoroTask>
 #include <QList>
 #include <QObject>
 #include <QProperty>
+#include <qcorotask.h>
 
 #include <optional>
 

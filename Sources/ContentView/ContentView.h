@@ -10,9 +10,9 @@
 #include "ContentView/Controllers.h"
 #include "ContentView/RunActions.h"
 
-#include <QCoroTask>
 #include <QTimer>
 #include <QWidget>
+#include <qcorotask.h>
 
 #include <chrono>
 

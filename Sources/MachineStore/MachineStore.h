@@ -13,12 +13,12 @@
 #include "MachineStore/Machine.h"
 #include "OrbCLI/ToolLog.h"
 
-#include <QCoroTask>
 #include <QList>
 #include <QObject>
 #include <QProperty>
 #include <QString>
 #include <QStringList>
+#include <qcorotask.h>
 
 #include <optional>
 

@@ -2,8 +2,8 @@
 
 #include "OrbCLI/CLIResult.h"
 
-#include <QCoroTask>
 #include <QString>
+#include <qcorotask.h>
 
 namespace OrbCLI
 {

@@ -14,9 +14,9 @@
 #include "OrbCLI/CLIResult.h"
 #include "Process/Launch.h"
 
-#include <QCoroTask>
 #include <QString>
 #include <QStringList>
+#include <qcorotask.h>
 
 #include <functional>
 #include <optional>

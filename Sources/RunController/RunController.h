@@ -16,12 +16,12 @@
 #include "RunController/OutputPace.h"
 #include "Transcript/Transcript.h"
 
-#include <QCoroTask>
 #include <QDateTime>
 #include <QObject>
 #include <QPointer>
 #include <QProperty>
 #include <QString>
+#include <qcorotask.h>
 
 #include <cstdint>
 #include <optional>

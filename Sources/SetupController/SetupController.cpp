@@ -4,9 +4,9 @@
 #include "OrbCLI/ToolLocation.h"
 #include "Process/AwakeClock.h"
 
-#include <QCoroTimer>
 #include <QOperatingSystemVersion>
 #include <QTimer>
+#include <qcorotimer.h>
 
 #include <chrono>
 

@@ -16,10 +16,10 @@
 #include "OrbCLI/CurrentTool.h"
 #include "OrbCLI/ToolLog.h"
 
-#include <QCoroTask>
 #include <QObject>
 #include <QPointer>
 #include <QProperty>
+#include <qcorotask.h>
 
 /// What is known of OrbStack. `running` is the one state in which machines, runs and containers are offered.
 enum class OrbState { checking, notInstalled, stopped, starting, running };

@@ -2,8 +2,8 @@
 
 // Waiting without sleeping: the event loop turns until a condition holds or the watchdog's time is over.
 
-#include <QCoroTask>
 #include <QTest>
+#include <qcorotask.h>
 
 #include <chrono>
 #include <functional>
