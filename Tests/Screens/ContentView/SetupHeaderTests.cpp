@@ -77,7 +77,8 @@ TEST(SetupHeader, OffersTheWebsiteWithoutHomebrew)
     TestWindow window;
     window.orbStack.tools().removeTool(u"orb"_s);
     QString opened;
-    QObject::connect(&window.setup, &SetupController::siteRequested, [&opened](const QString &site) { opened = site; });
+    QObject::connect(&window.setup, &SetupController::siteRequested,
+                     [&opened](const QString &address) { opened = address; });
     const SetupHeader &header = headerOf(window.show());
     ASSERT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::notInstalled; }));
     EXPECT_EQ(dotColour(header, u"OrbStack not installed"_s), StatusDot::Colour::red);
