@@ -1,6 +1,7 @@
 #include "ContentView/ContentView.h"
 
 #include "ContainerStore/ContainerStore.h"
+#include "ContentView/RunAnnouncer.h"
 #include "ContentView/Screens/ContainersView.h"
 #include "ContentView/Screens/HistoryView.h"
 #include "ContentView/Screens/MachinesView.h"
@@ -94,6 +95,8 @@ ContentView::ContentView(const Controllers &controllers, QWidget *parent, std::c
         if (!m_selector->hasFocus())
             focusScreen();
     });
+
+    new RunAnnouncer(controllers.run, this);
 
     m_sleep.setSingleShot(true);
     m_sleep.setTimerType(Qt::PreciseTimer);

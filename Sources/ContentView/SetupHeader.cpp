@@ -1,5 +1,6 @@
 #include "ContentView/SetupHeader.h"
 
+#include "Look/Announcement.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
 #include "Look/IndeterminateProgress.h"
@@ -67,6 +68,7 @@ SetupHeader::SetupHeader(SetupController &setup, QWidget *parent) : QWidget(pare
                                &SetupController::busyChanged, &SetupController::noteChanged})
         connect(&setup, changed, this, &SetupHeader::showFields);
     connect(&setup, &SetupController::logChanged, this, &SetupHeader::showLog);
+    connect(&setup, &SetupController::stateChanged, this, [this] { Announcement::say(this, m_title->text()); });
     showFields();
     showLog();
 }

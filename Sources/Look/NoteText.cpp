@@ -1,5 +1,6 @@
 #include "Look/NoteText.h"
 
+#include "Look/Announcement.h"
 #include "Text/VisibleText.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -30,9 +31,12 @@ void NoteText::setText(const QString &text)
 {
     if (text == shownText())
         return;
+    const bool wasVisible = isVisible();
     showText(text);
     setAccessibleName(VisibleText::accessibleName(text));
     fitHeight();
+    if (wasVisible)
+        Announcement::say(this, text);
 }
 
 void NoteText::changeEvent(QEvent *event)
@@ -40,6 +44,14 @@ void NoteText::changeEvent(QEvent *event)
     PlainTextBox::changeEvent(event);
     if (event->type() == QEvent::FontChange)
         fitHeight();
+}
+
+void NoteText::showEvent(QShowEvent *event)
+{
+    PlainTextBox::showEvent(event);
+    // A spontaneous event only tells that the window was minimised or restored.
+    if (!event->spontaneous())
+        Announcement::say(this, shownText());
 }
 
 void NoteText::resizeEvent(QResizeEvent *event)

@@ -2,7 +2,7 @@
 
 // A sentence of a tool or about one (an error, a note, a message), which may be of any length and hold anything: as
 // high as its text up to a few lines, then scrolling; selectable; plain; hidden while it is empty. Its accessible name
-// is its text.
+// is its text, which is announced when it appears.
 
 #include "Look/Colours.h"
 #include "Look/PlainTextBox.h"
@@ -22,6 +22,7 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:

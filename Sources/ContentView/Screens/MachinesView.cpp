@@ -2,6 +2,7 @@
 
 #include "ContentView/Screens/TrimmedText.h"
 #include "Look/Alert.h"
+#include "Look/Announcement.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
 #include "Look/IndeterminateProgress.h"
@@ -75,6 +76,8 @@ MachinesView::MachinesView(const Controllers &controllers, QWidget *parent)
 
     connect(m_list, &RowList::pressed, this, &MachinesView::press);
     connect(&m_machines, &MachineStore::logChanged, m_log, &LogBox::reload);
+    for (const auto changed : {&MachineStore::logChanged, &MachineStore::busyChanged})
+        connect(&m_machines, changed, this, &MachinesView::announceOutcome);
     for (const auto changed : {&MachineStore::machinesChanged, &MachineStore::errorChanged, &MachineStore::busyChanged})
         connect(&m_machines, changed, this, &MachinesView::showFields);
     connect(&m_setup, &SetupController::stateChanged, this, &MachinesView::showFields);
@@ -144,6 +147,13 @@ void MachinesView::showRows()
     for (const Machine &machine : m_machines.machines())
         rows.append(contentOf(machine, m_machines.busy()));
     m_list->setRows(rows);
+}
+
+void MachinesView::announceOutcome()
+{
+    // The last line tells how it ended; what a tool prints meanwhile can be read in the log.
+    if (!m_machines.busy())
+        Announcement::say(this, m_machines.log().trimmed().section(u'\n', -1));
 }
 
 void MachinesView::create()

@@ -30,6 +30,7 @@ private:
     void showFields();
     void showWhetherToCreate();
     void showRows();
+    void announceOutcome();
     void create();
     void press(int row, int action);
     void confirmDeletion(const QString &machine);
