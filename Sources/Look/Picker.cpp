@@ -1,6 +1,7 @@
 #include "Look/Picker.h"
 
 #include "Look/Colours.h"
+#include "Look/PickerAccessibility.h"
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
 
@@ -17,7 +18,9 @@ constexpr int sidesOfText = 4;
 
 Picker::Picker(const QString &label, Label kind, QWidget *parent) : QComboBox(parent)
 {
+    PickerAccessibility::install();
     setAccessibleName(label);
+    connect(this, &QComboBox::currentTextChanged, this, [this] { PickerAccessibility::announceChoice(*this); });
     if (kind == Label::visible)
         return;
     auto *invisible = new PlainLabel(label, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd, parent);

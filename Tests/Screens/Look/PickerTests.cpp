@@ -1,0 +1,43 @@
+#include "Look/Picker.h"
+#include "Screens/ByName.h"
+
+using namespace Qt::StringLiterals;
+
+TEST(Picker, SaysItsChoiceAsItsText)
+{
+#ifdef Q_OS_MACOS
+    GTEST_SKIP() << "there it is what Qt makes of it";
+#endif
+    QWidget window;
+    Picker picker(u"Distro"_s, Picker::Label::invisible, &window);
+    picker.addItems({u"ubuntu"_s, u"debian"_s});
+    picker.setCurrentIndex(1);
+    EXPECT_EQ(ByName::nameOf(&picker), u"Distro"_s);
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&picker);
+    EXPECT_EQ(accessible->role(), QAccessible::ComboBox);
+    EXPECT_EQ(accessible->text(QAccessible::Value), u"debian"_s);
+    QAccessibleTextInterface *text = accessible->textInterface();
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->text(0, -1), u"debian"_s);
+    EXPECT_EQ(text->text(1, 3), u"eb"_s);
+    int start = -1;
+    int end = -1;
+    text->selection(0, &start, &end);
+    EXPECT_EQ(std::pair(start, end), std::pair(0, 6));
+}
+
+TEST(Picker, OpensAndClosesForAssistiveTechnology)
+{
+    QWidget window;
+    Picker picker(u"Distro"_s, Picker::Label::invisible, &window);
+    picker.addItems({u"ubuntu"_s, u"debian"_s});
+    window.show();
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&picker);
+    EXPECT_FALSE(accessible->state().expanded);
+    accessible->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    EXPECT_TRUE(accessible->state().expanded);
+    ASSERT_EQ(accessible->childCount(), 1);
+    EXPECT_EQ(accessible->indexOfChild(accessible->child(0)), 0);
+    accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_FALSE(accessible->state().expanded);
+}
