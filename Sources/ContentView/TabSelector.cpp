@@ -1,5 +1,6 @@
 #include "ContentView/TabSelector.h"
 
+#include "ContentView/TabSelectorAccessibility.h"
 #include "Look/Colours.h"
 
 #include <QPainter>
@@ -14,13 +15,30 @@ constexpr double segmentRadius = 5;
 
 } // namespace
 
+TabStop::TabStop(TabSelector *selector) : QWidget(selector)
+{
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+TabSelector &TabStop::selector() const
+{
+    return *static_cast<TabSelector *>(parentWidget());
+}
+
+int TabStop::index() const
+{
+    return static_cast<int>(selector().stops().indexOf(this));
+}
+
 TabSelector::TabSelector(QWidget *parent) : QTabBar(parent)
 {
+    TabSelectorAccessibility::install();
     setDrawBase(false);
     setExpanding(false);
     setUsesScrollButtons(false);
     setElideMode(Qt::ElideNone);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    connect(this, &QTabBar::currentChanged, this, &TabSelector::followSelection);
 }
 
 QSize TabSelector::tabSizeHint(int index) const
@@ -32,6 +50,33 @@ QSize TabSelector::tabSizeHint(int index) const
 QSize TabSelector::minimumTabSizeHint(int index) const
 {
     return tabSizeHint(index);
+}
+
+void TabSelector::tabInserted(int index)
+{
+    m_stops.insert(index, new TabStop(this));
+    followSelection();
+    tabLayoutChange();
+}
+
+void TabSelector::tabLayoutChange()
+{
+    for (TabStop *stop : m_stops)
+        stop->setGeometry(tabRect(stop->index()));
+}
+
+void TabSelector::followSelection()
+{
+    TabStop *selected = m_stops.value(currentIndex());
+    if (selected == nullptr)
+        return;
+    const QWidget *focused = window()->focusWidget();
+    const bool isFocused = focused != nullptr && focused->parentWidget() == this;
+    for (TabStop *stop : m_stops)
+        stop->setFocusPolicy(stop == selected ? focusPolicy() : Qt::NoFocus);
+    setFocusProxy(selected);
+    if (isFocused)
+        selected->setFocus(Qt::OtherFocusReason);
 }
 
 void TabSelector::paintEvent(QPaintEvent *)

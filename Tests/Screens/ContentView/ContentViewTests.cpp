@@ -99,6 +99,25 @@ TEST(ContentView, NamesItsTabsForAssistiveTechnology)
     EXPECT_EQ(content.tab(), AppTab::history);
 }
 
+TEST(ContentView, GivesTheFocusToTheSelectedOneOfFourTabs)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    QAccessibleInterface *bar = QAccessible::queryAccessibleInterface(tabs(content));
+    ASSERT_EQ(bar->childCount(), 4);
+    tabs(content)->setFocus();
+    QTest::keyClick(tabs(content), Qt::Key_Right);
+    for (int index = 0; index < 4; ++index) {
+        QAccessibleInterface *tab = bar->child(index);
+        EXPECT_EQ(tab->parent(), bar);
+        EXPECT_EQ(bar->indexOfChild(tab), index);
+        EXPECT_EQ(tab->state().selected, index == 1);
+        EXPECT_EQ(tab->state().focused, index == 1);
+        EXPECT_EQ(tab->rect().size(), tabs(content)->tabRect(index).size());
+    }
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(content.focusWidget()), bar->child(1));
+}
+
 TEST(ContentView, ChangesTabsByKeyboardAndByMouse)
 {
     TestWindow window;
