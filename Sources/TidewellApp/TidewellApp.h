@@ -8,6 +8,7 @@
 #include "MachineStore/MachineStore.h"
 #include "RunController/RunController.h"
 #include "SetupController/SetupController.h"
+#include "TidewellApp/FieldFocus.h"
 #include "TidewellApp/QuitGuard.h"
 
 #include <memory>
@@ -36,6 +37,7 @@ public:
 
 private:
     const IgnoredBrokenPipe m_ignoredBrokenPipe;
+    FieldFocus m_fieldFocus;
     SetupController m_setup;
     MachineStore m_machines;
     RunController m_run;

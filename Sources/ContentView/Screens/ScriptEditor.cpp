@@ -5,12 +5,46 @@
 #include "RunController/RunController.h"
 
 #include <QMimeData>
+#include <QPlainTextDocumentLayout>
 #include <QTextDocumentFragment>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
-ScriptEditor::ScriptEditor(RunController &run, QWidget *parent) : QPlainTextEdit(parent), m_run(run)
+namespace
 {
+
+QTextDocument *documentOf(const QString &script, QObject *parent)
+{
+    auto *document = new QTextDocument(parent);
+    document->setDocumentLayout(new QPlainTextDocumentLayout(document));
+    document->setPlainText(script);
+    return document;
+}
+
+/// What tells of the caret in Qt's editor; null where Qt has it otherwise.
+QObject *textControlOf(const QPlainTextEdit &editor)
+{
+    const QObjectList &parts = editor.children();
+    const auto found = std::find_if(parts.begin(), parts.end(),
+                                    [](const QObject *part) { return part->inherits("QWidgetTextControl"); });
+    return found == parts.end() ? nullptr : *found;
+}
+
+} // namespace
+
+ScriptEditor::ScriptEditor(RunController &run, QWidget *parent)
+    : QPlainTextEdit(parent),
+      m_run(run),
+      m_known(run.script())
+{
+    {
+        // Filled without a word: a screen reader that hears of the caret before the focus takes the editor for one that
+        // it has spoken already, and stays silent.
+        const QSignalBlocker noCaret(textControlOf(*this));
+        setDocument(documentOf(m_known, this));
+    }
     setAccessibleName(u"Script"_s);
     setFont(Typography::monospaced(13));
     setMinimumHeight(120);
@@ -22,7 +56,6 @@ ScriptEditor::ScriptEditor(RunController &run, QWidget *parent) : QPlainTextEdit
     new RoundedFrame(RoundedFrame::Ground::field, this);
     setViewportMargins(2, 1, 2, 1);
 
-    takeScript();
     connect(this, &QPlainTextEdit::textChanged, this, &ScriptEditor::giveScript);
     connect(&run, &RunController::scriptChanged, this, &ScriptEditor::takeScript);
 }
