@@ -1,0 +1,95 @@
+#include "Screens/KeyboardWalk.h"
+
+#include "Screens/ContentView/ContainersViewTest.h"
+#include "Screens/ContentView/RunViewSteps.h"
+
+using KeyboardWalk::expectGoodFor;
+
+namespace
+{
+
+HistoryEntry entryOf(const QString &command)
+{
+    HistoryEntry entry;
+    entry.id = QUuid::createUuid();
+    entry.command = command;
+    entry.machine = u"box"_s;
+    entry.exitCode = 0;
+    entry.date = QDateTime::currentDateTimeUtc();
+    return entry;
+}
+
+} // namespace
+
+TEST(KeyboardWalk, VisitsTheRunScreenWithOrbStackStopped)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
+    expectGoodFor(content);
+}
+
+TEST(KeyboardWalk, VisitsTheRunScreenWithEverythingFilledIn)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({u"box"_s});
+    expectGoodFor(content);
+    window.run.setScript(u"exec sleep 1000"_s);
+    find<QLineEdit>(content, packagesField)->setText(u"git"_s);
+    shareFolder(content, window.orbStack.tools().directory(0));
+    EXPECT_TRUE(isOffered(content, u"Install packages"_s));
+    expectGoodFor(content);
+    press(content, u"Run"_s);
+    EXPECT_TRUE(isOffered(content, u"Stop"_s, u"Stop the run"_s));
+    expectGoodFor(content);
+}
+
+TEST(KeyboardWalk, VisitsTheRunScreenInDisposableModeAndItsQuestion)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({});
+    press(content, u"Disposable mode"_s);
+    ASSERT_NE(alert(), nullptr);
+    expectGoodFor(*alert());
+    press(*alert(), u"Turn on"_s);
+    EXPECT_TRUE(waitUntil([&] { return find<QComboBox>(content, u"Distribution"_s) != nullptr; }));
+    expectGoodFor(content);
+}
+
+TEST(KeyboardWalk, VisitsTheMachinesAndTheQuestionBeforeDeletion)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({u"box"_s, u"other"_s});
+    content.setTab(AppTab::machines);
+    find<QLineEdit>(content, u"Name (e.g. scratch)"_s)->setText(u"Box"_s);
+    press(content, u"Create"_s);
+    EXPECT_TRUE(waitUntil([&] { return shows(content, u"Machine log"_s); }));
+    expectGoodFor(content);
+    press(content, u"Delete"_s, u"Delete other"_s);
+    ASSERT_NE(alert(), nullptr);
+    expectGoodFor(*alert());
+    QTest::keyClick(alert(), Qt::Key_Escape);
+}
+
+TEST(KeyboardWalk, VisitsTheHistory)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    content.setTab(AppTab::history);
+    expectGoodFor(content);
+    window.history.add(entryOf(u"uptime"_s));
+    window.history.add(entryOf(u"hostname"_s));
+    EXPECT_TRUE(isOffered(content, u"Load"_s, u"Load uptime"_s));
+    expectGoodFor(content);
+}
+
+TEST_F(ContainersViewTest, IsWalkedThroughByTabWithItsLogSheet)
+{
+    show();
+    image().setText(u"nginx"_s);
+    expectGoodFor(window.content());
+    press(window.content(), u"Logs"_s, u"Logs web"_s);
+    ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr && sheet()->isVisible(); }));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(sheet()));
+    expectGoodFor(*sheet());
+}
