@@ -1,6 +1,6 @@
 #include "ContentView/RunAnnouncer.h"
 
-#include "Look/Announcement.h"
+#include "Look/Accessibility/Announcement.h"
 #include "RunController/RunController.h"
 
 #include <QAccessible>

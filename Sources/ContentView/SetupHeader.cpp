@@ -1,6 +1,6 @@
 #include "ContentView/SetupHeader.h"
 
-#include "Look/Announcement.h"
+#include "Look/Accessibility/Announcement.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
 #include "Look/IndeterminateProgress.h"

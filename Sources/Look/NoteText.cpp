@@ -1,6 +1,6 @@
 #include "Look/NoteText.h"
 
-#include "Look/Announcement.h"
+#include "Look/Accessibility/Announcement.h"
 #include "Text/VisibleText.h"
 
 #include <QAbstractTextDocumentLayout>

@@ -1,7 +1,7 @@
 #include "Look/Picker.h"
 
+#include "Look/Accessibility/PickerAccessibility.h"
 #include "Look/Colours.h"
-#include "Look/PickerAccessibility.h"
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
 

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -224,38 +223,20 @@ OutputPaneAccessible::Range OutputPaneAccessible::readable(Range range, Position
 OutputPaneAccessible::Announcer::Announcer(OutputPane &pane)
     : m_pane(pane),
       m_begin(pane.transcript().begin()),
-      m_end(pane.transcript().end())
+      m_end(pane.transcript().end()),
+      m_throttle(announcementPause, [this] { announceNow(); })
 {
-    m_pause.setSingleShot(true);
-    m_pause.setInterval(announcementPause);
-    QObject::connect(&m_pause, &QTimer::timeout, this, [this] {
-        if (std::exchange(m_isWaiting, false))
-            announceText();
-    });
-}
-
-void OutputPaneAccessible::Announcer::announceText()
-{
-    if (!QAccessible::isActive()) {
-        m_begin = m_pane.transcript().begin();
-        m_end = m_pane.transcript().end();
-    } else if (m_pause.isActive()) {
-        m_isWaiting = true;
-    } else {
-        announceNow();
-        m_pause.start();
-    }
 }
 
 void OutputPaneAccessible::Announcer::announceNow()
 {
     const TextStore &text = m_pane.transcript().text();
-    if (text.begin() > m_begin) {
+    if (QAccessible::isActive() && text.begin() > m_begin) {
         // What was dropped is gone, so its text cannot be told.
         QAccessibleTextRemoveEvent removed(&m_pane, 0, QString());
         QAccessible::updateAccessibility(&removed);
     }
-    if (text.end() > m_end) {
+    if (QAccessible::isActive() && text.end() > m_end) {
         Position from = std::max({text.begin(), m_end, text.end() - mostAnnounced});
         from = text.positionAtUtf16(text.utf16Offset(from));
         QAccessibleTextInsertEvent inserted(&m_pane, asOffset(text.utf16Offset(from)), text.text(from, text.end()));

@@ -3,10 +3,8 @@
 // The output pane as assistive technology meets it: a read-only text of many lines, read range by range straight from
 // the transcript. Offsets are UTF-16 code units from the transcript's first character.
 
+#include "OutputPane/Throttle.h"
 #include "Transcript/TextStore.h"
-
-#include <QObject>
-#include <QTimer>
 
 class OutputPane;
 
@@ -27,14 +25,14 @@ Range readable(Range range, TextStore::Position view, TextStore::Position most);
 
 /// Tells assistive technology, if any listens, what changed since it last did: of arriving text at most twice a second,
 /// because it looks at the whole text after each time. Main thread.
-class Announcer : public QObject
+class Announcer
 {
 public:
     /// What the pane's text holds already is old news. The pane must outlive it.
     explicit Announcer(OutputPane &pane);
 
     /// The text grew or lost its front. Of a flood only the last part is read out, in one event.
-    void announceText();
+    void announceText() { m_throttle.request(); }
     /// The caret or the selection moved; told at once.
     void announceSelection() const;
 
@@ -44,9 +42,7 @@ private:
     OutputPane &m_pane;
     TextStore::Position m_begin;
     TextStore::Position m_end;
-    /// Runs while it is too early for another announcement.
-    QTimer m_pause;
-    bool m_isWaiting = false;
+    Throttle m_throttle;
 };
 
 } // namespace OutputPaneAccessible

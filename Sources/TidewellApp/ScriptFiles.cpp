@@ -1,9 +1,10 @@
 #include "TidewellApp/ScriptFiles.h"
 
+#include "Text/Utf8Repair.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QStringDecoder>
 
 using namespace Qt::StringLiterals;
 
@@ -19,10 +20,9 @@ ScriptFiles::Reading ScriptFiles::read(const QString &path)
         return {{}, u"It cannot be read: "_s + file.errorString() + u'.'};
     if (bytes.size() > largestScript)
         return {{}, u"It is larger than 5 MB."_s};
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    QString text = decoder.decode(bytes);
-    if (decoder.hasError() || text.contains(QChar::Null))
+    if (Utf8Repair::repaired(bytes) || bytes.contains('\0'))
         return {{}, u"It is not a text in UTF-8."_s};
+    QString text = QString::fromUtf8(bytes);
     text.replace("\r\n"_L1, "\n"_L1);
     return {text, std::nullopt};
 }

@@ -1,8 +1,8 @@
 #include "ContentView/Screens/MachinesView.h"
 
 #include "ContentView/Screens/TrimmedText.h"
+#include "Look/Accessibility/Announcement.h"
 #include "Look/Alert.h"
-#include "Look/Announcement.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
 #include "Look/IndeterminateProgress.h"

@@ -1,4 +1,4 @@
-#include "Look/Announcement.h"
+#include "Look/Accessibility/Announcement.h"
 
 #include "Text/VisibleText.h"
 

@@ -1,4 +1,4 @@
-#include "Look/PickerAccessibility.h"
+#include "Look/Accessibility/PickerAccessibility.h"
 
 #include "Look/Picker.h"
 
