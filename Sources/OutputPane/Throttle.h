@@ -6,8 +6,8 @@
 #include <functional>
 #include <utility>
 
-/// Does something when asked, but at most once in an interval: what is asked for too early is done once, when the interval
-/// is over. Main thread.
+/// Does something when asked, but at most once in an interval: what is asked for too early is done once, when the
+/// interval is over. Main thread.
 class Throttle
 {
 public:

@@ -235,17 +235,34 @@ TEST(TidewellApp, MayEndWhileAToolIsStillAnswering)
     EXPECT_EQ(tools.orbStack.calls(u"<list><-f><json>"_s), 0);
 }
 
+namespace
+{
+
+/// Notes at each hiding of a window whether it filled the screen.
+class HideWatch : public QObject
+{
+public:
+    explicit HideWatch(QWidget &window) { window.installEventFilter(this); }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Hide)
+            hidings.append(static_cast<QWidget *>(watched)->isFullScreen());
+        return false;
+    }
+
+    QList<bool> hidings;
+};
+
+} // namespace
+
 TEST(QuitGuard, LeavesFullScreenBeforeItHidesTheWindow)
 {
     Guarded guarded(QuitGuard::Closing::hides);
     guarded.window.showFullScreen();
     ASSERT_TRUE(waitUntil([&] { return guarded.window.isFullScreen(); }));
-    bool wasFullScreenWhenHidden = false;
+    const HideWatch watch(guarded.window);
     guarded.window.close();
-    EXPECT_TRUE(waitUntil([&] {
-        if (!guarded.window.isVisible())
-            wasFullScreenWhenHidden = guarded.window.isFullScreen();
-        return !guarded.window.isVisible();
-    }));
-    EXPECT_FALSE(wasFullScreenWhenHidden);
+    EXPECT_TRUE(waitUntil([&] { return !watch.hidings.isEmpty(); }));
+    EXPECT_FALSE(watch.hidings.contains(true));
 }
