@@ -66,15 +66,6 @@ inline qsizetype asciiPrefix(QByteArrayView text)
     return at;
 }
 
-/// The length of the text in UTF-16 code units: one per code point, and one more for those of four bytes.
-inline qsizetype utf16Length(QByteArrayView text)
-{
-    qsizetype length = 0;
-    for (const char byte : text)
-        length += (isContinuation(byte) ? 0 : 1) + (static_cast<unsigned char>(byte) >= 0xf0U ? 1 : 0);
-    return length;
-}
-
 /// The text as a QString, a leading U+FEFF included, which QString::fromUtf8 and toString would drop.
 QString toQString(QUtf8StringView text);
 

@@ -25,7 +25,6 @@ public:
 
     Value &operator[](Index index) { return *place(m_dropped + index); }
     const Value &operator[](Index index) const { return *place(m_dropped + index); }
-    Value &back() { return (*this)[m_size - 1]; }
 
     void append(const Value &value)
     {
