@@ -71,7 +71,7 @@ QByteArrayView CompressedBlocks::read(Index index)
     return {m_decompressed.front().memory.data(), entry.size};
 }
 
-/// Unpacks the block in the place of the one that was not read for the longest time.
+/// Decompresses the block into the place of the one that was not read for the longest time.
 const PageMemory &CompressedBlocks::decompress(const Entry &entry, Index number)
 {
     if (!m_decompression)
