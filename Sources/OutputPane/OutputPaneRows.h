@@ -1,8 +1,8 @@
 #pragma once
 
 // Where the rows of the output pane begin when lines wrap at a number of columns. Rows are found block by block, only
-// for the blocks that are looked at; all others are estimated from their line feeds and their length, which is all that
-// a scroll bar needs. So a change of width or a hundred megabytes more costs one screenful.
+// for the blocks that are looked at; how many rows there are is estimated from line feeds and lengths, which is all
+// that a scroll bar needs. So a change of width or a hundred megabytes more costs one screenful.
 //
 // Main thread only. Everything is asked of the text as it is at that moment; nothing needs to be told of changes.
 
@@ -58,8 +58,9 @@ public:
         Row row;
         double part = 0;
     };
-    /// About how many rows stand before a place: exact as long as no line before it or in its block wraps, in
-    /// proportion elsewhere, and never fewer for a later place.
+    /// About how many rows stand before a place: exact as long as no line before it or in its block wraps or has more
+    /// UTF-16 units than columns (accents, and a CR before the line feed, are units too), in proportion elsewhere, and
+    /// never fewer for a later place.
     double estimateBefore(const Place &place);
     /// The place before which that many rows are estimated, or the last row.
     Place atEstimate(double rows);

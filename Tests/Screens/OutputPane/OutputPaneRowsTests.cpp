@@ -117,6 +117,20 @@ TEST(OutputPaneRows, AreCountedExactlyWithoutBeingLookedAtWhereNothingWraps)
     EXPECT_EQ(far.part, 0.25);
 }
 
+TEST(OutputPaneRows, AreCountedExactlyAsLongAsLinesHaveNoMoreUnitsThanColumns)
+{
+    const auto estimateOf = [](const QByteArray &line) {
+        TextStore text;
+        text.append(line.repeated(8000));
+        OutputPaneRows rows(text);
+        rows.setColumns(80);
+        return rows.estimateBefore({rows.last()});
+    };
+    EXPECT_EQ(estimateOf(QByteArray(79, 'x') + "\r\n"), 8000);
+    EXPECT_EQ(estimateOf(QByteArray("\u4e2d").repeated(40) + '\n'), 8000);
+    EXPECT_GT(estimateOf(QByteArray(80, 'x') + "\r\n"), 8000) << "the carriage returns count, though nothing wraps";
+}
+
 TEST(OutputPaneRows, AreEstimatedInProportionToTheLengthOfLinesThatWrap)
 {
     TextStore text;
