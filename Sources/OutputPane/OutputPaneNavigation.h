@@ -6,12 +6,14 @@
 #include "Look/CellFont.h"
 #include "OutputPane/OutputPaneRows.h"
 
+/// A place for the caret.
 struct OutputCaret {
     TextStore::Position position = 0;
     /// At a soft wrap: at the end of the row before, not at the start of the row that begins here.
     bool endsRow = false;
 };
 
+/// A stretch of the text, half open.
 struct OutputRange {
     TextStore::Position begin = 0;
     TextStore::Position end = 0;
@@ -27,6 +29,7 @@ public:
     /// Both must outlive the navigation.
     OutputPaneNavigation(OutputPaneRows &rows, const CellFont &font) : m_rows(rows), m_font(font) {}
 
+    /// The row in which the caret is drawn, and where in it, in pixels from its left edge.
     Row rowOf(OutputCaret caret) const;
     double xOf(OutputCaret caret) const;
     /// The place in that row nearest to `x`.
@@ -34,12 +37,14 @@ public:
     /// The character of that row drawn at `x`, or nearest to it.
     Position positionIn(const Row &row, double x) const;
 
+    /// The place behind the character here, or before the one that ends here; the place itself at the text's ends.
     Position nextCharacter(Position position) const;
     Position previousCharacter(Position position) const;
     /// The start of the word after.
     Position nextWord(Position position) const;
     /// The start of this word, or of the one before.
     Position previousWord(Position position) const;
+    /// The ends of the row in which the caret is drawn, without its line end.
     OutputCaret rowBegin(OutputCaret caret) const;
     OutputCaret rowEnd(OutputCaret caret) const;
     /// Behind the line's last character, before its line end.

@@ -27,6 +27,7 @@ public:
     /// The text colour of a piece of output. `fail` is purple because red belongs to standard error alone.
     static QColor colourOf(OutputKind kind, const QPalette &palette);
 
+    /// The painter and the font must outlive it; the colours are those of the palette now.
     OutputPanePainter(QPainter &painter, CellFont &font, const QPalette &palette);
 
     /// Draws a row with its top left corner at `place`; one style for each of its clusters.

@@ -27,11 +27,13 @@ public:
     /// `rows` must outlive the viewport.
     explicit OutputPaneViewport(OutputPaneRows &rows) : m_rows(rows) {}
 
+    /// Pixels; the row height at least one.
     void setHeights(int viewport, int row);
     int height() const { return m_viewportHeight; }
     int rowHeight() const { return m_rowHeight; }
     bool isEmpty() const { return m_rows.isEmpty(); }
 
+    /// The rows of which anything is in the viewport, from the top; none without text.
     std::vector<VisibleRow> visibleRows();
     /// The visible row at a height in the viewport, or the nearest. There must be text.
     Row rowAt(int y);

@@ -10,6 +10,7 @@ class FileDescriptor
 {
 public:
     FileDescriptor() = default;
+    /// Owns the descriptor from now on; a negative number is a closed one.
     explicit FileDescriptor(int number) : m_number(number) {}
     FileDescriptor(FileDescriptor &&other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
     FileDescriptor &operator=(FileDescriptor &&other) noexcept

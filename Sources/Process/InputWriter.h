@@ -12,6 +12,7 @@ class InputWriter
 public:
     /// Nothing to write.
     InputWriter() = default;
+    /// Writes into the pipe before its write end, which becomes non-blocking.
     InputWriter(FileDescriptor end, QByteArray text);
 
     bool isDone() const { return !m_end.isOpen(); }

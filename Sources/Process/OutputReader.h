@@ -13,6 +13,7 @@ class OutputReader
 public:
     /// At its end from the beginning.
     OutputReader() = default;
+    /// Reads the pipe behind its read end, which becomes non-blocking.
     OutputReader(FileDescriptor end, OutputStream stream);
 
     bool isAtEnd() const { return !m_end.isOpen(); }
