@@ -15,10 +15,13 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-QTextDocument *documentOf(const QString &script, QObject *parent)
+/// A document of the script, laid out as the editor's own: what is set before the text costs nothing.
+QTextDocument *documentOf(const QString &script, QPlainTextEdit &editor)
 {
-    auto *document = new QTextDocument(parent);
+    auto *document = new QTextDocument(&editor);
     document->setDocumentLayout(new QPlainTextDocumentLayout(document));
+    document->setDefaultFont(editor.document()->defaultFont());
+    document->setDefaultTextOption(editor.document()->defaultTextOption());
     document->setPlainText(script);
     return document;
 }
@@ -39,12 +42,6 @@ ScriptEditor::ScriptEditor(RunController &run, QWidget *parent)
       m_run(run),
       m_known(run.script())
 {
-    {
-        // Filled without a word: a screen reader that hears of the caret before the focus takes the editor for one that
-        // it has spoken already, and stays silent.
-        const QSignalBlocker noCaret(textControlOf(*this));
-        setDocument(documentOf(m_known, this));
-    }
     setAccessibleName(u"Script"_s);
     setFont(Typography::monospaced(13));
     setMinimumHeight(120);
@@ -55,6 +52,12 @@ ScriptEditor::ScriptEditor(RunController &run, QWidget *parent)
     setWordWrapMode(QTextOption::WrapAnywhere);
     new RoundedFrame(RoundedFrame::Ground::field, this);
     setViewportMargins(2, 1, 2, 1);
+    {
+        // Filled without a word: a screen reader that hears of the caret before the focus takes the editor for one that
+        // it has spoken already, and stays silent.
+        const QSignalBlocker noCaret(textControlOf(*this));
+        setDocument(documentOf(m_known, *this));
+    }
 
     connect(this, &QPlainTextEdit::textChanged, this, &ScriptEditor::giveScript);
     connect(&run, &RunController::scriptChanged, this, &ScriptEditor::takeScript);
