@@ -1,5 +1,5 @@
+#include "TidewellApp/LinuxStyle.h"
 #include "TidewellApp/MainWindow.h"
-#include "TidewellApp/MenuBarStyle.h"
 #include "TidewellApp/TidewellApp.h"
 
 #include <QAccessible>
@@ -17,8 +17,8 @@ int main(int argumentCount, char *arguments[])
     // By this a Linux desktop finds the icon and the name.
     QApplication::setDesktopFileName(u"app.tidewell.Tidewell"_s);
     QApplication::setApplicationVersion(QStringLiteral(TIDEWELL_VERSION));
-#ifndef Q_OS_MACOS // where the menu bar is the system's
-    QApplication::setStyle(new MenuBarStyle);
+#ifndef Q_OS_MACOS // where everything is drawn by the system
+    QApplication::setStyle(new LinuxStyle);
 #endif
     TidewellApp tidewell;
     tidewell.window().show();

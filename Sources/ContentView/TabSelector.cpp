@@ -2,6 +2,7 @@
 
 #include "ContentView/TabSelectorAccessibility.h"
 #include "Look/Colours.h"
+#include "Look/RoundedFrame.h"
 
 #include <QPainter>
 
@@ -11,7 +12,9 @@ namespace
 constexpr int segmentPadding = 18;
 constexpr int segmentHeight = 26;
 constexpr double stripRadius = 7;
-constexpr double segmentRadius = 5;
+constexpr double segmentRadius = 6;
+constexpr int margin = 1;
+constexpr int ringThickness = 2;
 
 } // namespace
 
@@ -82,20 +85,18 @@ void TabSelector::followSelection()
 void TabSelector::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     const bool isDark = Colours::isDark(palette());
 
     const QColor strip = Colours::mixed(isDark ? Qt::white : Qt::black, palette().color(QPalette::Window), 0.08F);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(strip);
-    painter.drawRoundedRect(rect(), stripRadius, stripRadius);
+    RoundedFrame::draw(painter, rect(), stripRadius, {}, strip);
 
     for (int index = 0; index < count(); ++index) {
         if (index == currentIndex()) {
-            painter.setBrush(Colours::mixed(Qt::white, strip, isDark ? 0.22F : 1.0F));
-            painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 2)
-                                      : QPen(Colours::mixed(Qt::black, strip, 0.14F)));
-            painter.drawRoundedRect(QRectF(tabRect(index)).adjusted(2, 2, -2, -2), segmentRadius, segmentRadius);
+            const QRectF segment = QRectF(tabRect(index)).adjusted(margin, margin, -margin, -margin);
+            RoundedFrame::draw(painter, segment, segmentRadius, Colours::mixed(Qt::black, strip, 0.14F),
+                               Colours::mixed(Qt::white, strip, isDark ? 0.22F : 1.0F));
+            if (hasFocus())
+                RoundedFrame::drawRing(painter, segment, segmentRadius, ringThickness, palette());
         }
         painter.setPen(palette().color(QPalette::WindowText));
         painter.drawText(tabRect(index), Qt::AlignCenter, tabText(index));

@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QWidget>
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -12,6 +13,14 @@ namespace
 QColor toned(const QPalette &palette, QRgb onLight, QRgb onDark)
 {
     return QColor::fromRgb(Colours::isDark(palette) ? onDark : onLight);
+}
+
+double luminance(const QColor &colour)
+{
+    const auto linear = [](double channel) {
+        return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
 }
 
 } // namespace
@@ -33,11 +42,10 @@ QColor Colours::secondary(const QPalette &palette)
 
 QColor Colours::placeholder(const QPalette &palette)
 {
-    constexpr float leastDifference = 0.15F;
     const QColor own = palette.color(QPalette::PlaceholderText);
     const QColor field = palette.color(QPalette::Base);
     const QColor seen = mixed(own, field, own.alphaF());
-    if (std::abs(seen.lightnessF() - field.lightnessF()) >= leastDifference)
+    if (contrast(seen, field) >= readable)
         return own;
     return mixed(palette.color(QPalette::Text), field, 0.55F);
 }
@@ -60,6 +68,13 @@ QColor Colours::green(const QPalette &palette)
 QColor Colours::purple(const QPalette &palette)
 {
     return toned(palette, 0x7a2ba8, 0xd2a8ff);
+}
+
+double Colours::contrast(const QColor &one, const QColor &other)
+{
+    const double first = luminance(one) + 0.05;
+    const double second = luminance(other) + 0.05;
+    return std::max(first, second) / std::min(first, second);
 }
 
 QColor Colours::mixed(const QColor &over, const QColor &under, float share)

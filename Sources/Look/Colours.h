@@ -20,14 +20,20 @@ bool isDark(const QPalette &palette);
 QColor primary(const QPalette &palette);
 /// Dimmed text: captions, hints, progress.
 QColor secondary(const QPalette &palette);
-/// What an empty field asks for: the palette's own colour, unless it can hardly be told from the field. (Some dark
-/// themes set every colour but this one, which is then a light theme's black.)
+/// What an empty field asks for: the palette's own colour, unless it cannot well be read on a field. (Some dark themes
+/// set every colour but this one, which is then a light theme's black.)
 QColor placeholder(const QPalette &palette);
 
 QColor red(const QPalette &palette);
 QColor orange(const QPalette &palette);
 QColor green(const QPalette &palette);
 QColor purple(const QPalette &palette);
+
+/// How well the two can be told apart, from 1 to 21, as the Web Content Accessibility Guidelines measure it. Opaque
+/// colours only.
+double contrast(const QColor &one, const QColor &other);
+/// The least contrast at which text is readable.
+constexpr double readable = 4.5;
 
 /// `over` covering a share, 0 to 1, of `under`; opaque. For what is large: Qt shares out a large translucent shape
 /// among threads, and waking those takes longer than painting it.

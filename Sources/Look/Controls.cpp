@@ -1,7 +1,5 @@
 #include "Look/Controls.h"
 
-#include "Look/Colours.h"
-
 #include <algorithm>
 
 QPushButton *Controls::button(const QString &label, const QString &description, QWidget *parent)
@@ -22,6 +20,5 @@ QLineEdit *Controls::textField(const QString &placeholder, QWidget *parent)
     auto *field = new QLineEdit(parent);
     field->setPlaceholderText(placeholder);
     field->setAccessibleName(placeholder);
-    new ColourFollower(QPalette::PlaceholderText, Colours::placeholder, field);
     return field;
 }

@@ -11,7 +11,7 @@ namespace Controls
 /// A button named by its label; `description` tells what it acts on where the label alone does not ("Stop OrbStack").
 QPushButton *button(const QString &label, const QString &description, QWidget *parent);
 
-/// A field for one line of text, named by its placeholder, which can be read in light and dark.
+/// A field for one line of text, named by its placeholder.
 QLineEdit *textField(const QString &placeholder, QWidget *parent);
 
 } // namespace Controls

@@ -6,23 +6,43 @@
 #include <QEvent>
 #include <QPainter>
 
+#include <algorithm>
+#include <cmath>
+
 namespace
 {
 
 constexpr double cornerRadius = 6;
 constexpr int frameThickness = 2;
 
-QPen outlineOf(RoundedFrame::Ground ground, const QWidget &area)
+QColor outlineOf(RoundedFrame::Ground ground, const QPalette &palette)
 {
-    const QPalette &palette = area.palette();
-    if (area.hasFocus())
-        return palette.color(QPalette::Highlight);
     if (ground == RoundedFrame::Ground::field)
         return Colours::line(palette, 0.4F);
-    if (!Colours::isDark(palette))
-        return Qt::NoPen;
     // The tint can hardly be seen on a dark window; a faint line shows where the pane ends.
-    return Colours::line(palette, 0.25F);
+    return Colours::isDark(palette) ? Colours::line(palette, 0.25F) : QColor();
+}
+
+/// Draws within the rectangle, whose edges and whose outline are moved onto whole pixels.
+void drawSharply(QPainter &painter, const QRectF &rectangle, double radius, const QColor &outline, int points,
+                 const QBrush &ground)
+{
+    const QTransform toPixels = painter.deviceTransform();
+    const double scale = toPixels.m11();
+    const double pixels = std::max(1.0, std::floor(points * scale));
+    const double inset = outline.isValid() ? pixels / 2 : 0;
+    const QRectF exact = toPixels.mapRect(rectangle);
+    const QRectF whole(QPointF(std::round(exact.left()), std::round(exact.top())),
+                       QPointF(std::round(exact.right()), std::round(exact.bottom())));
+    const QRectF line = toPixels.inverted().mapRect(whole.adjusted(inset, inset, -inset, -inset));
+
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(outline.isValid() ? QPen(outline, pixels / scale) : QPen(Qt::NoPen));
+    painter.setBrush(ground);
+    const double lineRadius = radius - inset / scale;
+    painter.drawRoundedRect(line, lineRadius, lineRadius);
+    painter.restore();
 }
 
 } // namespace
@@ -47,12 +67,24 @@ bool RoundedFrame::eventFilter(QObject *watched, QEvent *event)
     return QObject::eventFilter(watched, event);
 }
 
+void RoundedFrame::draw(QPainter &painter, const QRectF &rectangle, double radius, const QColor &outline,
+                        const QColor &ground)
+{
+    drawSharply(painter, rectangle, radius, outline, 1, ground.isValid() ? QBrush(ground) : QBrush());
+}
+
+void RoundedFrame::drawRing(QPainter &painter, const QRectF &rectangle, double radius, int thickness,
+                            const QPalette &palette)
+{
+    drawSharply(painter, rectangle, radius, palette.color(QPalette::Highlight), thickness, Qt::NoBrush);
+}
+
 void RoundedFrame::paint() const
 {
     const QPalette &palette = m_area.palette();
     QPainter painter(&m_area);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(outlineOf(m_ground, m_area));
-    painter.setBrush(m_ground == Ground::pane ? Colours::pane(palette) : palette.color(QPalette::Base));
-    painter.drawRoundedRect(QRectF(m_area.rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    draw(painter, m_area.rect(), cornerRadius, m_area.hasFocus() ? QColor() : outlineOf(m_ground, palette),
+         m_ground == Ground::pane ? Colours::pane(palette) : palette.color(QPalette::Base));
+    if (m_area.hasFocus())
+        drawRing(painter, m_area.rect(), cornerRadius, frameThickness, palette);
 }

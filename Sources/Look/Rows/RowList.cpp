@@ -1,5 +1,6 @@
 #include "Look/Rows/RowList.h"
 
+#include "Look/RoundedFrame.h"
 #include "Look/Rows/RowListAccessibility.h"
 
 #include <QAccessible>
@@ -11,6 +12,14 @@
 #include <cstdlib>
 #include <utility>
 
+namespace
+{
+
+/// So much that the corners of what scrolls lie within the round ones.
+constexpr int frameThickness = 3;
+
+} // namespace
+
 RowList::RowList(const QString &name, QWidget *parent) : QScrollArea(parent), m_content(new RowListContent(*this))
 {
     RowListAccessibility::install();
@@ -19,7 +28,10 @@ RowList::RowList(const QString &name, QWidget *parent) : QScrollArea(parent), m_
     m_content->setAutoFillBackground(true);
     // The tab order of the rows hangs on it, and a widget that takes no focus at all cannot be part of that order.
     m_content->setFocusPolicy(Qt::ClickFocus);
+    new RoundedFrame(RoundedFrame::Ground::field, this);
+    setLineWidth(frameThickness);
     viewport()->setBackgroundRole(QPalette::Base);
+    viewport()->setAutoFillBackground(true);
     setWidget(m_content);
     setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -12,6 +12,8 @@
 #include <QPainter>
 #include <QStyleOptionFocusRect>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <utility>
 
@@ -22,7 +24,7 @@ namespace
 
 constexpr int dotDiameter = 9;
 constexpr int sideMargin = 10;
-constexpr int edgeMargin = 6;
+constexpr int edgeMargin = 8;
 constexpr int lineSpacing = 2;
 constexpr int spacing = 8;
 
@@ -196,7 +198,9 @@ void RowWidget::paintEvent(QPaintEvent *)
     QPainter painter(this);
     QColor line = palette().color(QPalette::Text);
     line.setAlphaF(0.12F);
-    painter.fillRect(0, height() - 1, width(), 1, line);
+    // So many whole pixels at every scale, that all lines look alike.
+    const double thickness = std::max(1.0, std::floor(devicePixelRatioF())) / devicePixelRatioF();
+    painter.fillRect(QRectF(0, height() - thickness, width(), thickness), line);
     if (!hasFocus())
         return;
     QStyleOptionFocusRect option;

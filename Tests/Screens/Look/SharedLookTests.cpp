@@ -153,31 +153,6 @@ TEST(TextField, IsNamedByItsPlaceholder)
     EXPECT_EQ(ByName::nameOf(&field), u"Name (e.g. scratch)"_s);
 }
 
-TEST(TextField, ShowsItsPlaceholderWhereADarkThemeForgotThatColour)
-{
-    QWidget window;
-    const QLineEdit &field = *Controls::textField(u"x"_s, &window);
-    QPalette dark = darkPalette();
-    dark.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
-    window.setPalette(dark);
-    EXPECT_GT(field.palette().color(QPalette::PlaceholderText).lightnessF(), 0.5F);
-    QPalette light(Qt::lightGray);
-    light.setColor(QPalette::Base, Qt::white);
-    light.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
-    window.setPalette(light);
-    EXPECT_EQ(field.palette().color(QPalette::PlaceholderText), QColor(0, 0, 0, 128));
-}
-
-TEST(TextField, LeavesAThemeItsOwnPlaceholderColour)
-{
-    QWidget window;
-    const QLineEdit &field = *Controls::textField(u"x"_s, &window);
-    QPalette dark = darkPalette();
-    dark.setColor(QPalette::PlaceholderText, QColor(255, 255, 255, 64));
-    window.setPalette(dark);
-    EXPECT_EQ(field.palette().color(QPalette::PlaceholderText), QColor(255, 255, 255, 64));
-}
-
 TEST(Picker, EndsAChoiceThatDoesNotFitWithAnEllipsis)
 {
     class OpenPicker : public Picker

@@ -1,0 +1,111 @@
+#include "Look/Colours.h"
+#include "Look/RoundedFrame.h"
+#include "Screens/Look/DarkPalette.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+/// The light palette of Qt's own style, as it is outside any desktop environment.
+QPalette lightPalette()
+{
+    QPalette palette(QColor::fromRgb(0xefefef));
+    palette.setColor(QPalette::Window, QColor::fromRgb(0xefefef));
+    palette.setColor(QPalette::WindowText, Qt::black);
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::Text, Qt::black);
+    return palette;
+}
+
+/// A dark palette whose window is as light as those of the common dark themes are at most.
+QPalette slatePalette()
+{
+    QPalette palette = darkPalette();
+    palette.setColor(QPalette::Window, QColor::fromRgb(0x383838));
+    palette.setColor(QPalette::WindowText, QColor::fromRgb(0xeeeeec));
+    palette.setColor(QPalette::Base, QColor::fromRgb(0x2d2d2d));
+    palette.setColor(QPalette::Text, QColor::fromRgb(0xeeeeec));
+    return palette;
+}
+
+/// Which of the three colours the pixels of the middle row have, run by run; any other colour is 'x'.
+QString runsAcross(const QImage &image, const QColor &outline, const QColor &ground)
+{
+    QString runs;
+    for (int x = 0; x < image.width(); ++x) {
+        const QColor colour = image.pixelColor(x, image.height() / 2);
+        QChar kind = u'x';
+        if (colour == outline)
+            kind = u'o';
+        else if (colour == ground)
+            kind = u'g';
+        else if (colour == Qt::white)
+            kind = u' ';
+        if (kind == u'o' || runs.isEmpty() || runs.back() != kind)
+            runs += kind;
+    }
+    return runs;
+}
+
+} // namespace
+
+TEST(Colours, MeasureContrastFromOneToTwentyOne)
+{
+    EXPECT_DOUBLE_EQ(Colours::contrast(Qt::white, Qt::white), 1);
+    EXPECT_NEAR(Colours::contrast(Qt::white, Qt::black), 21, 1e-9);
+    EXPECT_NEAR(Colours::contrast(QColor::fromRgb(0x777777), Qt::white), 4.48, 0.01);
+}
+
+TEST(Colours, AreReadableAsTextOnEveryGround)
+{
+    struct Text {
+        const char *name;
+        ColourOfPalette colour;
+    };
+    const Text texts[] = {{"primary", Colours::primary}, {"secondary", Colours::secondary},
+                          {"red", Colours::red},         {"orange", Colours::orange},
+                          {"green", Colours::green},     {"purple", Colours::purple}};
+    for (const QPalette &palette : {lightPalette(), darkPalette(), slatePalette()}) {
+        const QColor window = palette.color(QPalette::Window);
+        for (const QColor &ground : {window, Colours::pane(palette), palette.color(QPalette::Base)}) {
+            for (const Text &text : texts) {
+                EXPECT_GE(Colours::contrast(text.colour(palette), ground), Colours::readable)
+                    << text.name << " on " << ground.name().toStdString() << " in a window of "
+                    << window.name().toStdString();
+            }
+        }
+        EXPECT_GE(Colours::contrast(Colours::placeholder(palette), palette.color(QPalette::Base)), Colours::readable);
+    }
+}
+
+TEST(Colours, LeaveAThemeItsOwnPlaceholderWhereItCanBeRead)
+{
+    QPalette dark = darkPalette();
+    dark.setColor(QPalette::PlaceholderText, QColor(255, 255, 255, 160));
+    EXPECT_EQ(Colours::placeholder(dark), QColor(255, 255, 255, 160));
+    dark.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
+    EXPECT_GT(Colours::placeholder(dark).lightnessF(), 0.5F);
+}
+
+TEST(RoundedFrame, IsSharpAtEveryScale)
+{
+    const QColor outline = QColor::fromRgb(0x404040);
+    const QColor ground = QColor::fromRgb(0xc0c0c0);
+    const std::pair<double, QString> expected[] = {
+        {1, u" ogo "_s}, {1.25, u" ogo "_s}, {1.5, u" ogo "_s}, {2, u" oogoo "_s}};
+    for (const auto &[scale, runs] : expected) {
+        QImage image((QSizeF(40, 30) * scale).toSize(), QImage::Format_RGB32);
+        image.setDevicePixelRatio(scale);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        RoundedFrame::draw(painter, QRectF(3, 3, 29, 23), 6, outline, ground);
+        painter.end();
+        EXPECT_EQ(runsAcross(image, outline, ground), runs) << "at scale " << scale;
+    }
+}
