@@ -2,7 +2,7 @@
 """pictures.py PROGRAM FOLDER [SCENE...]: pictures of every screen in every state, to be looked at.
 
 Each scene (see scenes/) is brought about in a fresh window and pictured light and dark, at the smallest size and
-large: FOLDER/SCENE-light-small.png and so on.
+large: FOLDER/SCENE-light-small.png and so on. With QT_SCALE_FACTOR=1.5 they are as on a screen of that scale.
 """
 
 import os
@@ -13,12 +13,13 @@ from harness.desktop import Desktop
 from harness.tidewell import Tidewell
 from scenes import SCENES
 
-SIZES = {"small": (820, 640), "large": (1440, 900)}
+SCALE = float(os.environ.get("QT_SCALE_FACTOR", 1))
+SIZES = {"small": (round(820 * SCALE), round(640 * SCALE)), "large": (round(1440 * SCALE), round(900 * SCALE))}
 # Room around the window for its frame.
 MARGIN = (20, 60)
 
 
-def picture(program, desktop, size, theme, name, path):
+def picture(program, desktop, size, theme, name, path, window_only=False):
     bring, options = SCENES[name]
     stage = options.get("before")
 
@@ -32,7 +33,7 @@ def picture(program, desktop, size, theme, name, path):
         desktop.wait_for_focus(tidewell.process.pid)
         desktop.place_window(tidewell.process.pid, *SIZES[size])
         bring(tidewell)
-        tidewell.take_picture(path)
+        desktop.take_picture(path, tidewell.process.pid if window_only else None)
 
 
 def main():

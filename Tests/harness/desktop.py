@@ -118,8 +118,10 @@ class Desktop:
         self._tool("wmctrl", "-i", "-r", window, "-e", "10,1,20,-1,-1")
         self._tool("xdotool", "windowsize", "--sync", window, str(width), str(height))
 
-    def take_picture(self, path):
-        self._tool("import", "-window", "root", path)
+    def take_picture(self, path, pid=None):
+        """A picture of the whole desktop, or of the process's window without its frame."""
+        window = "root" if pid is None else self._window(pid)
+        self._tool("import", "-window", window, "-strip", "-quality", "95", path)
 
 
 def _connect(address):

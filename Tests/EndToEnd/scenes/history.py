@@ -1,10 +1,6 @@
 """The History screen. Nothing in it can be busy or fail; what is around it can."""
 
-import json
-import os
-import uuid
-
-from .staging import LONG, open_tab, run_in_box, scene, with_machines
+from .staging import LONG, open_tab, run_in_box, scene, with_history, with_machines
 
 OUTCOMES = [
     ("\n\napt-get update\nmake test", "box", 0, "", 3.2),
@@ -17,23 +13,12 @@ OUTCOMES = [
 ]
 
 
-def with_history(count):
-    def write(tidewell):
-        folder = tidewell.path("home", "data", "Tidewell")
-        os.makedirs(folder)
-        entries = []
-        for number in range(count):
-            command, machine, code, note, duration = OUTCOMES[number % len(OUTCOMES)]
-            entry = {"id": str(uuid.uuid4()).upper(), "command": command, "machine": machine, "exitCode": code}
-            entries.append(entry | {"note": note, "date": "2026-03-01T14:05:00Z", "duration": duration})
-        with open(os.path.join(folder, "history.json"), "w", encoding="utf-8") as file:
-            json.dump(entries, file)
-
-    return write
+def with_runs(count):
+    return with_history([OUTCOMES[number % len(OUTCOMES)] for number in range(count)])
 
 
 def with_history_and_a_machine(tidewell):
-    with_history(3)(tidewell)
+    with_runs(3)(tidewell)
     with_machines("box")["before"](tidewell)
 
 
@@ -43,13 +28,13 @@ def history_empty(tidewell):
     tidewell.wait_for("No runs yet.")
 
 
-@scene(before=with_history(7))
+@scene(before=with_runs(7))
 def history_filled(tidewell):
     open_tab(tidewell, "History")
     tidewell.find("echo 日本語", role="panel")
 
 
-@scene(before=with_history(25))
+@scene(before=with_runs(25))
 def history_in_number(tidewell):
     open_tab(tidewell, "History")
     tidewell.wait_for("Last 50 runs")
@@ -63,13 +48,13 @@ def history_during_a_run(tidewell):
     tidewell.find("exit 127", role="panel")
 
 
-@scene(before=with_history(3), engine_started=False)
+@scene(before=with_runs(3), engine_started=False)
 def history_orbstack_stopped(tidewell):
     open_tab(tidewell, "History", "OrbStack stopped")
     tidewell.find("exit 127", role="panel")
 
 
-@scene(before=with_history(3), tools=())
+@scene(before=with_runs(3), tools=())
 def history_tools_missing(tidewell):
     open_tab(tidewell, "History", "OrbStack not installed")
     tidewell.find("exit 127", role="panel")
