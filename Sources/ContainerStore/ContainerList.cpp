@@ -1,5 +1,6 @@
 #include "ContainerStore/ContainerList.h"
 
+#include "Text/JsonText.h"
 #include "Text/Utf8.h"
 
 #include <nlohmann/json.hpp>
@@ -97,7 +98,7 @@ std::optional<ContainerInfo> containerIn(QStringView line)
 {
     const QByteArray bytes = line.toUtf8();
     ContainerReader reader;
-    if (!Json::sax_parse(bytes.begin(), bytes.end(), &reader))
+    if (!JsonText::mayBeJson(bytes) || !Json::sax_parse(bytes.begin(), bytes.end(), &reader))
         return std::nullopt;
     return reader.container();
 }

@@ -121,6 +121,8 @@ QByteArray HistoryFile::encode(const QList<HistoryEntry> &entries)
 
 std::optional<QList<HistoryEntry>> HistoryFile::decode(const QByteArray &content)
 {
+    if (!JsonText::mayBeJson(content))
+        return std::nullopt;
     const Json document = Json::parse(content.cbegin(), content.cend(), nullptr, false);
     if (!document.is_array())
         return std::nullopt;

@@ -7,6 +7,8 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <string>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -47,7 +49,8 @@ std::optional<Machine> machineFrom(const Json &element)
 std::optional<QList<Machine>> MachineList::parseMachinesJson(const QString &json)
 {
     // Without exceptions: what cannot be read comes back as a discarded value, which is no array either.
-    const Json document = Json::parse(json.toStdString(), nullptr, false);
+    const std::string text = json.toStdString();
+    const Json document = JsonText::mayBeJson(text) ? Json::parse(text, nullptr, false) : Json();
     if (!document.is_array())
         return std::nullopt;
     QList<Machine> machines;

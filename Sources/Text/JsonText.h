@@ -2,6 +2,7 @@
 
 #include "Text/Utf8.h"
 
+#include <QByteArrayView>
 #include <QString>
 
 #include <optional>
@@ -9,6 +10,12 @@
 
 namespace JsonText
 {
+
+/// The JSON reader takes a NUL for the end of its text and would ignore what goes on behind it: such a text is no JSON.
+inline bool mayBeJson(QByteArrayView text)
+{
+    return !text.contains('\0');
+}
 
 /// The member `key` of a JSON object as a text; nothing when it is missing or anything else than a text.
 template <typename Json>

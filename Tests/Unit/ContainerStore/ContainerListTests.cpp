@@ -139,3 +139,8 @@ TEST(ContainerList, IsQuickForFiveThousandContainersAndForALineOfTenMegabytes)
     EXPECT_LT(timer.elapsed(), 10000);
     RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
 }
+
+TEST(ContainerList, SkipsALineThatGoesOnBehindANul)
+{
+    EXPECT_TRUE(parseContainers(nginxLine + QChar::Null + u"{}"_s).isEmpty());
+}

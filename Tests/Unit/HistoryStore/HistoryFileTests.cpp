@@ -254,3 +254,8 @@ TEST(HistoryFile, SurvivesAMillionNestedBrackets)
     EXPECT_EQ(HistoryFile::decode(QByteArray(depth, '[') + QByteArray(depth, ']')), std::nullopt);
     EXPECT_EQ(HistoryFile::decode(QByteArray("[{\"a\":").repeated(depth / 2)), std::nullopt);
 }
+
+TEST(HistoryFile, IsUnreadableWhereAnythingStandsBehindANul)
+{
+    EXPECT_EQ(HistoryFile::decode(QByteArray("[]\0[]", 5)), std::nullopt);
+}

@@ -195,3 +195,9 @@ TEST(MachinesInATable, KeepOrderAndDuplicates)
     EXPECT_EQ(machines[0].name, u"b"_s);
     EXPECT_EQ(machines[1].name, u"a"_s);
 }
+
+TEST(MachinesInJson, AreAbsentWhereAnythingStandsBehindANul)
+{
+    EXPECT_EQ(MachineList::parseMachinesJson(u"[]"_s + QChar::Null + u"NAME STATE"_s), std::nullopt);
+    EXPECT_EQ(MachineList::parseMachinesJson(u"[]"_s + QChar::Null), std::nullopt);
+}
