@@ -27,8 +27,7 @@ void ToolLog::append(QUtf8StringView text)
         return;
     m_text += Utf8::toQString(text);
     m_counter.add(QByteArrayView(text.data(), text.size()));
-    if (m_counter.count() > capacity)
-        keepLast(keptCharacters);
+    cap();
     Q_EMIT changed();
 }
 
@@ -37,6 +36,7 @@ void ToolLog::replace(const QString &text)
     if (m_text == text)
         return;
     setText(text);
+    cap();
     Q_EMIT changed();
 }
 
@@ -55,9 +55,11 @@ void ToolLog::setText(const QString &text)
     m_counter.add(text.toUtf8());
 }
 
-void ToolLog::keepLast(int characters)
+void ToolLog::cap()
 {
-    const int dropped = m_counter.count() - characters;
+    if (m_counter.count() <= capacity)
+        return;
+    const int dropped = m_counter.count() - keptCharacters;
     // Where every character is one unit, as in plain ASCII, there is nothing to look for.
     if (m_counter.count() == m_text.size()) {
         setText(m_text.sliced(dropped));

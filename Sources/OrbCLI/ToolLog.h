@@ -28,7 +28,7 @@ public:
     /// Adds the text, then drops the front when the log has become too long.
     void append(QUtf8StringView text);
 
-    /// Makes this the whole text, whatever its length; only growing is capped.
+    /// Makes this the whole text, or its end when it is too long.
     void replace(const QString &text);
 
     /// Appends what a tool prints, on standard output and standard error alike. What is printed after the log was
@@ -41,7 +41,8 @@ Q_SIGNALS:
 
 private:
     void setText(const QString &text);
-    void keepLast(int characters);
+    /// Keeps the last `keptCharacters` of a text that is longer than `capacity`.
+    void cap();
 
     QString m_text;
     GraphemeCounter m_counter{std::numeric_limits<int>::max()};

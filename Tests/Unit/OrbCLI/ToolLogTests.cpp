@@ -106,7 +106,7 @@ TEST(ToolLog, KeepsAByteOrderMarkAtTheFrontOfAChunk)
     EXPECT_EQ(log.text(), u"\uFEFFa\uFEFFb"_s);
 }
 
-TEST(ToolLog, ReplacesItsTextWhateverItsLength)
+TEST(ToolLog, CapsATextThatReplacesItsOwn)
 {
     ToolLog log;
     append(log, QString(200'000, u'x'));
@@ -115,9 +115,11 @@ TEST(ToolLog, ReplacesItsTextWhateverItsLength)
     append(log, QString(199'997, u'x'));
     EXPECT_EQ(log.text().size(), 200'000);
     log.replace(QString(300'000, u'y'));
-    EXPECT_EQ(log.text().size(), 300'000);
+    EXPECT_EQ(log.text(), QString(150'000, u'y'));
     append(log, u"!"_s);
-    EXPECT_EQ(log.text(), QString(149'999, u'y') + u'!');
+    EXPECT_EQ(log.text(), QString(150'000, u'y') + u'!');
+    log.replace(QString(200'000, u'z'));
+    EXPECT_EQ(log.text().size(), 200'000) << "no longer than may be kept";
 }
 
 TEST(ToolLog, TakesAFloodInTimeThatGrowsWithItsSizeOnly)
