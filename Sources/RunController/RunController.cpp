@@ -18,7 +18,7 @@ QString disposableName()
 
 double secondsSince(const QDateTime &moment)
 {
-    return static_cast<double>(moment.msecsTo(QDateTime::currentDateTimeUtc())) / 1000;
+    return Duration::between(moment, QDateTime::currentDateTimeUtc());
 }
 
 } // namespace

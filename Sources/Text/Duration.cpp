@@ -1,5 +1,6 @@
 #include "Text/Duration.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -9,4 +10,9 @@ QString Duration::text(double seconds)
     std::array<char, 400> text{};
     const auto end = std::to_chars(text.data(), text.data() + text.size(), seconds, std::chars_format::fixed, 1).ptr;
     return QString::fromLatin1(text.data(), end - text.data()) + u's';
+}
+
+double Duration::between(const QDateTime &begin, const QDateTime &end)
+{
+    return static_cast<double>(std::max<qint64>(0, begin.msecsTo(end))) / 1000;
 }

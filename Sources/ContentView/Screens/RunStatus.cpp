@@ -6,10 +6,10 @@
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
 #include "RunController/RunController.h"
+#include "Text/Duration.h"
 
 #include <QHBoxLayout>
 
-#include <algorithm>
 #include <chrono>
 
 using namespace Qt::StringLiterals;
@@ -44,11 +44,8 @@ RunStatus::RunStatus(RunController &run, QWidget *parent) : QWidget(parent), m_r
 void RunStatus::showElapsed()
 {
     QString elapsed;
-    if (m_run.startedAt()) {
-        // A clock set back must not show negative seconds.
-        const auto milliseconds = std::max<qint64>(0, m_run.startedAt()->msecsTo(QDateTime::currentDateTimeUtc()));
-        elapsed = QString::asprintf("%.0fs", static_cast<double>(milliseconds) / 1000);
-    }
+    if (const std::optional<QDateTime> start = m_run.startedAt())
+        elapsed = QString::asprintf("%.0fs", Duration::between(*start, QDateTime::currentDateTimeUtc()));
     m_elapsed->setText(elapsed);
 }
 

@@ -1,5 +1,7 @@
 #include "Text/Duration.h"
 
+#include <QTimeZone>
+
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -28,4 +30,11 @@ TEST(Duration, HasAPointInEveryLocale)
     std::setlocale(LC_ALL, "C");
     if (german == nullptr)
         GTEST_SKIP() << "no locale with a decimal comma is installed here";
+}
+
+TEST(Duration, IsNeverNegativeHoweverTheClockWasSet)
+{
+    const QDateTime noon(QDate(2026, 3, 1), QTime(12, 0), QTimeZone::utc());
+    EXPECT_EQ(Duration::between(noon, noon.addMSecs(3250)), 3.25);
+    EXPECT_EQ(Duration::between(noon, noon.addMSecs(-300)), 0);
 }
