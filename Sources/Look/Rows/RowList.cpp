@@ -12,14 +12,6 @@
 #include <cstdlib>
 #include <utility>
 
-namespace
-{
-
-/// So much that the corners of what scrolls lie within the round ones.
-constexpr int frameThickness = 3;
-
-} // namespace
-
 RowList::RowList(const QString &name, QWidget *parent) : QScrollArea(parent), m_content(new RowListContent(*this))
 {
     RowListAccessibility::install();
@@ -29,7 +21,8 @@ RowList::RowList(const QString &name, QWidget *parent) : QScrollArea(parent), m_
     // The tab order of the rows hangs on it, and a widget that takes no focus at all cannot be part of that order.
     m_content->setFocusPolicy(Qt::ClickFocus);
     new RoundedFrame(RoundedFrame::Ground::field, this);
-    setLineWidth(frameThickness);
+    // So much that the corners of what scrolls lie within the round ones.
+    setLineWidth(3);
     viewport()->setBackgroundRole(QPalette::Base);
     viewport()->setAutoFillBackground(true);
     setWidget(m_content);
