@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QSessionManager>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
@@ -41,15 +42,20 @@ QuitGuard::Closing QuitGuard::platformClosing()
 
 bool QuitGuard::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == &m_window && m_closing == Closing::hides && leavesFullScreen(*event)) {
+    const bool isQuitting = watched == qApp && event->type() == QEvent::Quit;
+    if (m_closing == Closing::hides && !m_isQuitting && leavesFullScreen(watched, *event)) {
         event->ignore();
         return true;
     }
-    const bool isQuitting = watched == qApp && event->type() == QEvent::Quit;
     const bool isClosing = watched == &m_window && event->type() == QEvent::Close && m_closing == Closing::quits;
     if ((isQuitting || isClosing) && !mayQuit()) {
         event->ignore();
         return true;
+    }
+    if (isQuitting) {
+        // Now the windows are asked to close, and one that does not would call the quitting off.
+        m_isQuitting = true;
+        QMetaObject::invokeMethod(this, [this] { m_isQuitting = false; }, Qt::QueuedConnection);
     }
     const bool isActivated = watched == qApp && event->type() == QEvent::ApplicationActivate;
     if (isActivated && m_closing == Closing::hides && !m_window.isVisible())
@@ -90,15 +96,20 @@ void QuitGuard::runEnded()
         QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 
-/// Hiding a full-screen window leaves a black space on macOS: it leaves full screen first and is closed after that.
-bool QuitGuard::leavesFullScreen(const QEvent &event)
+/// Hiding a full-screen window leaves a black space on macOS: it leaves full screen first, and is closed once the
+/// system has reported that, which takes as long as the animation does.
+bool QuitGuard::leavesFullScreen(const QObject *watched, const QEvent &event)
 {
-    if (event.type() == QEvent::Close && m_window.isFullScreen()) {
-        m_closesWhenNormal = true;
-        m_window.showNormal();
-        return true;
+    if (watched == &m_window && event.type() == QEvent::Close) {
+        m_closesWhenNormal = m_window.isFullScreen();
+        if (m_closesWhenNormal)
+            m_window.showNormal();
+        return m_closesWhenNormal;
     }
-    if (event.type() == QEvent::WindowStateChange && m_closesWhenNormal && !m_window.isFullScreen()) {
+    // The widget's own event comes at once; the report goes to its handle.
+    const QWindow *handle = m_window.windowHandle();
+    const bool isReport = watched == handle && event.type() == QEvent::WindowStateChange && event.spontaneous();
+    if (m_closesWhenNormal && isReport && !handle->windowStates().testFlag(Qt::WindowFullScreen)) {
         m_closesWhenNormal = false;
         QMetaObject::invokeMethod(&m_window, &QWidget::close, Qt::QueuedConnection);
     }

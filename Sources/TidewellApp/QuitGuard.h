@@ -39,13 +39,14 @@ private:
     void ask();
     void stopAndQuit();
     void runEnded();
-    bool leavesFullScreen(const QEvent &event);
+    bool leavesFullScreen(const QObject *watched, const QEvent &event);
     void showWindow();
 
     RunController &m_run;
     QWidget &m_window;
     const Closing m_closing;
     bool m_quitsAfterRun = false;
+    bool m_isQuitting = false;
     bool m_closesWhenNormal = false;
     /// The last question; it goes after it was closed.
     QPointer<QMessageBox> m_question;

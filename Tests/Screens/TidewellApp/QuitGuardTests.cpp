@@ -266,3 +266,23 @@ TEST(QuitGuard, LeavesFullScreenBeforeItHidesTheWindow)
     EXPECT_TRUE(waitUntil([&] { return !watch.hidings.isEmpty(); }));
     EXPECT_FALSE(watch.hidings.contains(true));
 }
+
+TEST(QuitGuard, WaitsUntilTheSystemHasLeftFullScreen)
+{
+    Guarded guarded(QuitGuard::Closing::hides);
+    guarded.window.showFullScreen();
+    ASSERT_TRUE(waitUntil([&] { return guarded.window.isFullScreen(); }));
+    guarded.window.close();
+    // All that the application itself has still to do; the system's answer comes with the event loop.
+    QCoreApplication::sendPostedEvents();
+    EXPECT_TRUE(guarded.window.isVisible());
+    EXPECT_TRUE(waitUntil([&] { return !guarded.window.isVisible(); }));
+}
+
+TEST(QuitGuard, QuitsFromFullScreenAtOnce)
+{
+    Guarded guarded(QuitGuard::Closing::hides);
+    guarded.window.showFullScreen();
+    ASSERT_TRUE(waitUntil([&] { return guarded.window.isFullScreen(); }));
+    EXPECT_TRUE(quit());
+}
