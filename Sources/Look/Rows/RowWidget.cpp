@@ -3,6 +3,7 @@
 #include "Look/Colours.h"
 #include "Look/Controls.h"
 #include "Look/PlainLabel.h"
+#include "Look/RoundedFrame.h"
 #include "Look/Typography.h"
 #include "Text/VisibleText.h"
 
@@ -10,7 +11,6 @@
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QPainter>
-#include <QStyleOptionFocusRect>
 
 #include <algorithm>
 #include <cmath>
@@ -23,6 +23,8 @@ namespace
 {
 
 constexpr int dotDiameter = 9;
+constexpr double ringRadius = 4;
+constexpr int ringThickness = 2;
 constexpr int sideMargin = 10;
 constexpr int edgeMargin = 8;
 constexpr int lineSpacing = 2;
@@ -203,10 +205,8 @@ void RowWidget::paintEvent(QPaintEvent *)
     painter.fillRect(QRectF(0, height() - thickness, width(), thickness), line);
     if (!hasFocus())
         return;
-    QStyleOptionFocusRect option;
-    option.initFrom(this);
-    option.rect.adjust(2, 2, -2, -3);
-    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+    // Not by the style: the one of macOS draws no ring within a widget.
+    RoundedFrame::drawRing(painter, rect().adjusted(2, 2, -2, -3), ringRadius, ringThickness, palette());
 }
 
 void RowWidget::focusInEvent(QFocusEvent *event)

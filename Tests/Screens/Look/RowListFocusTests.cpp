@@ -1,4 +1,7 @@
+#include "Look/Rows/RowWidget.h"
 #include "Screens/Look/RowListTest.h"
+
+#include <QProxyStyle>
 
 TEST_F(RowListTest, KeepsTheFocusWithItsButtonWhileOtherRowsComeAndGo)
 {
@@ -159,4 +162,39 @@ TEST_F(RowListTest, MovesFromRowToRowByTheArrowAndPageKeys)
     press(Qt::Key_Home);
     EXPECT_EQ(focusedText(), u"Start row0"_s);
     EXPECT_TRUE(isInView(0));
+}
+
+namespace
+{
+
+/// Draws no ring within a widget, as the style of macOS.
+class RinglessStyle : public QProxyStyle
+{
+public:
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override
+    {
+        if (element != PE_FrameFocusRect)
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+};
+
+} // namespace
+
+TEST_F(RowListTest, ShowsTheFocusOnARowWhateverTheStyle)
+{
+    RinglessStyle style;
+    list->setRows(rowsNumbered(0, 3));
+    RowWidget *row = list->row(0);
+    row->setStyle(&style);
+    QPalette palette = row->palette();
+    palette.setColor(QPalette::Highlight, Qt::magenta);
+    row->setPalette(palette);
+    const auto isRinged = [row] {
+        const QImage picture = row->grab().toImage();
+        return picture.pixelColor(picture.width() / 2, 2) == QColor(Qt::magenta);
+    };
+    EXPECT_FALSE(isRinged());
+    row->setFocus();
+    EXPECT_TRUE(isRinged());
 }
