@@ -23,9 +23,11 @@ QString nameOf(const QString &path)
     return VisibleText::oneLine(QFileInfo(path).fileName());
 }
 
-/// A file dialog over the window that is gone once it was answered.
+/// A file dialog over the window that is gone once it was answered. On macOS the window may be hidden, with nothing to
+/// hold the dialog or to show what came of it.
 QFileDialog *askForFile(QWidget &window, const QString &title, QFileDialog::AcceptMode mode)
 {
+    window.show();
     auto *dialog = new QFileDialog(&window, title);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(mode);

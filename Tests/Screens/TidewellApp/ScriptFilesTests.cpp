@@ -101,3 +101,13 @@ TEST_F(ScriptFilesTest, SayWhenAScriptCannotBeSavedAndLeaveTheOldFile)
     answer(path);
     EXPECT_TRUE(alertText().startsWith(u"“x.sh” was not saved. It cannot be written: "_s)) << alertText().toStdString();
 }
+
+TEST_F(ScriptFilesTest, AskOverTheWindowThoughItWasHidden)
+{
+    for (const QString &label : {u"Open Script…"_s, u"Save Script As…"_s}) {
+        window.hide();
+        trigger(label);
+        EXPECT_TRUE(window.isVisible());
+        delete window.findChild<QFileDialog *>();
+    }
+}
