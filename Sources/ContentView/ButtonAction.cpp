@@ -8,20 +8,23 @@ ButtonAction::ButtonAction(const QString &text, const QList<QKeySequence> &short
     setShortcuts(shortcuts);
     setEnabled(false);
     connect(this, &QAction::triggered, this, [this] {
-        if (m_button)
+        if (m_button != nullptr)
             m_button->click();
     });
 }
 
 void ButtonAction::setButton(QAbstractButton *button)
 {
-    if (m_button)
+    if (m_button != nullptr)
         m_button->removeEventFilter(this);
     m_button = button;
     button->installEventFilter(this);
+    // By its address alone: when this is told, the button is hardly more than an object.
     connect(button, &QObject::destroyed, this, [this, button] {
-        if (!m_button || m_button == button)
-            setEnabled(false);
+        if (m_button != button)
+            return;
+        m_button = nullptr;
+        setEnabled(false);
     });
     followButton();
 }
@@ -35,5 +38,5 @@ bool ButtonAction::eventFilter(QObject *watched, QEvent *event)
 
 void ButtonAction::followButton()
 {
-    setEnabled(m_button && m_button->isEnabled() && m_button->isVisible());
+    setEnabled(m_button != nullptr && m_button->isEnabled() && m_button->isVisible());
 }

@@ -5,7 +5,6 @@
 
 #include <QAbstractButton>
 #include <QAction>
-#include <QPointer>
 
 class ButtonAction : public QAction
 {
@@ -24,5 +23,6 @@ protected:
 private:
     void followButton();
 
-    QPointer<QAbstractButton> m_button;
+    /// Null when there is none, or no longer.
+    QAbstractButton *m_button = nullptr;
 };

@@ -197,4 +197,5 @@ TEST_F(RowListTest, ShowsTheFocusOnARowWhateverTheStyle)
     EXPECT_FALSE(isRinged());
     row->setFocus();
     EXPECT_TRUE(isRinged());
+    row->setStyle(nullptr); // which the row outlives
 }
