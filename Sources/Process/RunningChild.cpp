@@ -17,8 +17,6 @@ enum Place : std::size_t { outputPlace, errorPlace, inputPlace, noticePlace };
 constexpr auto exitCheckInterval = std::chrono::milliseconds(10);
 /// How often a pause of the output is checked for its end.
 constexpr auto pauseCheckInterval = std::chrono::milliseconds(50);
-/// For so long a child whose output is collected is not read: most have ended by then, and are read once.
-constexpr auto readingDelay = std::chrono::milliseconds(20);
 
 RunningChild::Moment deadlineAfter(std::optional<double> timeLimit)
 {
@@ -74,16 +72,12 @@ int RunningChild::start(const Launch &launch)
     m_errorOutput = OutputReader(std::move(errorOutput->readEnd), OutputStream::error);
     if (input)
         m_input = InputWriter(std::move(input->writeEnd), launch.input->toUtf8());
-    if (launch.collectsOutput && m_exitNotice.isOpen())
-        m_firstRead = AwakeClock::now() + readingDelay;
     return 0;
 }
 
 void RunningChild::appendPollEntries(std::vector<pollfd> &entries)
 {
     m_awaitsPause = isPaused();
-    m_awaitsFirstRead = m_isRunning && AwakeClock::now() < m_firstRead;
-    const bool reads = !m_awaitsPause && !m_awaitsFirstRead && m_queue->hasRoom();
     m_places = {};
     const auto append = [&](Place which, int descriptor, short events) {
         // poll() would skip what is closed, but the system takes no more entries than there may be descriptors.
@@ -92,7 +86,7 @@ void RunningChild::appendPollEntries(std::vector<pollfd> &entries)
         m_places[which] = entries.size();
         entries.push_back({descriptor, events, 0});
     };
-    if (reads) {
+    if (!m_awaitsPause && m_queue->hasRoom()) {
         append(outputPlace, m_output.descriptor(), POLLIN);
         append(errorPlace, m_errorOutput.descriptor(), POLLIN);
     }
@@ -119,8 +113,6 @@ RunningChild::Moment RunningChild::wakeTime() const
         wake = std::min(wake, now + exitCheckInterval);
     if (m_awaitsPause)
         wake = std::min(wake, now + pauseCheckInterval);
-    if (m_awaitsFirstRead)
-        wake = std::min(wake, m_firstRead);
     return wake;
 }
 

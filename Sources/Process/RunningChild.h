@@ -32,7 +32,7 @@ public:
     /// before all that follows, which is for the background thread only.
     int start(const Launch &launch);
 
-    /// Appends what to wait for now; the output is left out while the queue is full, it is paused, or it is too early.
+    /// Appends what to wait for now; the output is left out while the queue is full or it is paused.
     void appendPollEntries(std::vector<pollfd> &entries);
 
     /// When to serve the child even if nothing is reported, after appendPollEntries.
@@ -58,9 +58,6 @@ private:
     /// Bytes still read during a pause once the child has ended or was asked to terminate: all that its pipes can
     /// hold, and what a grandchild may hurry to print. Not without end, for it may print on and on.
     qsizetype m_lastOutput = qsizetype{64} * 1024 * 1024;
-    Moment m_firstRead = Moment::min();
-    /// The pipes were left out because it is too early to read them.
-    bool m_awaitsFirstRead = false;
     /// The pipes were left out because of a pause, whose end nothing reports.
     bool m_awaitsPause = false;
     /// Where in the poll entries are standard output, standard error, standard input and the exit notice, if they are.
