@@ -59,7 +59,7 @@ class Installed(tidewell.Tidewell):
 
 def main():
     with Desktop() as desktop, Installed(desktop) as installed:
-        journey.journey(installed, sys.argv[1])
+        journey.journey(installed, sys.argv[1], "a minimal system has no Docker engine")
     print("The journey succeeded.")
 
 
