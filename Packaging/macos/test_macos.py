@@ -155,13 +155,14 @@ class Cask(unittest.TestCase):
             images[0].write_bytes(b"a")
             images[1].write_bytes(b"b")
             script = TREE / "Packaging" / "homebrew" / "write-cask"
-            cask = subprocess.run(["bash", script, "1.2.3", "https://example.org/us/it", *images],
+            cask = subprocess.run(["bash", script, "1.2.3", "https://example.org/us/it", "sequoia", *images],
                                   capture_output=True, text=True, check=True).stdout  # fmt: skip
         # The hashes of "a" and "b".
         self.assertIn('arm:   "ca978112ca1bbdcafac231b39a23dc4da786eff8147c4e72b9807785afee48bb"', cask)
         self.assertIn('intel: "3e23e8160039594a33894f6564e1b1348bbd7a0088d42c4acb73eeaed59c009d"', cask)
         self.assertIn('url "https://example.org/us/it/releases/download/v#{version}/Tidewell-#{version}-#{arch}.dmg"', cask)
         self.assertEqual(cask.count("1.2.3"), 1)
+        self.assertIn('depends_on macos: ">= :sequoia"', cask)
 
     def test_it_clears_what_the_application_leaves(self):
         cask = (TREE / "Packaging" / "homebrew" / "write-cask").read_text(encoding="utf-8")
