@@ -1,0 +1,192 @@
+#!/usr/bin/python3
+"""monkey.py PROGRAM [SECONDS [SEED]]: presses, types, changes tabs and sizes at random, with tools that fail at random.
+
+After each burst the program must be alive and answer within a second, what goes on must come to an end, and descriptors,
+threads, children and memory must be level. The seed is printed; with the same seed the same is tried, though what the
+window then shows may differ with the time that things take.
+"""
+
+import os
+import random
+import sys
+import time
+
+from harness import enter_own_tools
+from harness.accessibility import Gone
+from harness.desktop import Desktop
+from harness.tidewell import ORB, Tidewell
+from harness.waiting import NotInTime, wait_until
+
+_ACTIONS_A_BURST = 25
+_ANSWERS_WITHIN_SECONDS = 1
+_ENDS_WITHIN_SECONDS = 60
+# A leak would grow with each burst; these are what one state of the window needs more than another.
+_MORE_DESCRIPTORS, _MORE_THREADS, _MORE_MEBIBYTES = 8, 4, 150
+
+# Each call does what the real tool does, or fails in one of the ways that tools fail.
+_TOOL = """\
+case $((RANDOM %% 12)) in
+0) echo "no such thing" >&2; exit 1 ;;
+1) echo "[{]]} not json"; exit 0 ;;
+2) sleep 2; exit 1 ;;
+3) kill -KILL $$ ;;
+4) head -c 3000000 /dev/urandom; exit 0 ;;
+5) printf 'half a character: \\xe2\\x82'; exit 7 ;;
+esac
+exec %s "$@"
+"""
+
+_SCRIPTS = ("echo hello", "seq 100000", "sleep 20", "exit 3", "head -c 1000000 /dev/urandom", "kill -KILL $$", "cat",
+            "for i in $(seq 2000); do echo out; echo error >&2; done", "", "\0", "echo '\u202e\U0001f469\u200d\U0001f4bb'")  # fmt: skip
+_TEXTS = ("", "box", "a" * 3000, "-rf", "../..", "x y", "\u202e\u0000", "8080:80", "nginx", "curl git", "'; rm -rf /",
+          "\U0001f469\u200d\U0001f4bb", "\n\n", "<b>bold</b>", "%s%n")  # fmt: skip
+_KEYS = ("Tab", "shift+Tab", "Escape", "space", "Return", "ctrl+Return", "Down", "Up", "Home", "End", "Next", "Prior",
+         "ctrl+a", "ctrl+c", "ctrl+z", "ctrl+1", "ctrl+2", "ctrl+3", "ctrl+4", "x")  # fmt: skip
+# The program is to stay, and files outside the test's own folder as they are.
+_NEVER_PRESSED = ("Stop it and quit", "Quit anyway", "Quit when it is done", "Create New Folder")
+_PRESSED_ROLES = ("push button", "button", "check box", "page tab", "toggle button")
+
+
+class Monkey:
+    def __init__(self, tidewell, seed):
+        self._tidewell, self._random = tidewell, random.Random(seed)
+        self._last = []
+        self.actions = 0
+
+    def burst(self):
+        for _ in range(_ACTIONS_A_BURST):
+            action = self._random.choices(
+                (self._press, self._fill, self._keys, self._size), weights=(10, 4, 6, 1)
+            )[0]  # fmt: skip
+            try:
+                action()
+            except Gone:
+                pass
+            self.actions += 1
+            self._expect_an_answer()
+        self._come_to_rest()
+
+    def levels(self):
+        folder = f"/proc/{self._tidewell.process.pid}"
+        with open(f"{folder}/smaps_rollup", encoding="utf-8") as file:
+            private = sum(int(line.split()[1]) for line in file if line.startswith("Private_"))
+        return {"descriptors": len(os.listdir(f"{folder}/fd")), "threads": len(os.listdir(f"{folder}/task")),
+                "MiB": private // 1024}  # fmt: skip
+
+    def what_it_did(self):
+        return "\n".join(self._last[-_ACTIONS_A_BURST:])
+
+    def _did(self, what):
+        self._last.append(what)
+
+    def _shown(self):
+        for node in self._tidewell.root.walk():
+            try:
+                if node.is_shown:
+                    yield node
+            except Gone:
+                pass
+
+    def _press(self):
+        nodes = [node for node in self._shown()
+                 if node.role in _PRESSED_ROLES and node.is_enabled and node.name not in _NEVER_PRESSED]  # fmt: skip
+        if not nodes:
+            return
+        node = self._random.choice(nodes)
+        self._did(f"press {node!r}")
+        try:
+            node.press()
+        except AssertionError:
+            pass  # It changed since.
+
+    def _fill(self):
+        nodes = [node for node in self._shown() if {"editable", "enabled"} <= node.states and node.role == "text"]
+        if not nodes:
+            return
+        node = self._random.choice(nodes)
+        text = self._random.choice(_SCRIPTS if node.name == "Script" else _TEXTS).replace("\0", "")
+        self._did(f"fill {node!r} with {text[:40]!r}")
+        try:
+            node.set_text(text)
+        except AssertionError:
+            pass
+
+    def _keys(self):
+        keys = self._random.choices(_KEYS, k=self._random.randint(1, 4))
+        self._did(f"keys {keys}")
+        self._tidewell.desktop.press_keys(*keys)
+
+    def _size(self):
+        size = (self._random.randint(300, 1000), self._random.randint(200, 780))
+        self._did(f"size {size}")
+        self._tidewell.desktop.place_window(self._tidewell.process.pid, *size)
+
+    def _expect_an_answer(self):
+        if (status := self._tidewell.process.poll()) is not None:
+            raise AssertionError(f"the program ended with {status}")
+        asked = time.monotonic()
+        self._tidewell.root.name  # noqa: B018
+        took = time.monotonic() - asked
+        if took > _ANSWERS_WITHIN_SECONDS:
+            raise AssertionError(f"the program answered after {took:.2f} s")
+
+    def _come_to_rest(self):
+        """Closes what asks, stops what runs, and waits until nothing goes on."""
+
+        def at_rest():
+            self._expect_an_answer()
+            try:
+                for label in ("Cancel", "Keep running", "Keep open", "OK"):
+                    for node in self._tidewell.root.find_all(label):
+                        if node.role in _PRESSED_ROLES and node.is_enabled:
+                            node.press()
+                            return False
+                stops = self._tidewell.root.find_all("Stop", description="Stop the run")
+                if stops and stops[0].is_enabled:
+                    stops[0].press()
+                    return False
+                bars = self._tidewell.root.find_all(role="progress bar")
+            except (Gone, AssertionError):
+                return False
+            return not bars and not stops
+
+        wait_until(at_rest, "nothing goes on any more", limit=_ENDS_WITHIN_SECONDS)
+
+
+def swing(tidewell, seconds, seed):
+    """Raises when something went wrong, with what was done last; else the number of actions."""
+    monkey = Monkey(tidewell, seed)
+    end = time.monotonic() + seconds
+    first = None
+    try:
+        while time.monotonic() < end:
+            monkey.burst()
+            now = monkey.levels()
+            # The first burst shows each screen and fills what is kept.
+            first = first or now
+            allowed = {"descriptors": _MORE_DESCRIPTORS, "threads": _MORE_THREADS, "MiB": _MORE_MEBIBYTES}
+            for what, more in allowed.items():
+                if now[what] > first[what] + more:
+                    raise AssertionError(f"{what} grew from {first[what]} to {now[what]}")
+    except (AssertionError, NotInTime, OSError) as error:
+        log = open(tidewell.path("tidewell.log"), encoding="utf-8", errors="replace").read()[-4000:]
+        raise AssertionError(f"seed {seed}, after {monkey.actions} actions: {error}\n{monkey.what_it_did()}\n{log}") from None
+    return monkey.actions, first, now
+
+
+def start(program, desktop):
+    return Tidewell(program, desktop, tools=(), before=lambda tidewell: tidewell.add_tool("orb", _TOOL % ORB))
+
+
+def main():
+    enter_own_tools()
+    seconds = float(sys.argv[2]) if len(sys.argv) > 2 else 60
+    seed = int(sys.argv[3]) if len(sys.argv) > 3 else random.randrange(1 << 32)
+    print(f"seed {seed}", flush=True)
+    with Desktop() as desktop, start(sys.argv[1], desktop) as tidewell:
+        actions, first, last = swing(tidewell, seconds, seed)
+    print(f"{actions} actions in {seconds:.0f} s; at first {first}, at last {last}")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,20 @@
+#!/usr/bin/python3
+"""A minute of random use; monkey.py does it by hand for longer."""
+
+import random
+
+import monkey
+from harness import window_case
+
+
+class RandomUse(window_case.WindowCase):
+    def test_a_minute_of_it_leaves_the_program_alive_answering_and_level(self):
+        seed = random.randrange(1 << 32)
+        print(f"seed {seed}", flush=True)
+        tidewell = self.enterContext(monkey.start(window_case.PROGRAM, self.desktop))
+        self.addCleanup(self._picture_a_failure)
+        monkey.swing(tidewell, 60, seed)
+
+
+if __name__ == "__main__":
+    window_case.main()
