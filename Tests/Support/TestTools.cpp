@@ -98,7 +98,8 @@ QString TestTools::addFile(const QString &name, const QByteArray &content)
 
 QString TestTools::waitForFile(const QString &name) const
 {
-    return QStringLiteral("while [ ! -e '%1' ]; do sleep 0.01; done\n").arg(path(name));
+    // Not beyond the test, which may leave a tool behind that will not be terminated.
+    return QStringLiteral("while [ ! -e '%1' ] && [ -d '%2' ]; do sleep 0.01; done\n").arg(path(name), m_folder.path());
 }
 
 QString TestTools::untilTerminated(int status)
