@@ -5,8 +5,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <QSet>
 #include <QTimeZone>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -109,19 +111,54 @@ std::optional<HistoryEntry> entryFrom(const Json &object)
     return HistoryEntry{*id, *command, *machine, exitCode, *note, *date, duration->get<double>()};
 }
 
+QSet<QUuid> idsOf(const QList<HistoryEntry> &entries)
+{
+    QSet<QUuid> ids;
+    for (const HistoryEntry &entry : entries)
+        ids.insert(entry.id);
+    return ids;
+}
+
+/// True for brackets in brackets far beyond what a history has, of which the reader would build a tree first.
+bool isNestedDeeply(QByteArrayView content)
+{
+    constexpr int deepest = 100;
+    int depth = 0;
+    bool isInText = false;
+    for (qsizetype at = 0; at < content.size(); ++at) {
+        const char byte = content[at];
+        if (byte == '"')
+            isInText = !isInText;
+        else if (isInText)
+            at += byte == '\\' ? 1 : 0; // the next one is quoted
+        else if (byte == '[' || byte == '{')
+            ++depth;
+        else if (byte == ']' || byte == '}')
+            --depth;
+        if (depth > deepest)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
-QByteArray HistoryFile::encode(const QList<HistoryEntry> &entries)
+QByteArray HistoryFile::encode(const QList<HistoryEntry> &entries, qsizetype most)
 {
-    Json array = Json::array();
-    for (const HistoryEntry &entry : entries)
-        array.push_back(jsonFrom(entry));
-    return QByteArray::fromStdString(array.dump(-1, ' ', false, Json::error_handler_t::replace));
+    QByteArray content("[");
+    for (const HistoryEntry &entry : entries) {
+        const std::string object = jsonFrom(entry).dump(-1, ' ', false, Json::error_handler_t::replace);
+        const QByteArrayView separator(content.size() > 1 ? "," : "");
+        const qsizetype size = content.size() + separator.size() + static_cast<qsizetype>(object.size()) + 1;
+        if (size <= most)
+            content.append(separator).append(object.data(), static_cast<qsizetype>(object.size()));
+    }
+    return content + ']';
 }
 
 std::optional<QList<HistoryEntry>> HistoryFile::decode(const QByteArray &content)
 {
-    if (!JsonText::mayBeJson(content))
+    if (content.size() > largestSize || !JsonText::mayBeJson(content) || isNestedDeeply(content))
         return std::nullopt;
     const Json document = Json::parse(content.cbegin(), content.cend(), nullptr, false);
     if (!document.is_array())
@@ -134,4 +171,23 @@ std::optional<QList<HistoryEntry>> HistoryFile::decode(const QByteArray &content
         entries.append(*entry);
     }
     return entries;
+}
+
+QList<HistoryEntry> HistoryFile::merged(const QList<HistoryEntry> &ours, const QList<HistoryEntry> &known,
+                                        const QList<HistoryEntry> &theirs)
+{
+    const QSet<QUuid> ourIds = idsOf(ours);
+    const QSet<QUuid> knownIds = idsOf(known);
+    const QSet<QUuid> theirIds = idsOf(theirs);
+    QList<HistoryEntry> kept = ours;
+    kept.removeIf(
+        [&](const HistoryEntry &entry) { return knownIds.contains(entry.id) && !theirIds.contains(entry.id); });
+    QList<HistoryEntry> added = theirs;
+    added.removeIf([&](const HistoryEntry &entry) { return knownIds.contains(entry.id) || ourIds.contains(entry.id); });
+
+    QList<HistoryEntry> all;
+    while (!kept.isEmpty() && !added.isEmpty())
+        all.append(added.first().date > kept.first().date ? added.takeFirst() : kept.takeFirst());
+    all += kept + added;
+    return all.first(std::min(all.size(), mostEntries));
 }

@@ -2,81 +2,85 @@
 
 #include "HistoryStore/HistoryFile.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
-namespace
+HistoryStore::HistoryStore(const std::optional<QString> &supportFolder, std::chrono::milliseconds retryInterval,
+                           QObject *parent)
+    : QObject(parent)
 {
-
-constexpr qsizetype mostEntries = 50;
-
-} // namespace
-
-HistoryStore::HistoryStore(const std::optional<QString> &supportFolder, QObject *parent) : QObject(parent)
-{
+    m_retry.setSingleShot(true);
+    m_retry.setInterval(retryInterval);
+    connect(&m_retry, &QTimer::timeout, this, &HistoryStore::save);
     if (!supportFolder)
         return;
-    const QString folder = *supportFolder + u"/Tidewell"_s;
-    QDir().mkpath(folder);
-    m_fileURL = folder + u"/history.json"_s;
+    m_storage.emplace(folderIn(*supportFolder));
+    m_entries = m_storage->load();
+}
 
-    // Only a plain file is opened: a pipe of that name would hold up the start for ever.
-    QFile file(*m_fileURL);
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
-        return;
-    const QByteArray content = file.readAll();
-    if (file.error() == QFileDevice::NoError)
-        m_entries = HistoryFile::decode(content).value_or(QList<HistoryEntry>());
+HistoryStore::~HistoryStore()
+{
+    if (m_saveError.value() && m_storage)
+        m_storage->save(m_entries);
+}
+
+std::optional<QString> HistoryStore::fileURL() const
+{
+    return m_storage ? std::optional(m_storage->path()) : std::nullopt;
 }
 
 void HistoryStore::add(const HistoryEntry &entry)
 {
+    const QList<HistoryEntry> before = m_entries;
     m_entries.prepend(entry);
-    if (m_entries.size() > mostEntries)
-        m_entries.resize(mostEntries);
-    save();
-    Q_EMIT entriesChanged();
+    if (m_entries.size() > HistoryFile::mostEntries)
+        m_entries.resize(HistoryFile::mostEntries);
+    saveAndTell(before);
 }
 
 void HistoryStore::remove(const HistoryEntry &entry)
 {
     // A copy, because the caller's entry may be the very element that goes.
     const QUuid id = entry.id;
-    const qsizetype removed = m_entries.removeIf([id](const HistoryEntry &other) { return other.id == id; });
-    save();
-    if (removed > 0)
-        Q_EMIT entriesChanged();
+    const QList<HistoryEntry> before = m_entries;
+    m_entries.removeIf([id](const HistoryEntry &other) { return other.id == id; });
+    saveAndTell(before);
 }
 
 void HistoryStore::clear()
 {
-    const bool hadEntries = !m_entries.isEmpty();
+    const QList<HistoryEntry> before = m_entries;
     m_entries.clear();
-    save();
-    if (hadEntries)
-        Q_EMIT entriesChanged();
+    saveAndTell(before);
 }
 
-void HistoryStore::save() const
+void HistoryStore::save()
 {
-    if (!m_fileURL)
-        return;
-    QSaveFile file(*m_fileURL);
-    // Unbuffered, because a disk that fills in the middle is told by a short count alone, and only to the write itself.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        return;
-    const QByteArray content = HistoryFile::encode(m_entries);
-    if (file.write(content) == content.size())
-        file.commit();
+    const QList<HistoryEntry> before = m_entries;
+    saveAndTell(before);
+}
+
+void HistoryStore::saveAndTell(const QList<HistoryEntry> &before)
+{
+    if (m_storage) {
+        m_saveError = m_storage->save(m_entries);
+        if (m_saveError.value())
+            m_retry.start();
+        else
+            m_retry.stop();
+    }
+    if (m_entries != before)
+        Q_EMIT entriesChanged();
 }
 
 std::optional<QString> HistoryStore::applicationSupportFolder()
 {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     return folder.isEmpty() ? std::nullopt : std::optional(folder);
+}
+
+QString HistoryStore::folderIn(const QString &supportFolder)
+{
+    return supportFolder + u"/Tidewell"_s;
 }

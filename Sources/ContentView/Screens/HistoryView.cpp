@@ -5,6 +5,7 @@
 #include "HistoryStore/HistoryStore.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
+#include "Look/NoteText.h"
 #include "Look/PlainLabel.h"
 #include "Look/Rows/RowList.h"
 #include "Look/Typography.h"
@@ -45,6 +46,14 @@ RowContent contentOf(const HistoryEntry &entry, const QByteArray &locale)
     return row;
 }
 
+QString saveErrorText(const std::optional<QString> &reason)
+{
+    if (!reason)
+        return {};
+    return u"The history could not be saved (%1); it is kept here and saved as soon as that is possible."_s.arg(
+        *reason);
+}
+
 } // namespace
 
 HistoryView::HistoryView(const Controllers &controllers, QWidget *parent)
@@ -61,6 +70,8 @@ HistoryView::HistoryView(const Controllers &controllers, QWidget *parent)
     m_clear = Controls::button(u"Clear all"_s, u"Delete all entries of the history"_s, this);
     header->addWidget(m_clear);
     layout->addLayout(header);
+    m_saveError = new NoteText(Typography::body(), Colours::red, this);
+    layout->addWidget(m_saveError);
     m_hint = new PlainLabel(u"No runs yet."_s, Typography::body(), Colours::secondary, PlainLabel::Fit::wrap, this);
     layout->addWidget(m_hint);
     m_list = new RowList(u"History"_s, this);
@@ -69,7 +80,8 @@ HistoryView::HistoryView(const Controllers &controllers, QWidget *parent)
 
     connect(m_clear, &QPushButton::clicked, this, [this] { m_history.clear(); });
     connect(m_list, &RowList::pressed, this, &HistoryView::press);
-    connect(&m_history, &HistoryStore::entriesChanged, this, &HistoryView::showFields);
+    for (const auto changed : {&HistoryStore::entriesChanged, &HistoryStore::saveErrorChanged})
+        connect(&m_history, changed, this, &HistoryView::showFields);
     showFields();
 }
 
@@ -84,6 +96,7 @@ void HistoryView::showFields()
     m_list->setVisible(!rows.isEmpty());
     m_hint->setVisible(rows.isEmpty());
     m_clear->setEnabled(!rows.isEmpty());
+    m_saveError->setText(saveErrorText(m_history.saveError()));
 }
 
 void HistoryView::press(int row, int action)

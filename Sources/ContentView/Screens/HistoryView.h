@@ -1,13 +1,15 @@
 #pragma once
 
 // The History screen: the last runs, newest first; loads a past command back into the Run screen, deletes one entry or
-// all, at once and without a question. Shows the entries of HistoryStore and keeps nothing of its own.
+// all, at once and without a question. Says so while the list cannot be saved. Shows the fields of HistoryStore and
+// keeps nothing of its own.
 
 #include "ContentView/AppTab.h"
 #include "ContentView/Controllers.h"
 
 #include <QWidget>
 
+class NoteText;
 class PlainLabel;
 class QPushButton;
 class RowList;
@@ -30,6 +32,7 @@ private:
     HistoryStore &m_history;
     RunController &m_run;
     QPushButton *m_clear;
+    NoteText *m_saveError;
     PlainLabel *m_hint;
     RowList *m_list;
 };

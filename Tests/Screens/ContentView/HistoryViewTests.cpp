@@ -1,12 +1,14 @@
 #include "ContentView/Screens/DateText.h"
 #include "ContentView/Screens/HistoryView.h"
 #include "Look/Colours.h"
+#include "Look/NoteText.h"
 #include "Look/PlainLabel.h"
 #include "Look/Rows/RowList.h"
 #include "Screens/PaintWatch.h"
 #include "Screens/TestWindow.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QPushButton>
@@ -167,6 +169,24 @@ TEST_F(HistoryViewTest, ShowsARunThatEndsWhileItIsOpen)
     EXPECT_EQ(list().count(), 3);
     EXPECT_EQ(rowTexts(0)[0], u"new"_s);
     EXPECT_EQ(list().row(1), former);
+}
+
+TEST_F(HistoryViewTest, SaysSoWhileTheListCannotBeSaved)
+{
+    show();
+    auto &note = *view().findChild<NoteText *>();
+    EXPECT_FALSE(note.isVisible());
+    const QString path = *window.history.fileURL();
+    ASSERT_TRUE(QDir().mkpath(path)); // a folder in the file's place
+    window.history.add(entryOf(u"true"_s));
+    EXPECT_TRUE(note.isVisible());
+    EXPECT_EQ(note.shownText(),
+              u"The history could not be saved (what has its name is not a file); it is kept here and "
+              "saved as soon as that is possible."_s);
+    EXPECT_EQ(list().count(), 1) << "the list itself is there";
+    ASSERT_TRUE(QDir().rmdir(path));
+    window.history.save();
+    EXPECT_FALSE(note.isVisible());
 }
 
 TEST_F(HistoryViewTest, IsQuickWithFiftyScriptsOfAMegabyte)

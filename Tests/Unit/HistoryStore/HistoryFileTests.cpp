@@ -259,3 +259,21 @@ TEST(HistoryFile, IsUnreadableWhereAnythingStandsBehindANul)
 {
     EXPECT_EQ(HistoryFile::decode(QByteArray("[]\0[]", 5)), std::nullopt);
 }
+
+TEST(HistoryFile, LeavesOutAnEntryWithWhichItWouldBeTooLargeToBeRead)
+{
+    HistoryEntry large = entry();
+    large.command = QString(1000, u'x');
+    const QByteArray one = HistoryFile::encode({entry()});
+    EXPECT_EQ(HistoryFile::encode({entry(), large, entry()}, 1000), HistoryFile::encode({entry(), entry()}));
+    EXPECT_EQ(HistoryFile::encode({entry(), entry()}, one.size()), one);
+    EXPECT_EQ(HistoryFile::encode({entry(), entry()}, one.size() - 1), "[]");
+    EXPECT_EQ(HistoryFile::encode({entry(), entry()}, 2 * one.size() - 1), HistoryFile::encode({entry(), entry()}));
+}
+
+TEST(HistoryFile, SeesBracketsInTextsAsText)
+{
+    HistoryEntry brackets = entry();
+    brackets.command = QString(1000, u'[') + u"\"\\\""_s + QString(1000, u'{');
+    EXPECT_EQ(HistoryFile::decode(HistoryFile::encode({brackets, brackets})), (QList{brackets, brackets}));
+}

@@ -1,63 +1,12 @@
-#include "HistoryStore/HistoryStore.h"
-
 #include "HistoryStore/HistoryFile.h"
+#include "Unit/HistoryStore/HistoryStoreTest.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QTemporaryDir>
-#include <QTimeZone>
 
-#include <gtest/gtest.h>
-
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
-
-namespace
-{
-
-HistoryEntry entryNumber(int number)
-{
-    return {QUuid::createUuid(),
-            u"command %1"_s.arg(number),
-            u"dev"_s,
-            number,
-            QString(),
-            QDateTime(QDate(2026, 3, 1), QTime(14, 5, 9), QTimeZone::utc()),
-            1.5};
-}
-
-class HistoryStoreTest : public testing::Test
-{
-protected:
-    QString supportFolder() const { return folder.path(); }
-    QString filePath() const { return folder.filePath(u"Tidewell/history.json"_s); }
-
-    void writeFile(const QByteArray &content)
-    {
-        ASSERT_TRUE(QDir().mkpath(folder.filePath(u"Tidewell"_s)));
-        QFile file(filePath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
-
-    QByteArray fileContent() const
-    {
-        QFile file(filePath());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-    }
-
-    /// What a store that is created now would load.
-    QList<HistoryEntry> reloaded() const { return HistoryStore(supportFolder()).entries(); }
-
-    QTemporaryDir folder;
-};
-
-} // namespace
 
 TEST_F(HistoryStoreTest, StartsEmptyAndMakesItsFolderButNoFile)
 {
@@ -201,9 +150,11 @@ TEST_F(HistoryStoreTest, IsEmptyForADamagedFileAndReplacesItAtTheNextRun)
         writeFile(content);
         HistoryStore store(supportFolder());
         EXPECT_TRUE(store.entries().isEmpty()) << content.toStdString();
+        EXPECT_EQ(filesInFolder(), QStringList{u"history.json"_s}) << "reading changes nothing";
         EXPECT_EQ(fileContent(), content) << "reading changes nothing";
         store.add(entryNumber(2));
         EXPECT_EQ(reloaded(), store.entries());
+        ASSERT_TRUE(QDir(storeFolder()).removeRecursively());
     }
 }
 
@@ -244,35 +195,6 @@ TEST_F(HistoryStoreTest, KeepsTheListWhenTheFolderCannotBeWritten)
     EXPECT_EQ(store.entries().size(), 2);
 }
 
-TEST_F(HistoryStoreTest, LeavesTheFileAsItWasWhenTheDiskIsFull)
-{
-    HistoryStore store(supportFolder());
-    store.add(entryNumber(1));
-    const QByteArray before = fileContent();
-
-    // A limit on the size of files stands for the full disk: a write stops in the middle. A small content is written
-    // at another moment than a large one.
-    rlimit unlimited{};
-    getrlimit(RLIMIT_FSIZE, &unlimited);
-    const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-    for (const qsizetype size : {1, 10'000, 100'000}) {
-        HistoryEntry next = entryNumber(2);
-        next.command = QString(size, u'x');
-        const rlimit small{.rlim_cur = 64, .rlim_max = unlimited.rlim_max};
-        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-        store.add(next);
-        setrlimit(RLIMIT_FSIZE, &unlimited);
-        EXPECT_EQ(fileContent(), before) << size;
-        EXPECT_EQ(store.entries().first(), next);
-        EXPECT_EQ(QDir(folder.filePath(u"Tidewell"_s)).entryList(QDir::Files), QStringList{u"history.json"_s})
-            << "nothing is left over";
-    }
-    std::signal(SIGXFSZ, previous);
-
-    store.save();
-    EXPECT_EQ(reloaded(), store.entries()) << "the next write has room again";
-}
-
 TEST_F(HistoryStoreTest, IsNeverSeenHalfWritten)
 {
     HistoryStore store(supportFolder());
@@ -282,18 +204,6 @@ TEST_F(HistoryStoreTest, IsNeverSeenHalfWritten)
     const QByteArray before = fileContent();
     store.add(entryNumber(2));
     EXPECT_EQ(reader.readAll(), before) << "the old file stays whole for whoever reads it";
-}
-
-TEST_F(HistoryStoreTest, WritesThroughALinkToAFileElsewhere)
-{
-    ASSERT_TRUE(QDir().mkpath(folder.filePath(u"Tidewell"_s)));
-    const QString elsewhere = folder.filePath(u"elsewhere.json"_s);
-    ASSERT_TRUE(QFile(elsewhere).open(QIODevice::WriteOnly));
-    ASSERT_TRUE(QFile::link(elsewhere, filePath()));
-    HistoryStore store(supportFolder());
-    store.add(entryNumber(1));
-    EXPECT_TRUE(QFileInfo(filePath()).isSymLink());
-    EXPECT_EQ(reloaded(), store.entries());
 }
 
 TEST_F(HistoryStoreTest, KeepsAScriptOfFiveMegabytes)

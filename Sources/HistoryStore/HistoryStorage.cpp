@@ -1,0 +1,148 @@
+#include "HistoryStore/HistoryStorage.h"
+
+#include "HistoryStore/HistoryFile.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QSaveFile>
+
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner;
+/// For so long another instance may be writing.
+constexpr auto longestWait = std::chrono::milliseconds(1000);
+
+void makeFolder(const QString &folder)
+{
+    QDir().mkpath(QFileInfo(folder).path());
+    QDir().mkdir(folder, ownerOnly | QFile::ExeOwner);
+}
+
+/// Where a chain of links ends, be there a file or not.
+QString targetOf(const QString &path)
+{
+    constexpr int mostLinks = 40;
+    QFileInfo file(path);
+    for (int links = 0; file.isSymLink() && links < mostLinks; ++links)
+        file.setFile(file.symLinkTarget());
+    return file.filePath();
+}
+
+QString systemError()
+{
+    return qt_error_string(errno);
+}
+
+/// What stands at a path. Where nothing does, neither content nor error.
+struct Reading {
+    /// None of a file too large to be a history.
+    std::optional<QByteArray> content = std::nullopt;
+    bool isTooLarge = false;
+    std::optional<QString> error = std::nullopt;
+};
+
+Reading read(const QString &path)
+{
+    // Without waiting: a pipe of that name would hold up the start for ever.
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return errno == ENOENT ? Reading{} : Reading{.error = systemError()};
+    struct stat status = {};
+    QFile file;
+    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
+        !file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(descriptor);
+        return {.error = u"what has its name is not a file"_s};
+    }
+    QByteArray content = file.read(HistoryFile::largestSize + 1);
+    if (file.error() != QFileDevice::NoError)
+        return {.error = file.errorString()};
+    if (content.size() > HistoryFile::largestSize)
+        return {.isTooLarge = true};
+    return {.content = std::move(content)};
+}
+
+std::optional<QString> setAside(const QString &path)
+{
+    const QString name = path + u".damaged-"_s + QDateTime::currentDateTimeUtc().toString(u"yyyyMMdd-hhmmss"_s);
+    QString free = name;
+    for (int number = 2; QFileInfo::exists(free); ++number)
+        free = name + u'-' + QString::number(number);
+    QFile file(path);
+    return file.rename(free) ? std::nullopt : std::optional(file.errorString());
+}
+
+std::optional<QString> replace(const QString &path, QByteArrayView content)
+{
+    const bool isNew = !QFileInfo::exists(path);
+    QSaveFile file(path);
+    // Unbuffered, because a disk that fills in the middle is told by a short count alone, and only to the write itself.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || (isNew && !file.setPermissions(ownerOnly)))
+        return file.errorString();
+    while (!content.isEmpty()) {
+        const qint64 written = file.write(content.data(), content.size());
+        if (written <= 0)
+            return file.errorString();
+        content = content.sliced(written);
+    }
+    return file.commit() ? std::nullopt : std::optional(file.errorString());
+}
+
+} // namespace
+
+HistoryStorage::HistoryStorage(const QString &folder) : m_folder(folder), m_path(folder + u"/history.json"_s)
+{
+    makeFolder(m_folder);
+}
+
+QList<HistoryEntry> HistoryStorage::load()
+{
+    const std::optional<QByteArray> content = read(m_path).content;
+    const std::optional<QList<HistoryEntry>> entries = content ? HistoryFile::decode(*content) : std::nullopt;
+    if (!entries)
+        return {};
+    m_known = *content;
+    return *entries;
+}
+
+std::optional<QString> HistoryStorage::save(QList<HistoryEntry> &entries)
+{
+    makeFolder(m_folder);
+    const QString target = targetOf(m_path);
+    QLockFile lock(target + u".lock"_s);
+    // Where no lock can be made at all, writing will tell why, or do without.
+    if (!lock.tryLock(longestWait.count()) && lock.error() == QLockFile::LockFailedError)
+        return u"another Tidewell is writing it"_s;
+
+    const Reading found = read(target);
+    if (found.error)
+        return found.error;
+    if (found.isTooLarge || (found.content && *found.content != m_known)) {
+        const std::optional<QList<HistoryEntry>> theirs =
+            found.isTooLarge ? std::nullopt : HistoryFile::decode(*found.content);
+        if (theirs) {
+            entries = HistoryFile::merged(entries, HistoryFile::decode(m_known).value_or(QList<HistoryEntry>()), *theirs);
+            // Also when the writing fails: a deletion after this is one of an entry that was known.
+            m_known = *found.content;
+        } else if (const std::optional<QString> failure = setAside(target)) {
+            return failure;
+        }
+    }
+    QByteArray content = HistoryFile::encode(entries);
+    if (std::optional<QString> failure = replace(target, content))
+        return failure;
+    m_known = std::move(content);
+    return std::nullopt;
+}
