@@ -1,3 +1,4 @@
+#include "TidewellApp/FirstInstance.h"
 #include "TidewellApp/LinuxStyle.h"
 #include "TidewellApp/MainWindow.h"
 #include "TidewellApp/TidewellApp.h"
@@ -20,7 +21,12 @@ int main(int argumentCount, char *arguments[])
 #ifndef Q_OS_MACOS // where everything is drawn by the system
     QApplication::setStyle(new LinuxStyle);
 #endif
+    const std::optional<QString> supportFolder = HistoryStore::applicationSupportFolder();
+    const FirstInstance instance(supportFolder ? std::optional(HistoryStore::folderIn(*supportFolder)) : std::nullopt);
+    if (!instance.isFirst())
+        return 0;
     TidewellApp tidewell;
+    QObject::connect(&instance, &FirstInstance::startedAgain, &tidewell.window(), &MainWindow::comeForward);
     tidewell.window().show();
     const int status = QApplication::exec();
     // Assistive technology that still asks while the windows go has hung and crashed programs on macOS.

@@ -24,12 +24,6 @@ constexpr auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner;
 /// For so long another instance may be writing.
 constexpr auto longestWait = std::chrono::milliseconds(1000);
 
-void makeFolder(const QString &folder)
-{
-    QDir().mkpath(QFileInfo(folder).path());
-    QDir().mkdir(folder, ownerOnly | QFile::ExeOwner);
-}
-
 /// Where a chain of links ends, be there a file or not.
 QString targetOf(const QString &path)
 {
@@ -107,6 +101,12 @@ HistoryStorage::HistoryStorage(const QString &folder) : m_folder(folder), m_path
     makeFolder(m_folder);
 }
 
+void HistoryStorage::makeFolder(const QString &folder)
+{
+    QDir().mkpath(QFileInfo(folder).path());
+    QDir().mkdir(folder, ownerOnly | QFile::ExeOwner);
+}
+
 QList<HistoryEntry> HistoryStorage::load()
 {
     const std::optional<QByteArray> content = read(m_path).content;
@@ -133,7 +133,8 @@ std::optional<QString> HistoryStorage::save(QList<HistoryEntry> &entries)
         const std::optional<QList<HistoryEntry>> theirs =
             found.isTooLarge ? std::nullopt : HistoryFile::decode(*found.content);
         if (theirs) {
-            entries = HistoryFile::merged(entries, HistoryFile::decode(m_known).value_or(QList<HistoryEntry>()), *theirs);
+            entries =
+                HistoryFile::merged(entries, HistoryFile::decode(m_known).value_or(QList<HistoryEntry>()), *theirs);
             // Also when the writing fails: a deletion after this is one of an entry that was known.
             m_known = *found.content;
         } else if (const std::optional<QString> failure = setAside(target)) {

@@ -14,8 +14,12 @@
 class HistoryStorage
 {
 public:
-    /// Makes the folder, for its owner alone, with what is missing above it. The file is "history.json" in it.
+    /// Makes the folder as makeFolder does. The file is "history.json" in it.
     explicit HistoryStorage(const QString &folder);
+
+    /// Makes the folder where there is none, for its owner alone, with what is missing above it. A failure shows when
+    /// something is put into it.
+    static void makeFolder(const QString &folder);
 
     const QString &path() const { return m_path; }
 

@@ -37,6 +37,14 @@ MainWindow::~MainWindow()
     QSettings().setValue(placeKey, saveGeometry());
 }
 
+void MainWindow::comeForward()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
 void MainWindow::restorePlace()
 {
     resize(QSize(960, 760).boundedTo(screen()->availableSize()));

@@ -20,6 +20,9 @@ public:
 
     ContentView &content() { return *m_content; }
 
+    /// Shows the window, also one that is hidden or minimised, above others and with the keyboard.
+    void comeForward();
+
 Q_SIGNALS:
     /// A run has ended while another application was in use.
     void attentionWanted();

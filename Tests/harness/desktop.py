@@ -112,6 +112,10 @@ class Desktop:
         """Asks the window manager to close the process's window, as the window's close button does."""
         self._tool("wmctrl", "-i", "-c", self._window(pid))
 
+    def minimise_window(self, pid):
+        """Minimises the process's window, as its button does."""
+        self._tool("xdotool", "windowminimize", "--sync", self._window(pid))
+
     def place_window(self, pid, width, height):
         """Moves the process's window, with its frame, to the corner of the display and gives it a size."""
         window = self._window(pid)

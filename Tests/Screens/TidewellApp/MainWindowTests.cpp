@@ -60,3 +60,20 @@ TEST(MainWindow, AsksForAttentionOnceWhenARunEndsWhileTheUserIsElsewhere)
     EXPECT_TRUE(waitUntil([&] { return !tools.run.isRunning(); }));
     EXPECT_EQ(attention.count(), 1) << "who looks at the window needs no sign";
 }
+
+TEST(MainWindow, ComesForwardFromWhereverItIs)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.comeForward();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    window.showMinimized();
+    window.comeForward();
+    EXPECT_FALSE(window.isMinimized());
+    window.hide();
+    QWidget other;
+    other.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    window.comeForward();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+}

@@ -37,7 +37,8 @@ TEST(HistoryMerge, BringsInWhatTheOtherAddedNewestFirst)
 
 TEST(HistoryMerge, LetsNoDeletedEntryComeBackWhoeverDeletedIt)
 {
-    EXPECT_EQ(HistoryFile::merged(runs({3, 1}), runs({3, 2, 1}), runs({4, 3, 2, 1})), runs({4, 3, 1})) << "deleted here";
+    EXPECT_EQ(HistoryFile::merged(runs({3, 1}), runs({3, 2, 1}), runs({4, 3, 2, 1})), runs({4, 3, 1}))
+        << "deleted here";
     EXPECT_EQ(HistoryFile::merged(runs({4, 3, 2, 1}), runs({3, 2, 1}), runs({3, 1})), runs({4, 3, 1})) << "and there";
     EXPECT_EQ(HistoryFile::merged({}, runs({2, 1}), runs({3, 2, 1})), runs({3})) << "all that were known here";
     EXPECT_EQ(HistoryFile::merged(runs({3, 2, 1}), runs({2, 1}), {}), runs({3})) << "all that were known there";

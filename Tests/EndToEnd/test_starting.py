@@ -1,0 +1,44 @@
+#!/usr/bin/python3
+"""Starting the program while it runs, and on a small display."""
+
+import subprocess
+
+from harness.desktop import ENDS_WITH_US
+from harness.waiting import LIMIT_SECONDS
+from harness.window_case import WindowCase, main
+
+
+class StartingAgain(WindowCase):
+    def start_again(self, tidewell, **variables):
+        process = subprocess.Popen([*ENDS_WITH_US, tidewell.program], env=tidewell.environment | variables,
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)  # fmt: skip
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        return process
+
+    def test_a_second_start_brings_the_first_window_forward_and_ends(self):
+        tidewell = self.start_running()
+        self.desktop.wait_for_focus(tidewell.process.pid)
+        self.desktop.minimise_window(tidewell.process.pid)
+        self.assertEqual(self.start_again(tidewell).wait(LIMIT_SECONDS), 0)
+        self.desktop.wait_for_focus(tidewell.process.pid)
+        self.assertIsNone(tidewell.process.poll())
+        tidewell.select_tab("History")
+        tidewell.wait_for("No runs yet.")
+
+    def test_another_home_has_a_window_of_its_own(self):
+        tidewell = self.start_running()
+        other = self.start_again(tidewell, XDG_DATA_HOME=tidewell.path("home", "another"))
+        self.desktop.wait_for_focus(other.pid)
+        self.assertIsNone(tidewell.process.poll())
+
+    def test_what_was_killed_does_not_stand_in_the_way_of_the_next_start(self):
+        tidewell = self.start_running()
+        tidewell.process.kill()
+        tidewell.process.wait()
+        tidewell.launch()
+        tidewell.wait_for("OrbStack running")
+
+
+if __name__ == "__main__":
+    main()
