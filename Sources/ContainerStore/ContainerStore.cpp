@@ -60,7 +60,7 @@ QCoro::Task<> ContainerStore::refresh()
     }
     const QStringList arguments{u"ps"_s, u"-a"_s, u"--format"_s, u"{{json .}}"_s};
     const QPointer<ContainerStore> self(this);
-    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.list);
+    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.list, OrbCLI::wholeList);
     if (!self)
         co_return;
     const std::optional<QString> failure = result.failure(u"docker ps"_s);
@@ -91,7 +91,7 @@ QCoro::Task<> ContainerStore::action(QString verb, ContainerInfo container)
         arguments << u"-f"_s; // a running container is removed too
     arguments << container.name;
     const QPointer<ContainerStore> self(this);
-    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.action);
+    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.action, OrbCLI::endOfLog);
     if (!self)
         co_return;
     m_message = result.succeeded() ? QString() : u"docker "_s + verb + u" failed: "_s + result.combined();
@@ -105,7 +105,7 @@ QCoro::Task<> ContainerStore::logs(ContainerInfo container)
         co_return;
     const QStringList arguments{u"logs"_s, u"--tail"_s, u"300"_s, container.name};
     const QPointer<ContainerStore> self(this);
-    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.logs);
+    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.logs, OrbCLI::endOfLog);
     if (!self)
         co_return;
     m_logTitle = container.name;
@@ -138,7 +138,7 @@ QCoro::Task<> ContainerStore::runContainer(QString image, QString name, QString 
     m_busy = true;
     m_message = u"Running "_s + trimmedImage + u"… (pulling the image can take a while)"_s;
     const QPointer<ContainerStore> self(this);
-    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.run);
+    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.run, OrbCLI::endOfLog);
     if (!self)
         co_return;
     const QString started = trimmedName.isEmpty() ? trimmedImage : trimmedName;

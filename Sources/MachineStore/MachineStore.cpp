@@ -39,7 +39,7 @@ QCoro::Task<> MachineStore::refresh()
 
     const QPointer<MachineStore> self(this);
     const QStringList asJson{u"list"_s, u"-f"_s, u"json"_s};
-    const CLIResult first = co_await OrbCLI::run(*orb, asJson, std::nullopt, m_limits.list);
+    const CLIResult first = co_await OrbCLI::run(*orb, asJson, std::nullopt, m_limits.list, OrbCLI::wholeList);
     if (!self)
         co_return;
     if (first.succeeded()) {
@@ -51,7 +51,7 @@ QCoro::Task<> MachineStore::refresh()
     }
 
     const QStringList asTable{u"list"_s};
-    const CLIResult second = co_await OrbCLI::run(*orb, asTable, std::nullopt, m_limits.list);
+    const CLIResult second = co_await OrbCLI::run(*orb, asTable, std::nullopt, m_limits.list, OrbCLI::wholeList);
     if (!self)
         co_return;
     const std::optional<QString> failure = second.failure(u"orb list"_s);
@@ -110,7 +110,7 @@ QCoro::Task<> MachineStore::simple(QStringList arguments)
         co_return;
     m_busy = true;
     const QPointer<MachineStore> self(this);
-    const CLIResult result = co_await OrbCLI::run(*orb, arguments, std::nullopt, m_limits.simple);
+    const CLIResult result = co_await OrbCLI::run(*orb, arguments, std::nullopt, m_limits.simple, OrbCLI::endOfLog);
     if (!self)
         co_return;
     m_log.replace(result.succeeded() ? QString()

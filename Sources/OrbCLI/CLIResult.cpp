@@ -17,6 +17,9 @@ std::optional<QString> CLIResult::failure(const QString &command) const
         return launchError;
     if (timedOut)
         return command + u" timed out. Is OrbStack running?"_s;
+    if (stoppedAfter)
+        return command + u" printed more than "_s + QString::number(*stoppedAfter / (1024 * 1024)) +
+               u" MiB and was stopped."_s;
     if (status != 0)
         return combined();
     return std::nullopt;

@@ -2,10 +2,11 @@
 
 #include <QString>
 
+#include <cstdint>
 #include <cstdio> // stdout and stderr are macros of this header: with it, the two fields have one name everywhere
 #include <optional>
 
-/// The result of one finished tool run. Judge it in this order: launchError, then timedOut, then status.
+/// The result of one finished tool run. Judge it in this order: launchError, timedOut, stoppedAfter, status.
 ///
 ///   end of the tool               status                       timedOut   launchError
 ///   exited                        its exit status              false      none
@@ -23,14 +24,16 @@ struct CLIResult {
     QString stderr;
     bool timedOut = false;
     std::optional<QString> launchError;
+    /// Bytes of one stream, after which the tool was stopped, because its caller had no use for so many.
+    std::optional<std::int64_t> stoppedAfter;
 
-    /// Started, within its time, and with status 0.
-    bool succeeded() const { return !launchError && !timedOut && status == 0; }
+    /// Started, within its time, not stopped for printing too much, and with status 0.
+    bool succeeded() const { return !launchError && !timedOut && !stoppedAfter && status == 0; }
 
     /// Both streams trimmed of white space, the empty ones dropped, the rest joined by one line feed.
     QString combined() const;
 
     /// Why `command` ("orb list") did not succeed, as a sentence for the user: what the system said, or that it timed
-    /// out, or all that it printed (possibly nothing). None when it succeeded.
+    /// out or printed too much, or all that it printed (possibly nothing). None when it succeeded.
     std::optional<QString> failure(const QString &command) const;
 };

@@ -2,7 +2,6 @@
 
 #include "OrbCLI/ToolLocation.h"
 #include "Process/ProcessEngine.h"
-#include "Text/Utf8.h"
 
 #include <coroutine>
 #include <utility>
@@ -71,25 +70,31 @@ QCoro::Task<OrbCLI::StreamResult> OrbCLI::streamAsync(QString tool, QStringList 
     co_return co_await end.value();
 }
 
-QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::optional<QString> input, double timeLimit)
+QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::optional<QString> input, double timeLimit,
+                                   OutputNeed need)
 {
     Continuation<CLIResult> end;
-    QByteArray output;
-    QByteArray errorOutput;
-    const auto onOutput = [&output, &errorOutput](QUtf8StringView text, bool isError) {
-        (isError ? errorOutput : output).append(QByteArrayView(text.data(), text.size()));
+    CollectedOutput output(need);
+    CollectedOutput errorOutput(need);
+    ProcessHandlePointer handle;
+    const auto onOutput = [&](QUtf8StringView text, bool isError) {
+        if ((isError ? errorOutput : output).append(text))
+            return;
+        handle->cancel();
+        handle->closeOutput();
     };
-    const auto onExit = [&](int status, const ProcessHandlePointer &handle) {
-        end.resume(
-            {status, Utf8::toQString(output), Utf8::toQString(errorOutput), handle->timedOut(), handle->launchError()});
+    const auto onExit = [&](int status, const ProcessHandlePointer &ended) {
+        const bool isTooMuch = output.isTooMuch() || errorOutput.isTooMuch();
+        end.resume({status, output.text(), errorOutput.text(), ended->timedOut(), ended->launchError(),
+                    isTooMuch ? std::optional(need.most) : std::nullopt});
     };
-    ProcessEngine::instance().launch({.tool = tool,
-                                      .arguments = arguments,
-                                      .environment = environment(),
-                                      .input = input,
-                                      .timeLimit = timeLimit,
-                                      .onOutput = onOutput,
-                                      .onExit = onExit,
-                                      .collectsOutput = true});
+    handle = ProcessEngine::instance().launch({.tool = tool,
+                                               .arguments = arguments,
+                                               .environment = environment(),
+                                               .input = input,
+                                               .timeLimit = timeLimit,
+                                               .onOutput = onOutput,
+                                               .onExit = onExit,
+                                               .collectsOutput = true});
     co_return co_await end.value();
 }

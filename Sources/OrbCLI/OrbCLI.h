@@ -12,6 +12,7 @@
 // ("Could not start orb: …") and status -1.
 
 #include "OrbCLI/CLIResult.h"
+#include "OrbCLI/CollectedOutput.h"
 #include "Process/Launch.h"
 
 #include <QString>
@@ -40,7 +41,8 @@ ProcessHandlePointer stream(const QString &tool, const QStringList &arguments, c
 QCoro::Task<StreamResult> streamAsync(QString tool, QStringList arguments, std::optional<QString> input,
                                       std::optional<double> timeLimit, StartHandler onStart, OutputHandler onOutput);
 
-/// Runs `tool` to its end and returns all it printed. Main thread.
-QCoro::Task<CLIResult> run(QString tool, QStringList arguments, std::optional<QString> input, double timeLimit);
+/// Runs `tool` to its end and returns what it printed, as far as it is needed. Main thread.
+QCoro::Task<CLIResult> run(QString tool, QStringList arguments, std::optional<QString> input, double timeLimit,
+                           OutputNeed need = wholeList);
 
 } // namespace OrbCLI

@@ -16,6 +16,8 @@ public:
     /// Reads the pipe behind its read end, which becomes non-blocking.
     OutputReader(FileDescriptor end, OutputStream stream);
 
+    /// Whoever still writes into the pipe is told by the system that nobody reads it.
+    void close() { m_end.close(); }
     bool isAtEnd() const { return !m_end.isOpen(); }
     int descriptor() const { return m_end.number(); }
     /// Nobody can write into the pipe any more: what it still holds is all that will come. Asks the system.

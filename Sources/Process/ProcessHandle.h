@@ -38,6 +38,10 @@ public:
     /// Ends a pause; within a tenth of a second the output goes on. Main thread.
     void resumeOutput();
 
+    /// What the child prints from now on has no use: its pipes are closed, and whoever still prints into them is told
+    /// so by the system. What was read before may still be delivered. Any thread.
+    void closeOutput() { m_isOutputUnwanted = true; }
+
 private:
     friend class ProcessEngine;
     friend class RunningChild;
@@ -54,6 +58,7 @@ private:
     std::optional<QString> _launchError;
     std::atomic<std::chrono::steady_clock::time_point> m_pausedUntil;
     std::atomic<bool> m_wasCancelled = false;
+    std::atomic<bool> m_isOutputUnwanted = false;
 };
 
 using ProcessHandlePointer = std::shared_ptr<ProcessHandle>;

@@ -123,11 +123,15 @@ qsizetype RunningChild::serve(std::span<const pollfd> entries, QByteArray &block
         return place && entries[*place].revents != 0;
     };
     qsizetype bytesRead = 0;
+    if (m_handle->m_isOutputUnwanted) {
+        m_output.close();
+        m_errorOutput.close();
+    }
     // A pause may have begun while the thread waited.
     const bool reads = !isPaused();
-    if (reads && isReported(outputPlace))
+    if (reads && isReported(outputPlace) && !m_output.isAtEnd())
         bytesRead += m_output.read(block, *m_queue);
-    if (reads && isReported(errorPlace))
+    if (reads && isReported(errorPlace) && !m_errorOutput.isAtEnd())
         bytesRead += m_errorOutput.read(block, *m_queue);
     if (!m_isRunning || m_handle->wasAskedToTerminate())
         m_lastOutput -= bytesRead;

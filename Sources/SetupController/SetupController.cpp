@@ -32,7 +32,7 @@ QCoro::Task<> sleep(double seconds)
 QCoro::Task<bool> reportsRunning(QString orb, double timeLimit)
 {
     const QStringList arguments{u"status"_s};
-    const CLIResult result = co_await OrbCLI::run(orb, arguments, std::nullopt, timeLimit);
+    const CLIResult result = co_await OrbCLI::run(orb, arguments, std::nullopt, timeLimit, OrbCLI::wholeList);
     co_return result.succeeded() && result.combined().toLower().contains("running"_L1);
 }
 
@@ -164,7 +164,7 @@ QCoro::Task<> SetupController::stop()
     m_note = u"Stopping OrbStack…"_s;
     const QPointer<SetupController> self(this);
     const QStringList arguments{u"stop"_s};
-    const CLIResult result = co_await OrbCLI::run(*orb, arguments, std::nullopt, m_limits.stop);
+    const CLIResult result = co_await OrbCLI::run(*orb, arguments, std::nullopt, m_limits.stop, OrbCLI::endOfLog);
     if (!self)
         co_return;
     m_busy = false;

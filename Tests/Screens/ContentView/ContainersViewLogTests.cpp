@@ -1,5 +1,8 @@
 #include "Screens/ContentView/ContainersViewTest.h"
 
+#include <QElapsedTimer>
+#include <QTimer>
+
 TEST_F(ContainersViewTest, ShowsTheLogInASheet)
 {
     write(u"log"_s, "<b>one</b>\ntwo\n");
@@ -126,4 +129,22 @@ TEST_F(ContainersViewTest, ShowsALogOfThreeHundredLinesOfAHundredKilobytes)
     RecordProperty("openingMilliseconds", static_cast<int>(timer.elapsed()));
     EXPECT_LT(timer.elapsed(), 20000); // far above what it takes, so that a sanitizer passes
     EXPECT_EQ(sheet()->size(), QSize(640, 420));
+}
+
+TEST_F(ContainersViewTest, AnswersWhileALogOfLongLinesComes)
+{
+    write(u"log"_s, (QByteArray(1024 * 1024, 'x') + '\n').repeated(50));
+    show();
+    QElapsedTimer turn;
+    qint64 longest = 0;
+    QTimer heartbeat;
+    heartbeat.callOnTimeout([&] { longest = std::max(longest, turn.restart()); });
+    turn.start();
+    heartbeat.start(1);
+    press(view(), u"Logs"_s, u"Logs web"_s);
+    ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr; }));
+    sheet()->grab();
+    QTest::qWait(50);
+    RecordProperty("longestTurnMilliseconds", static_cast<int>(longest));
+    EXPECT_LT(longest, 1000); // far above what it takes, so that a sanitizer passes
 }

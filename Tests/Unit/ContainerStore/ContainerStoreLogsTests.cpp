@@ -82,11 +82,14 @@ TEST_F(ContainerStoreLogs, HasItsTextsReadyWhenTheSheetIsAskedFor)
     EXPECT_EQ(seen, u"web|line"_s);
 }
 
-TEST_F(ContainerStoreLogs, HoldsThreeHundredLinesOfAHundredKilobytes)
+TEST_F(ContainerStoreLogs, KeepsTheLastFourMebibytesOfLongLinesAndSaysSo)
 {
-    write(u"log"_s, (QByteArray(100 * 1024, 'x') + '\n').repeated(300));
+    write(u"log"_s, (QByteArray(100 * 1024, 'x') + '\n').repeated(300) + "the end");
     tools.addTool(u"docker"_s, u"cat '"_s + tools.path(u"log"_s) + u"'"_s);
     store.logs(web);
     ASSERT_TRUE(waitUntil([this] { return store.showLogs(); }));
-    EXPECT_EQ(store.logText().size(), 300 * (100 * 1024 + 1) - 1);
+    const auto says = u"(only the last 4 MiB are kept)\n"_s;
+    EXPECT_TRUE(store.logText().startsWith(says + u'x'));
+    EXPECT_TRUE(store.logText().endsWith(u"x\nthe end"_s));
+    EXPECT_EQ(store.logText().size(), says.size() + qsizetype{4} * 1024 * 1024);
 }

@@ -191,3 +191,13 @@ TEST_F(MachineStoreTest, MayGoAwayWhileItsToolsRun)
     EXPECT_TRUE(waitFor(store.refresh())) << "the loop turned long enough for the others to wake up, too";
     EXPECT_EQ(calls().size(), 6) << "nobody went on to a next step";
 }
+
+TEST_F(MachineStoreTest, TellsOfAToolThatFloodsAndKeepsTheList)
+{
+    addOrb();
+    EXPECT_TRUE(waitFor(store.refresh()));
+    tools.addTool(u"orb"_s, u"yes"_s);
+    EXPECT_TRUE(waitFor(store.refresh()));
+    EXPECT_EQ(store.error(), u"orb list printed more than 64 MiB and was stopped."_s);
+    EXPECT_EQ(store.machines(), box);
+}

@@ -121,3 +121,44 @@ TEST(StreamAsync, ReturnsMinusOneForAToolThatCannotBeStarted)
     EXPECT_EQ(starts, 1);
     EXPECT_EQ(heard, u"Could not start missing: No such file or directory\n"_s);
 }
+
+TEST(Run, StopsAToolThatPrintsMoreThanItsCallerCanUse)
+{
+    TestTools tools;
+    // The flood comes from a child of the tool, which nobody asks to terminate: its pipe goes.
+    const QString tool = tools.addTool(u"flood"_s, u"yes; touch '%1'"_s.arg(tools.path(u"survived"_s)));
+    constexpr OrbCLI::OutputNeed need{1024 * 1024, OrbCLI::OutputNeed::Beyond::stopTool};
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 60, need));
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->stoppedAfter, need.most);
+    EXPECT_FALSE(result->succeeded());
+    EXPECT_FALSE(result->timedOut);
+    EXPECT_EQ(result->combined(), QString()) << "a part of it is of no use";
+    EXPECT_EQ(result->failure(u"orb list"_s), u"orb list printed more than 1 MiB and was stopped."_s);
+}
+
+TEST(Run, KeepsAllThatIsJustNotTooMuch)
+{
+    TestTools tools;
+    const QString tool = tools.addTool(u"full"_s, u"head -c 1048576 /dev/zero | tr '\\0' x; echo error >&2"_s);
+    constexpr OrbCLI::OutputNeed need{1024 * 1024, OrbCLI::OutputNeed::Beyond::stopTool};
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 60, need));
+    ASSERT_TRUE(result);
+    EXPECT_TRUE(result->succeeded());
+    EXPECT_EQ(result->stdout.size(), 1024 * 1024);
+    EXPECT_EQ(result->stderr, u"error\n"_s);
+}
+
+TEST(Run, KeepsTheEndOfALongLogAndSaysSo)
+{
+    TestTools tools;
+    const QString tool =
+        tools.addTool(u"logs"_s, u"head -c 20000000 /dev/zero | tr '\\0' x; echo the end; echo short >&2; exit 0"_s);
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 60, OrbCLI::endOfLog));
+    ASSERT_TRUE(result);
+    EXPECT_TRUE(result->succeeded()) << "it was let go on";
+    EXPECT_TRUE(result->stdout.startsWith(u"(only the last 4 MiB are kept)\nxxx"_s));
+    EXPECT_TRUE(result->stdout.endsWith(u"xxxthe end\n"_s));
+    EXPECT_EQ(result->stdout.size(), 4 * 1024 * 1024 + 31);
+    EXPECT_EQ(result->stderr, u"short\n"_s);
+}
