@@ -59,6 +59,12 @@ TEST(Utf8Repair, ReplacesEachLongestIllFormedPartOnce)
     EXPECT_EQ(repaired("\xFE\xFF"), replacement + replacement);
 }
 
+TEST(Utf8Repair, TakesNoMoreMemoryThanItsText)
+{
+    const std::optional<QByteArray> text = Utf8Repair::repaired(QByteArray(100'000, 'a') + '\xff');
+    EXPECT_LT(text->capacity(), 110'000) << "it waits in a queue that is bounded by its size";
+}
+
 TEST(Utf8Repair, FindsADefectAtEveryPlaceOfALongText)
 {
     for (std::size_t place = 0; place < 200; ++place) {
