@@ -1,10 +1,10 @@
 #include "Text/DisplayClusters.h"
 
 #include "Text/GraphemeBreaker.h"
+#include "Text/Shapeless.h"
 #include "Text/Utf8.h"
 
 #include <unicode/uchar.h>
-#include <unicode/uscript.h>
 
 namespace
 {
@@ -17,16 +17,6 @@ constexpr char32_t emojiPresentation = 0xfe0f;
 bool isBetween(char32_t character, char32_t first, char32_t last)
 {
     return character >= first && character <= last;
-}
-
-/// Characters without a shape of their own: controls, direction marks, invisible joiners, line separators, fillers.
-bool isShapeless(char32_t character)
-{
-    const auto codePoint = static_cast<UChar32>(character);
-    const std::int8_t category = u_charType(codePoint);
-    return category == U_CONTROL_CHAR || category == U_LINE_SEPARATOR || category == U_PARAGRAPH_SEPARATOR ||
-           isBetween(character, 0xfff9, 0xfffb) ||
-           u_hasBinaryProperty(codePoint, UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
 }
 
 bool isWide(char32_t character)
@@ -111,7 +101,7 @@ void DisplayClusters::readAny(DisplayCluster &cluster) const
     const char32_t first = Utf8::next(m_text, at);
     qsizetype end = at;
     bool wide = isWide(first);
-    bool spacingMark = false;
+    bool needsTwoCells = false; // a mark beside its letter, or a second letter
     GraphemeBreaker breaker;
     breaker.startsCluster(first);
     for (int count = 1; count < mostCodePoints && at < m_text.size(); ++count) {
@@ -119,7 +109,7 @@ void DisplayClusters::readAny(DisplayCluster &cluster) const
         if (breaker.startsCluster(character))
             break;
         wide = wide || character == emojiPresentation;
-        spacingMark = spacingMark || isSpacingMark(character);
+        needsTwoCells = needsTwoCells || isSpacingMark(character) || u_isalpha(static_cast<UChar32>(character)) != 0;
         end = at;
     }
 
@@ -129,10 +119,10 @@ void DisplayClusters::readAny(DisplayCluster &cluster) const
     }
     cluster.size = static_cast<std::int32_t>(end - m_at);
     cluster.first = first;
-    if (isShapeless(first)) {
+    if (Shapeless::isShapeless(first)) {
         makeSymbol(cluster);
         return;
     }
     cluster.look = lookOf(first);
-    cluster.cells = wide || (spacingMark && cluster.look == DisplayCluster::Look::joined) ? 2 : 1;
+    cluster.cells = wide || (needsTwoCells && cluster.look == DisplayCluster::Look::joined) ? 2 : 1;
 }

@@ -1,6 +1,8 @@
 #include "Text/GraphemeBreaker.h"
 
 #include <unicode/uchar.h>
+#include <unicode/uscript.h>
+#include <unicode/uvernum.h>
 
 namespace
 {
@@ -28,6 +30,39 @@ bool joinsHangul(int before, int after)
     return after == U_GCB_T;
 }
 
+enum class ConjunctPart : std::uint8_t { none, consonant, linker, extender };
+
+/// What the character is to a conjunct: Unicode's property Indic_Conjunct_Break.
+ConjunctPart conjunctPartOf(UChar32 character, int property)
+{
+#if U_ICU_VERSION_MAJOR_NUM >= 76
+    static_cast<void>(property);
+    switch (u_getIntPropertyValue(character, UCHAR_INDIC_CONJUNCT_BREAK)) {
+    case U_INCB_CONSONANT:
+        return ConjunctPart::consonant;
+    case U_INCB_LINKER:
+        return ConjunctPart::linker;
+    case U_INCB_EXTEND:
+        return ConjunctPart::extender;
+    default:
+        return ConjunctPart::none;
+    }
+#else
+    // The library does not tell yet: from the properties of which that one is made.
+    UErrorCode status = U_ZERO_ERROR;
+    const UScriptCode script = uscript_getScript(character, &status);
+    const int kind = u_getIntPropertyValue(character, UCHAR_INDIC_SYLLABIC_CATEGORY);
+    const bool joins = script == USCRIPT_BENGALI || script == USCRIPT_DEVANAGARI || script == USCRIPT_GUJARATI ||
+                       script == USCRIPT_MALAYALAM || script == USCRIPT_ORIYA || script == USCRIPT_TELUGU;
+    if (joins && kind == U_INSC_CONSONANT)
+        return ConjunctPart::consonant;
+    if (joins && kind == U_INSC_VIRAMA)
+        return ConjunctPart::linker;
+    const bool extends = property == U_GCB_ZWJ || (property == U_GCB_EXTEND && u_getCombiningClass(character) != 0);
+    return extends ? ConjunctPart::extender : ConjunctPart::none;
+#endif
+}
+
 /// True for marks that belong to the cluster before them, whatever it is.
 bool alwaysContinues(int property)
 {
@@ -50,7 +85,8 @@ bool GraphemeBreaker::startsCluster(char32_t character)
     const int property = u_getIntPropertyValue(codePoint, UCHAR_GRAPHEME_CLUSTER_BREAK);
     const bool pictograph = property == U_GCB_OTHER && character >= 0xa9 &&
                             u_hasBinaryProperty(codePoint, UCHAR_EXTENDED_PICTOGRAPHIC) != 0;
-    const bool starts = m_previous == atStart || !joins(property, pictograph);
+    const bool conjunct = completesConjunct(character, property);
+    const bool starts = m_previous == atStart || !(conjunct || joins(property, pictograph));
 
     if (pictograph)
         m_emoji = Emoji::pictograph;
@@ -61,4 +97,21 @@ bool GraphemeBreaker::startsCluster(char32_t character)
     m_halfFlag = property == U_GCB_REGIONAL_INDICATOR && !m_halfFlag;
     m_previous = property;
     return starts;
+}
+
+bool GraphemeBreaker::completesConjunct(char32_t character, int property)
+{
+    // Most text is of other scripts, for which nothing needs to be looked up.
+    constexpr char32_t firstIndic = 0x0900;
+    if (m_conjunct == Conjunct::none && (character < firstIndic || property != U_GCB_OTHER))
+        return false;
+    const ConjunctPart part = conjunctPartOf(static_cast<UChar32>(character), property);
+    const bool completes = part == ConjunctPart::consonant && m_conjunct == Conjunct::linked;
+    if (part == ConjunctPart::consonant)
+        m_conjunct = Conjunct::consonant;
+    else if (part == ConjunctPart::none)
+        m_conjunct = Conjunct::none;
+    else if (part == ConjunctPart::linker && m_conjunct == Conjunct::consonant)
+        m_conjunct = Conjunct::linked;
+    return completes;
 }

@@ -1,6 +1,10 @@
 #include "Text/VisibleText.h"
 
+#include "Text/Shapeless.h"
+
 #include <QList>
+
+#include <unicode/uchar.h>
 
 using namespace Qt::StringLiterals;
 
@@ -10,14 +14,55 @@ namespace
 constexpr qsizetype longestToolTip = 1000;
 constexpr qsizetype longestName = 500;
 
-bool isShapeless(char32_t character)
+constexpr char32_t nonJoiner = 0x200c;
+constexpr char32_t joiner = 0x200d;
+constexpr char32_t textPresentation = 0xfe0e;
+constexpr char32_t emojiPresentation = 0xfe0f;
+constexpr char32_t keycap = 0x20e3;
+
+bool has(char32_t character, UProperty property)
 {
-    switch (QChar::category(character)) {
-    case QChar::Other_Control:
-    case QChar::Other_Format:
-    case QChar::Separator_Line:
-    case QChar::Separator_Paragraph:
-        return true;
+    return u_hasBinaryProperty(static_cast<UChar32>(character), property) != 0;
+}
+
+/// A letter of a script whose letters are joined, or a sign that joins the letters around it.
+bool isJoined(char32_t character)
+{
+    constexpr int virama = 9;
+    const auto codePoint = static_cast<UChar32>(character);
+    const int joining = u_getIntPropertyValue(codePoint, UCHAR_JOINING_TYPE);
+    return joining == U_JT_DUAL_JOINING || joining == U_JT_LEFT_JOINING || joining == U_JT_RIGHT_JOINING ||
+           u_getCombiningClass(codePoint) == virama;
+}
+
+/// Whether the character without a shape does something to the ones around it that a reader sees: a joiner in a word of
+/// a script with joined letters or between two emoji, the presentation of an emoji.
+bool isSeenAround(const QList<uint> &text, qsizetype at)
+{
+    const char32_t character = text[at];
+    const char32_t next = at + 1 < text.size() ? text[at + 1] : 0;
+    // Marks, and an emoji's colours and presentation, stand between it and its letter.
+    qsizetype base = at - 1;
+    while (base > 0 &&
+           u_getIntPropertyValue(static_cast<UChar32>(text[base]), UCHAR_GRAPHEME_CLUSTER_BREAK) == U_GCB_EXTEND &&
+           !isJoined(text[base]) && text[base] != nonJoiner)
+        --base;
+    if (base < 0)
+        return false;
+    const char32_t before = text[base];
+    const bool isEmoji = before > 0x7f && has(before, UCHAR_EMOJI);
+    switch (character) {
+    case joiner:
+        if (isEmoji && has(next, UCHAR_EXTENDED_PICTOGRAPHIC))
+            return true;
+        [[fallthrough]];
+    case nonJoiner:
+        return isJoined(before) && u_isalpha(static_cast<UChar32>(next)) != 0 &&
+               u_getIntPropertyValue(static_cast<UChar32>(next), UCHAR_SCRIPT) ==
+                   u_getIntPropertyValue(static_cast<UChar32>(before), UCHAR_SCRIPT);
+    case textPresentation:
+    case emojiPresentation:
+        return base == at - 1 && (isEmoji || (next == keycap && has(before, UCHAR_EMOJI)));
     default:
         return false;
     }
@@ -42,12 +87,13 @@ QString VisibleText::oneLine(const QString &text)
 {
     QString visible;
     visible.reserve(text.size());
-    for (const uint unit : text.toUcs4()) {
-        const char32_t character = unit;
+    const QList<uint> characters = text.toUcs4();
+    for (qsizetype at = 0; at < characters.size(); ++at) {
+        const char32_t character = characters[at];
         if (character == U'\n' || character == U'\r' || character == U'\t')
             visible += u' ';
-        else if (isShapeless(character))
-            visible += u"\u27e8U+%1\u27e9"_s.arg(QString::number(unit, 16).toUpper(), 4, u'0');
+        else if (Shapeless::isShapeless(character) && !isSeenAround(characters, at))
+            visible += u"\u27e8U+%1\u27e9"_s.arg(QString::number(characters[at], 16).toUpper(), 4, u'0');
         else
             visible += QChar::fromUcs4(character);
     }

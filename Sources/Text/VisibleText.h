@@ -8,7 +8,8 @@ namespace VisibleText
 {
 
 /// The text in one line in which nothing is disguised: control characters, direction marks and other characters without
-/// a shape of their own are written out, as in "⟨U+202E⟩"; line breaks and tabs become blanks.
+/// a shape of their own are written out, as in "⟨U+202E⟩", unless they do what they are for (the joiners in an emoji or
+/// a Persian word); line breaks and tabs become blanks.
 QString oneLine(const QString &text);
 
 /// The text, or of one with more than `longest` UTF-16 units its beginning and an ellipsis. Halves no character.

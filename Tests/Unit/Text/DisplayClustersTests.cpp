@@ -39,6 +39,7 @@ TEST(DisplayClusters, TakeEveryCharacterAsAReaderSeesIt)
              Character{u"\U0001f1e9\U0001f1ea"_s, Look::glyphs, 2},
              Character{u"\u2764\ufe0f"_s, Look::glyphs, 2},
              Character{u"\u0915"_s, Look::joined, 1},
+             Character{u"\u0915\u094d\u0937"_s, Look::joined, 2},
              Character{u"\u05d0"_s, Look::rightToLeft, 1},
              Character{u"\u0627"_s, Look::rightToLeft, 1},
          }) {

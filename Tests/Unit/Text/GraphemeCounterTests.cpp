@@ -62,6 +62,19 @@ TEST(GraphemeCounter, CountsWhatAReaderCallsOneCharacterAsOne)
     EXPECT_EQ(countInOne(u"\U0001F44D\U0001F3FD"_s), 1);
 }
 
+TEST(GraphemeCounter, CountsIndicConsonantsThatAreWrittenAsOneAsOne)
+{
+    EXPECT_EQ(countInOne(u"\u0915\u094d\u0937"_s), 1);
+    EXPECT_EQ(countInOne(u"\u0915\u094d\u200d\u0937"_s), 1);
+    EXPECT_EQ(countInOne(u"\u0915\u093c\u094d\u0937\u094d\u092f\u093e"_s), 1) << "of any number";
+    EXPECT_EQ(countInOne(u"\u0915\u094d\u200c\u0937"_s), 2) << "held apart on purpose";
+    EXPECT_EQ(countInOne(u"\u0915\u0937"_s), 2);
+    EXPECT_EQ(countInOne(u"\u0915\u093e\u094d\u0937"_s), 2);
+    EXPECT_EQ(countInOne(u"\u0b95\u0bcd\u0bb7"_s), 2) << "Tamil writes them side by side";
+    EXPECT_EQ(countInPieces({"\u0995", "\u09cd", "\u09b7"}), 1);
+    EXPECT_EQ(countInPieces({"\u0995\u09cd", "a", "\u09b7"}), 3);
+}
+
 TEST(GraphemeCounter, JoinsCharactersThatAreCutBetweenChunks)
 {
     EXPECT_EQ(countInPieces({"e", "\u0301", "\u0308"}), 1);

@@ -1,0 +1,43 @@
+#include "Text/VisibleText.h"
+
+#include "Support/Printing.h"
+#include "Text/Shapeless.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+TEST(VisibleText, WritesOutEveryCharacterWithoutAShape)
+{
+    for (const auto &[character, shown] : std::initializer_list<std::pair<char32_t, QString>>{
+             {0x202e, u"bo⟨U+202E⟩x"_s},   {0x200b, u"bo⟨U+200B⟩x"_s}, {0x3164, u"bo⟨U+3164⟩x"_s},
+             {0x115f, u"bo⟨U+115F⟩x"_s},   {0x034f, u"bo⟨U+034F⟩x"_s}, {0x00ad, u"bo⟨U+00AD⟩x"_s},
+             {0x200c, u"bo⟨U+200C⟩x"_s},   {0x200d, u"bo⟨U+200D⟩x"_s}, {0xfe0f, u"bo⟨U+FE0F⟩x"_s},
+             {0xe0061, u"bo⟨U+E0061⟩x"_s}, {0xfff9, u"bo⟨U+FFF9⟩x"_s}, {0xffa0, u"bo⟨U+FFA0⟩x"_s},
+             {0x2028, u"bo⟨U+2028⟩x"_s},   {0x85, u"bo⟨U+0085⟩x"_s},   {0x1b, u"bo⟨U+001B⟩x"_s}}) {
+        EXPECT_EQ(VisibleText::oneLine(u"bo"_s + QString::fromUcs4(&character, 1) + u'x'), shown);
+        EXPECT_TRUE(Shapeless::isShapeless(character)) << shown.toStdString();
+    }
+    EXPECT_EQ(VisibleText::oneLine(u"\u200dx\ufe0f\u200c"_s), u"⟨U+200D⟩x⟨U+FE0F⟩⟨U+200C⟩"_s) << "also at the ends";
+}
+
+TEST(VisibleText, LeavesAJoinerThatDoesWhatItIsFor)
+{
+    for (const QString &text :
+         {u"\u0645\u06cc\u200c\u062e\u0648\u0627\u0647\u0645"_s,                          // a Persian word
+          u"\u0631\u0648\u0632\u200c\u0647\u0627"_s,                                    // behind a letter that joins none
+          u"\u0645\u06cc\u064e\u200c\u062e"_s,                                          // with a vowel sign
+          u"\u0915\u094d\u200d\u0937"_s, u"\u0915\u094d\u200c\u0937"_s,                    // Devanagari
+          u"\U0001f469\u200d\U0001f52c"_s, u"\U0001f469\U0001f3fd\u200d\U0001f52c"_s,       // a scientist
+          u"\u2764\ufe0f\u200d\U0001f525"_s, u"\u2764\ufe0f"_s, u"1\ufe0f\u20e3"_s}) // a heart on fire, a keycap
+        EXPECT_EQ(VisibleText::oneLine(text), text);
+}
+
+TEST(VisibleText, WritesOutAJoinerThatOnlyHides)
+{
+    EXPECT_EQ(VisibleText::oneLine(u"\u0645\u200c"_s), u"\u0645⟨U+200C⟩"_s) << "at the end of a word";
+    EXPECT_EQ(VisibleText::oneLine(u"\u0645\u200c\u200c\u062e"_s), u"\u0645⟨U+200C⟩⟨U+200C⟩\u062e"_s);
+    EXPECT_EQ(VisibleText::oneLine(u"\u0645\u200cx"_s), u"\u0645⟨U+200C⟩x"_s) << "between two scripts";
+    EXPECT_EQ(VisibleText::oneLine(u"\U0001f469\u200dx"_s), u"\U0001f469⟨U+200D⟩x"_s);
+    EXPECT_EQ(VisibleText::oneLine(u"1\ufe0f2"_s), u"1⟨U+FE0F⟩2"_s);
+}
