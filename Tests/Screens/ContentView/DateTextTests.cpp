@@ -34,6 +34,21 @@ TEST(DateText, WritesADateAsTheLanguageAndRegionDo)
     EXPECT_EQ(textIn("th_TH"), "1 มี.ค. 2569 14:05");
 }
 
+TEST(DateText, WritesTheHoursAsTheSystemIsSetTo)
+{
+    const auto textWith = [](const QByteArray &locale, const QString &format) {
+        return textIn(DateText::withHourCycle(locale, format));
+    };
+    EXPECT_EQ(textWith("en-US", u"HH:mm"_s), "Mar 1, 2026, 14:05");
+    EXPECT_EQ(textWith("en-US", u"h:mm AP"_s), "Mar 1, 2026, 2:05 PM");
+    EXPECT_EQ(textWith("en_GB", u"h:mm ap"_s), "1 Mar 2026, 2:05 pm");
+    EXPECT_EQ(textWith("en_GB", u"H:mm"_s), "1 Mar 2026, 14:05");
+    EXPECT_EQ(textWith("de_DE", u"Ah:mm"_s), "01.03.2026, 2:05 PM");
+    EXPECT_EQ(textWith("de_DE", u"HH:mm 'Uhr am Tag'"_s), "01.03.2026, 14:05") << "what is quoted is text";
+    EXPECT_EQ(textWith("fr_CA", u"HH 'h' mm"_s), textIn("fr_CA"));
+    EXPECT_NE(textWith("fr_CA", u"h 'h' mm AP"_s), textIn("fr_CA"));
+}
+
 TEST(DateText, KeepsTheDigitsAndDirectionMarksOfAnArabicDate)
 {
     const QString text = DateText::mediumDateShortTime(afternoon, "ar_EG");
