@@ -237,3 +237,28 @@ TEST_F(HistoryStorageTest, LeavesTheFileAsItWasWhenTheDiskIsFull)
     store.save();
     EXPECT_EQ(reloaded(), store.entries()) << "the next write has room again";
 }
+
+TEST_F(HistoryStorageTest, KeepsTheBytesOfAFileThatIsCutAnywhereOrDamagedInAnyByte)
+{
+    const HistoryEntry first = entryNumber(1);
+    const QByteArray content = HistoryFile::encode({first});
+    QList<QByteArray> damaged;
+    for (qsizetype at = 1; at < content.size(); ++at) {
+        damaged.append(content.first(at));
+        damaged.append(content);
+        damaged.last()[at] = static_cast<char>(damaged.last()[at] ^ 0x15);
+    }
+    int keptAside = 0;
+    for (const QByteArray &bytes : damaged) {
+        writeFile(bytes);
+        HistoryStore store(supportFolder());
+        store.add(entryNumber(2));
+        EXPECT_EQ(reloaded(), store.entries());
+        const bool isReadable = HistoryFile::decode(bytes).has_value();
+        EXPECT_EQ(store.entries().size(), isReadable ? 2 : 1) << bytes.toStdString();
+        EXPECT_EQ(setAside(), isReadable ? QList<QByteArray>() : QList{bytes});
+        keptAside += isReadable ? 0 : 1;
+        ASSERT_TRUE(QDir(storeFolder()).removeRecursively());
+    }
+    EXPECT_GT(keptAside, content.size());
+}
