@@ -12,6 +12,18 @@ TEST(Machine, LabelsItsDistributionWithTheVersionWhenThereIsOne)
     EXPECT_EQ(Machine({u"a"_s, u"running"_s, QString(), QString()}).distroLabel(), QString());
 }
 
+TEST(Machine, ComparesAndHashesAllFourTexts)
+{
+    const Machine machine{u"a"_s, u"b"_s, u"c"_s, u"d"_s};
+    for (QString Machine::*field : {&Machine::name, &Machine::state, &Machine::distro, &Machine::version}) {
+        Machine other = machine;
+        other.*field = u"z"_s;
+        EXPECT_NE(machine, other);
+        EXPECT_NE(qHash(machine), qHash(other));
+    }
+    EXPECT_EQ(qHash(machine), qHash(Machine(machine)));
+}
+
 TEST(Distro, IsBuiltFromItsExactRawValueOnly)
 {
     EXPECT_EQ(distroFromRawValue(u"alpine"_s), Distro::alpine);

@@ -278,3 +278,12 @@ TEST_F(RunControllerTest, CallsARunTimedOutEvenWhenTheUserStopsItToo)
     EXPECT_TRUE(waitUntil([&] { return !hasty.isRunning(); }));
     EXPECT_EQ(history.entries().first().note, u"timed out"_s);
 }
+
+TEST_F(RunControllerTest, CountsAnAppendThatDropsAnOldSegment)
+{
+    run.append(QString(Transcript::characterBound + 1, u'x'), OutputKind::out);
+    ASSERT_EQ(run.transcript().segmentCount(), 1U);
+    run.append(u"y"_s, OutputKind::err);
+    EXPECT_EQ(told(run), QStringList{u"err: y"_s});
+    EXPECT_EQ(run.revision(), 2) << "once, though it added and removed";
+}
