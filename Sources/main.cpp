@@ -1,3 +1,4 @@
+#include "ContentView/Screens/DisposableToggle.h"
 #include "TidewellApp/FirstInstance.h"
 #include "TidewellApp/LinuxStyle.h"
 #include "TidewellApp/MainWindow.h"
@@ -5,6 +6,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QSettings>
 
 using namespace Qt::StringLiterals;
 
@@ -25,6 +27,12 @@ int main(int argumentCount, char *arguments[])
     const FirstInstance instance(supportFolder ? std::optional(HistoryStore::folderIn(*supportFolder)) : std::nullopt);
     if (!instance.isFirst())
         return 0;
+#ifdef Q_OS_MACOS
+    // They were once named after the organisation: com.tidewell.Tidewell.
+    QSettings formerPreferences(u"Tidewell"_s, u"Tidewell"_s);
+    formerPreferences.setFallbacksEnabled(false);
+    DisposableToggle::takeOverConsent(formerPreferences);
+#endif
     TidewellApp tidewell;
     QObject::connect(&instance, &FirstInstance::startedAgain, &tidewell.window(), &MainWindow::comeForward);
     tidewell.window().show();

@@ -12,13 +12,18 @@ namespace
 
 const auto confirmedKey = u"disposableConfirmed"_s;
 
+bool isConfirmed()
+{
+    return QSettings().value(confirmedKey, false).toBool();
+}
+
 } // namespace
 
 DisposableToggle::DisposableToggle(QWidget *parent) : QCheckBox(u"Disposable mode"_s, parent)
 {
     // Here and not where a click arrives: assistive technology switches a box without one.
     connect(this, &QCheckBox::toggled, this, [this](bool isOn) {
-        if (!isOn || QSettings().value(confirmedKey, false).toBool())
+        if (!isOn || isConfirmed())
             return;
         setChecked(false);
         if (!m_alert || !m_alert->isVisible())
@@ -35,4 +40,13 @@ void DisposableToggle::ask()
                               QSettings().setValue(confirmedKey, true);
                               setChecked(true);
                           });
+}
+
+void DisposableToggle::takeOverConsent(QSettings &former)
+{
+    if (!former.contains(confirmedKey))
+        return;
+    if (!isConfirmed())
+        QSettings().setValue(confirmedKey, former.value(confirmedKey));
+    former.remove(confirmedKey);
 }

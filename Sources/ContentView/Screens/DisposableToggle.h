@@ -8,6 +8,7 @@
 #include <QPointer>
 
 class QMessageBox;
+class QSettings;
 
 class DisposableToggle : public QCheckBox
 {
@@ -15,6 +16,9 @@ class DisposableToggle : public QCheckBox
 
 public:
     explicit DisposableToggle(QWidget *parent = nullptr);
+
+    /// Moves the consent from `former` preferences to the user's present ones, when it is there.
+    static void takeOverConsent(QSettings &former);
 
 private:
     void ask();
