@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QScreen>
 #include <QSettings>
+#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -47,7 +48,10 @@ void MainWindow::comeForward()
 
 void MainWindow::restorePlace()
 {
-    resize(QSize(960, 760).boundedTo(screen()->availableSize()));
+    // The frame that the system will put around is not known yet.
+    const int titleBar =
+        style()->pixelMetric(QStyle::PM_TitleBarHeight) + 2 * style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+    resize(QSize(960, 760).boundedTo(screen()->availableSize() - QSize(0, titleBar)));
     // Brings a window whose screen is gone back onto one that is there.
     restoreGeometry(QSettings().value(placeKey).toByteArray());
 }

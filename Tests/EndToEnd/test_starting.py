@@ -3,7 +3,7 @@
 
 import subprocess
 
-from harness.desktop import ENDS_WITH_US
+from harness.desktop import ENDS_WITH_US, Desktop
 from harness.waiting import LIMIT_SECONDS
 from harness.window_case import WindowCase, main
 
@@ -38,6 +38,19 @@ class StartingAgain(WindowCase):
         tidewell.process.wait()
         tidewell.launch()
         tidewell.wait_for("OrbStack running")
+
+
+class SmallDisplay(WindowCase):
+    HEIGHT = 1400
+
+    @classmethod
+    def setUpClass(cls):
+        cls.desktop = cls.enterClassContext(Desktop(2000, cls.HEIGHT))
+
+    def test_the_first_window_ends_above_the_end_of_a_small_display_of_scale_2(self):
+        tidewell = self.start(environment={"QT_SCALE_FACTOR": "2"})
+        self.desktop.wait_for_focus(tidewell.process.pid)
+        self.assertLessEqual(self.desktop.window_bottom(tidewell.process.pid), self.HEIGHT)
 
 
 if __name__ == "__main__":

@@ -112,6 +112,12 @@ class Desktop:
         """Asks the window manager to close the process's window, as the window's close button does."""
         self._tool("wmctrl", "-i", "-c", self._window(pid))
 
+    def window_bottom(self, pid):
+        """Where the process's window ends, in pixels from the top of the display."""
+        lines = self._tool("xdotool", "getwindowgeometry", "--shell", self._window(pid)).split()
+        place = dict(line.split("=") for line in lines)
+        return int(place["Y"]) + int(place["HEIGHT"])
+
     def minimise_window(self, pid):
         """Minimises the process's window, as its button does."""
         self._tool("xdotool", "windowminimize", "--sync", self._window(pid))
