@@ -6,12 +6,13 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
 #include <QSaveFile>
+#include <QThread>
 
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,8 +22,43 @@ namespace
 {
 
 constexpr auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner;
-/// For so long another instance may be writing.
-constexpr auto longestWait = std::chrono::milliseconds(1000);
+
+/// Keeps other instances from writing into a folder. It is the folder that is locked, so nothing is left behind, and
+/// the system releases the lock however its owner ends.
+class FolderLock
+{
+public:
+    /// Waits for another owner, but not for long.
+    explicit FolderLock(const QString &folder)
+        : m_descriptor(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    {
+        for (int tries = 0; tries < mostTries; ++tries) {
+            // Where no lock can be made at all, writing will tell why, or do without.
+            m_isTaken = ::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+            if (!m_isTaken)
+                return;
+            QThread::msleep(between.count());
+        }
+    }
+    ~FolderLock()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+    }
+
+    FolderLock(const FolderLock &) = delete;
+    FolderLock &operator=(const FolderLock &) = delete;
+
+    /// Another instance had it for all that time.
+    bool isTaken() const { return m_isTaken; }
+
+private:
+    static constexpr int mostTries = 100;
+    static constexpr std::chrono::milliseconds between{10};
+
+    const int m_descriptor;
+    bool m_isTaken = false;
+};
 
 /// Where a chain of links ends, be there a file or not.
 QString targetOf(const QString &path)
@@ -121,9 +157,8 @@ std::optional<QString> HistoryStorage::save(QList<HistoryEntry> &entries)
 {
     makeFolder(m_folder);
     const QString target = targetOf(m_path);
-    QLockFile lock(target + u".lock"_s);
-    // Where no lock can be made at all, writing will tell why, or do without.
-    if (!lock.tryLock(longestWait.count()) && lock.error() == QLockFile::LockFailedError)
+    const FolderLock lock(QFileInfo(target).path());
+    if (lock.isTaken())
         return u"another Tidewell is writing it"_s;
 
     const Reading found = read(target);

@@ -89,7 +89,10 @@ int close(int descriptor)
 }
 
 #define ON_DESCRIPTOR(type, name, parameters, types, values)                                                           \
-    type name parameters { return concerns(descriptor) && fails() ? -1 : next<type types>(#name) values; }
+    type name parameters                                                                                               \
+    {                                                                                                                  \
+        return concerns(descriptor) && fails() ? -1 : next<type types>(#name) values;                                  \
+    }
 ON_DESCRIPTOR(ssize_t, write, (int descriptor, const void *data, size_t size), (int, const void *, size_t),
               (descriptor, data, size))
 ON_DESCRIPTOR(ssize_t, read, (int descriptor, void *data, size_t size), (int, void *, size_t), (descriptor, data, size))
@@ -99,7 +102,10 @@ ON_DESCRIPTOR(int, fchmod, (int descriptor, mode_t mode) noexcept, (int, mode_t)
 ON_DESCRIPTOR(int, flock, (int descriptor, int operation) noexcept, (int, int), (descriptor, operation))
 
 #define ON_PATH(name, parameters, types, values)                                                                       \
-    int name parameters { return concerns(path) && fails() ? -1 : next<int types>(#name) values; }
+    int name parameters                                                                                                \
+    {                                                                                                                  \
+        return concerns(path) && fails() ? -1 : next<int types>(#name) values;                                         \
+    }
 ON_PATH(mkdir, (const char *path, mode_t mode) noexcept, (const char *, mode_t), (path, mode))
 ON_PATH(unlink, (const char *path) noexcept, (const char *), (path))
 ON_PATH(rename, (const char *path, const char *to) noexcept, (const char *, const char *), (path, to))

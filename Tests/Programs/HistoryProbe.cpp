@@ -1,6 +1,6 @@
-// HistoryProbe FOLDER FIRST COUNT: adds COUNT runs, numbered from FIRST, to the history in the support folder FOLDER, and
-// ends as the application does. It prints why the last one could not be saved at once, or an empty line; then whether
-// the call that was to fail (FailingCalls.cpp) was made.
+// HistoryProbe FOLDER FIRST COUNT: adds COUNT runs, numbered from FIRST, to the history in the support folder FOLDER,
+// and ends as the application does. It prints why the last one could not be saved at once, or an empty line; then
+// whether the call that was to fail (FailingCalls.cpp) was made.
 
 #include "HistoryStore/HistoryStore.h"
 

@@ -10,8 +10,13 @@ using namespace Qt::StringLiterals;
 
 TEST(HistoryEntry, ComparesAndHashesAllSevenFields)
 {
-    const HistoryEntry entry{
-        QUuid::createUuid(), u"a"_s, u"b"_s, 0, u"c"_s, QDateTime(QDate(2026, 3, 1), QTime(0, 0), QTimeZone::utc()), 1.5};
+    const HistoryEntry entry{QUuid::createUuid(),
+                             u"a"_s,
+                             u"b"_s,
+                             0,
+                             u"c"_s,
+                             QDateTime(QDate(2026, 3, 1), QTime(0, 0), QTimeZone::utc()),
+                             1.5};
     const QList<std::function<void(HistoryEntry &)>> changes{
         [](HistoryEntry &other) { other.id = QUuid::createUuid(); },
         [](HistoryEntry &other) { other.command = u"z"_s; },

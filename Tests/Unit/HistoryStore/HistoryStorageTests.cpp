@@ -3,11 +3,13 @@
 #include "Unit/HistoryStore/HistoryStoreTest.h"
 
 #include <QFileInfo>
-#include <QLockFile>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -118,11 +120,11 @@ TEST_F(HistoryStorageTest, LetsNoDeletedRunComeBackFromTheOther)
 TEST_F(HistoryStorageTest, WaitsForTheOtherOnlyForAMomentAndTriesAgain)
 {
     HistoryStore store(supportFolder(), std::chrono::milliseconds(10));
-    QLockFile other(filePath() + u".lock"_s);
-    ASSERT_TRUE(other.tryLock());
+    const int other = ::open(QFile::encodeName(storeFolder()).constData(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(::flock(other, LOCK_EX), 0);
     store.add(entryNumber(1));
     EXPECT_EQ(store.saveError(), u"another Tidewell is writing it"_s);
-    other.unlock();
+    ::close(other);
     EXPECT_TRUE(waitUntil([&] { return !store.saveError(); }));
     EXPECT_EQ(reloaded(), store.entries());
 }

@@ -9,12 +9,22 @@ using namespace Qt::StringLiterals;
 
 TEST(VisibleText, WritesOutEveryCharacterWithoutAShape)
 {
-    for (const auto &[character, shown] : std::initializer_list<std::pair<char32_t, QString>>{
-             {0x202e, u"bo⟨U+202E⟩x"_s},   {0x200b, u"bo⟨U+200B⟩x"_s}, {0x3164, u"bo⟨U+3164⟩x"_s},
-             {0x115f, u"bo⟨U+115F⟩x"_s},   {0x034f, u"bo⟨U+034F⟩x"_s}, {0x00ad, u"bo⟨U+00AD⟩x"_s},
-             {0x200c, u"bo⟨U+200C⟩x"_s},   {0x200d, u"bo⟨U+200D⟩x"_s}, {0xfe0f, u"bo⟨U+FE0F⟩x"_s},
-             {0xe0061, u"bo⟨U+E0061⟩x"_s}, {0xfff9, u"bo⟨U+FFF9⟩x"_s}, {0xffa0, u"bo⟨U+FFA0⟩x"_s},
-             {0x2028, u"bo⟨U+2028⟩x"_s},   {0x85, u"bo⟨U+0085⟩x"_s},   {0x1b, u"bo⟨U+001B⟩x"_s}}) {
+    for (const auto &[character, shown] :
+         std::initializer_list<std::pair<char32_t, QString>>{{0x202e, u"bo⟨U+202E⟩x"_s},
+                                                             {0x200b, u"bo⟨U+200B⟩x"_s},
+                                                             {0x3164, u"bo⟨U+3164⟩x"_s},
+                                                             {0x115f, u"bo⟨U+115F⟩x"_s},
+                                                             {0x034f, u"bo⟨U+034F⟩x"_s},
+                                                             {0x00ad, u"bo⟨U+00AD⟩x"_s},
+                                                             {0x200c, u"bo⟨U+200C⟩x"_s},
+                                                             {0x200d, u"bo⟨U+200D⟩x"_s},
+                                                             {0xfe0f, u"bo⟨U+FE0F⟩x"_s},
+                                                             {0xe0061, u"bo⟨U+E0061⟩x"_s},
+                                                             {0xfff9, u"bo⟨U+FFF9⟩x"_s},
+                                                             {0xffa0, u"bo⟨U+FFA0⟩x"_s},
+                                                             {0x2028, u"bo⟨U+2028⟩x"_s},
+                                                             {0x85, u"bo⟨U+0085⟩x"_s},
+                                                             {0x1b, u"bo⟨U+001B⟩x"_s}}) {
         EXPECT_EQ(VisibleText::oneLine(u"bo"_s + QString::fromUcs4(&character, 1) + u'x'), shown);
         EXPECT_TRUE(Shapeless::isShapeless(character)) << shown.toStdString();
     }
@@ -24,12 +34,12 @@ TEST(VisibleText, WritesOutEveryCharacterWithoutAShape)
 TEST(VisibleText, LeavesAJoinerThatDoesWhatItIsFor)
 {
     for (const QString &text :
-         {u"\u0645\u06cc\u200c\u062e\u0648\u0627\u0647\u0645"_s,                          // a Persian word
-          u"\u0631\u0648\u0632\u200c\u0647\u0627"_s,                                    // behind a letter that joins none
-          u"\u0645\u06cc\u064e\u200c\u062e"_s,                                          // with a vowel sign
-          u"\u0915\u094d\u200d\u0937"_s, u"\u0915\u094d\u200c\u0937"_s,                    // Devanagari
-          u"\U0001f469\u200d\U0001f52c"_s, u"\U0001f469\U0001f3fd\u200d\U0001f52c"_s,       // a scientist
-          u"\u2764\ufe0f\u200d\U0001f525"_s, u"\u2764\ufe0f"_s, u"1\ufe0f\u20e3"_s}) // a heart on fire, a keycap
+         {u"\u0645\u06cc\u200c\u062e\u0648\u0627\u0647\u0645"_s,                      // a Persian word
+          u"\u0631\u0648\u0632\u200c\u0647\u0627"_s,                                  // behind a letter that joins none
+          u"\u0645\u06cc\u064e\u200c\u062e"_s,                                        // with a vowel sign
+          u"\u0915\u094d\u200d\u0937"_s, u"\u0915\u094d\u200c\u0937"_s,               // Devanagari
+          u"\U0001f469\u200d\U0001f52c"_s, u"\U0001f469\U0001f3fd\u200d\U0001f52c"_s, // a scientist
+          u"\u2764\ufe0f\u200d\U0001f525"_s, u"\u2764\ufe0f"_s, u"1\ufe0f\u20e3"_s})  // a heart on fire, a keycap
         EXPECT_EQ(VisibleText::oneLine(text), text);
 }
 
