@@ -2,7 +2,6 @@
 
 #include "Look/Typography.h"
 
-#include <QAbstractButton>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
@@ -15,6 +14,16 @@ namespace
 {
 
 constexpr int textWidth = 420;
+
+/// Drawn by the toolkit on every system: it hands plain message boxes alone to the system, whose own on macOS knows no
+/// Escape where Return presses the same button, and cannot be clicked in some versions.
+class AlertBox : public QMessageBox
+{
+    Q_OBJECT
+
+public:
+    using QMessageBox::QMessageBox;
+};
 
 /// Lets the texts begin where the box's margin ends, not where they would beside an icon.
 void alignToMargin(const QMessageBox &alert)
@@ -35,12 +44,7 @@ void alignToMargin(const QMessageBox &alert)
 QMessageBox *make(QWidget *parent, const QString &title, const QString &message)
 {
     // Over a hidden window nothing would be seen of it: then it stands by itself.
-    auto *alert = new QMessageBox(parent->window()->isVisible() ? parent : nullptr);
-#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
-    // Before the texts are set, which choose between the two. The system's own on macOS knows no Escape, and there are
-    // versions of it that cannot be clicked.
-    alert->setOption(QMessageBox::Option::DontUseNativeDialog);
-#endif
+    auto *alert = new AlertBox(parent->window()->isVisible() ? parent : nullptr);
     alert->setAttribute(Qt::WA_DeleteOnClose);
     alert->setWindowModality(Qt::WindowModal);
     alert->setTextFormat(Qt::PlainText);
@@ -49,10 +53,12 @@ QMessageBox *make(QWidget *parent, const QString &title, const QString &message)
     return alert;
 }
 
-void show(QMessageBox *alert, const QWidget *over, QPushButton *usual, const std::function<void()> &finished)
+/// Return presses `usual`, Escape and closing press `cancel`.
+void show(QMessageBox *alert, const QWidget *over, QPushButton *usual, QPushButton *cancel,
+          const std::function<void()> &finished)
 {
     alert->setDefaultButton(usual);
-    alert->setEscapeButton(usual);
+    alert->setEscapeButton(cancel);
     const QString title = alert->text();
     for (QLabel *label : alert->findChildren<QLabel *>()) {
         if (label->text().isEmpty())
@@ -80,10 +86,11 @@ QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &m
                          const QString &cancelLabel, const std::function<void()> &accepted, Kind kind)
 {
     QMessageBox *alert = make(parent, title, message);
-    const QAbstractButton *accept = alert->addButton(
-        acceptLabel, kind == Kind::destructive ? QMessageBox::DestructiveRole : QMessageBox::AcceptRole);
+    const bool isOrdinary = kind == Kind::ordinary;
+    QPushButton *accept =
+        alert->addButton(acceptLabel, isOrdinary ? QMessageBox::AcceptRole : QMessageBox::DestructiveRole);
     QPushButton *cancel = alert->addButton(cancelLabel, QMessageBox::RejectRole);
-    show(alert, parent, cancel, [alert, accept, accepted] {
+    show(alert, parent, isOrdinary ? accept : cancel, cancel, [alert, accept, accepted] {
         if (alert->clickedButton() == accept)
             accepted();
     });
@@ -93,6 +100,9 @@ QMessageBox *Alert::open(QWidget *parent, const QString &title, const QString &m
 QMessageBox *Alert::tell(QWidget *parent, const QString &title, const QString &message)
 {
     QMessageBox *alert = make(parent, title, message);
-    show(alert, parent, alert->addButton(u"OK"_s, QMessageBox::AcceptRole), [] {});
+    QPushButton *okay = alert->addButton(u"OK"_s, QMessageBox::AcceptRole);
+    show(alert, parent, okay, okay, [] {});
     return alert;
 }
+
+#include "Alert.moc"

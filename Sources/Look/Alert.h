@@ -14,8 +14,8 @@ namespace Alert
 {
 
 enum class Kind {
-    ordinary,
-    destructive, ///< accepting takes away what cannot be brought back
+    ordinary,    ///< Return accepts
+    destructive, ///< accepting takes away or ends what cannot be brought back, so Return cancels
 };
 
 /// Opens the alert and returns at once. Both texts are plain. `accepted` is called when the user presses `acceptLabel`;
