@@ -12,11 +12,12 @@
 ///   exited                        its exit status              false      none
 ///   ended by a signal             the signal's number          false      none
 ///   asked by the time limit       as exited or by a signal     true       none
+///   left behind after that        -1                           true       none
 ///   cancelled                     as exited or by a signal     false      none
 ///   not started                   -1                           false      the system's description
 ///
-/// Only the caller that cancelled knows that it did. A tool that the time limit or a cancellation asks to terminate may
-/// go on: its result comes when it ends.
+/// Only the caller that cancelled knows that it did. A tool that is asked to terminate may go on: its result comes when
+/// it ends, or, where its time limit asked, ten seconds later (it is left behind then).
 struct CLIResult {
     int status = -1;
     QString stdout;

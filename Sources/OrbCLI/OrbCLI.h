@@ -1,7 +1,8 @@
 #pragma once
 
 // Runs an outside tool as a child process: an argument list, never a shell; the environment of ToolLocation.h; optional
-// standard input; an optional time limit after which the child gets the termination signal, once; it is never killed.
+// standard input; an optional time limit after which the child gets the termination signal, once; it is never killed,
+// but one that has not ended ten seconds later is left behind.
 //
 // Three entrances to one engine: stream (callbacks), streamAsync (awaitable, output streamed) and run (awaitable,
 // output collected). Output arrives on the main thread as chunks of UTF-8 text, decoded chunk by chunk: whatever is

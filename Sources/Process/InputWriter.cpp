@@ -23,6 +23,11 @@ void InputWriter::write()
             break;
         m_written += count;
     }
+    close();
+}
+
+void InputWriter::close()
+{
     m_end.close();
     m_text = QByteArray();
 }

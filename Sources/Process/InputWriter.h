@@ -21,6 +21,9 @@ public:
     /// Writes what the pipe takes now.
     void write();
 
+    /// Gives up the rest.
+    void close();
+
 private:
     FileDescriptor m_end;
     QByteArray m_text;

@@ -18,13 +18,19 @@ constexpr auto exitCheckInterval = std::chrono::milliseconds(10);
 /// How often a pause of the output is checked for its end.
 constexpr auto pauseCheckInterval = std::chrono::milliseconds(50);
 
+constexpr double longestWait = 1e8; // seconds; far beyond any wait, and within what the clock can count
+
+AwakeClock::duration duration(double seconds)
+{
+    const std::chrono::duration<double> wait(std::clamp(seconds, 0.0, longestWait));
+    return std::chrono::ceil<AwakeClock::duration>(wait);
+}
+
 RunningChild::Moment deadlineAfter(std::optional<double> timeLimit)
 {
-    constexpr double longest = 1e8; // seconds; far beyond any wait, and within what the clock can count
-    if (!timeLimit || *timeLimit > longest)
+    if (!timeLimit || *timeLimit > longestWait)
         return RunningChild::never;
-    const std::chrono::duration<double> wait(std::max(*timeLimit, 0.0));
-    return AwakeClock::now() + std::chrono::ceil<AwakeClock::duration>(wait);
+    return AwakeClock::now() + duration(*timeLimit);
 }
 
 std::vector<std::string> toUtf8(const QStringList &texts)
@@ -67,6 +73,7 @@ int RunningChild::start(const Launch &launch)
     if (error != 0)
         return error;
     m_deadline = deadlineAfter(launch.timeLimit);
+    m_graceTime = duration(launch.graceTime);
     m_exitNotice = process.openExitNotice();
     m_output = OutputReader(std::move(output->readEnd), OutputStream::standard);
     m_errorOutput = OutputReader(std::move(errorOutput->readEnd), OutputStream::error);
@@ -108,7 +115,7 @@ bool RunningChild::isPaused() const
 RunningChild::Moment RunningChild::wakeTime() const
 {
     const Moment now = AwakeClock::now();
-    Moment wake = m_deadline;
+    Moment wake = std::min(m_deadline, m_lastMoment);
     if (m_isRunning && !m_exitNotice.isOpen())
         wake = std::min(wake, now + exitCheckInterval);
     if (m_awaitsPause)
@@ -145,12 +152,12 @@ qsizetype RunningChild::serve(std::span<const pollfd> entries, QByteArray &block
     }
     if (m_deadline <= AwakeClock::now())
         enforceTimeLimit();
+    if (m_lastMoment <= AwakeClock::now())
+        leaveBehind();
 
     // A grandchild may hold the pipes long after the child has ended, and a child may close them and run on.
-    if (!m_isEnded && !m_isRunning && m_output.isAtEnd() && m_errorOutput.isAtEnd()) {
-        m_isEnded = true;
-        m_queue->end(m_handle->process->status());
-    }
+    if (!m_isEnded && !m_isRunning && m_output.isAtEnd() && m_errorOutput.isAtEnd())
+        end(m_handle->process->status());
     return bytesRead;
 }
 
@@ -161,4 +168,21 @@ void RunningChild::enforceTimeLimit()
         return;
     m_handle->setTimedOut();
     m_handle->process->terminate();
+    m_lastMoment = AwakeClock::now() + m_graceTime;
+}
+
+void RunningChild::leaveBehind()
+{
+    m_output = OutputReader();
+    m_errorOutput = OutputReader();
+    m_input.close();
+    // A child that has exited was only waited for because of a grandchild with its pipes.
+    end(m_isRunning ? -1 : m_handle->process->status());
+}
+
+void RunningChild::end(int status)
+{
+    m_isEnded = true;
+    m_lastMoment = never;
+    m_queue->end(status);
 }

@@ -4,6 +4,10 @@
 //
 //   created ──start fails──▶ (of no further use)
 //      └──start──▶ running ──exited, both pipes closed, end in the queue, input written or refused──▶ finished
+//                     └──asked by its time limit, and time again──▶ left behind ──exited──▶ finished
+//
+// A child that is left behind is never killed: its pipes are closed, its end is told with status -1, and it is reaped
+// whenever it does exit.
 
 #include "Process/AwakeClock.h"
 #include "Process/InputWriter.h"
@@ -38,15 +42,17 @@ public:
     /// When to serve the child even if nothing is reported, after appendPollEntries.
     Moment wakeTime() const;
 
-    /// Reads, writes, and checks for the end and the deadline. `entries` are those to which appendPollEntries appended,
-    /// after the poll. Returns the number of bytes read.
+    /// Reads, writes, and checks for the end and the deadlines. `entries` are those to which appendPollEntries
+    /// appended, after the poll. Returns the number of bytes read.
     qsizetype serve(std::span<const pollfd> entries, QByteArray &block);
 
-    bool isFinished() const { return m_isEnded && m_input.isDone(); }
+    bool isFinished() const { return m_isEnded && !m_isRunning && m_input.isDone(); }
 
 private:
     bool isPaused() const;
     void enforceTimeLimit();
+    void leaveBehind();
+    void end(int status);
 
     const ProcessHandlePointer m_handle;
     const std::shared_ptr<OutputQueue> m_queue;
@@ -55,6 +61,9 @@ private:
     InputWriter m_input;
     FileDescriptor m_exitNotice;
     Moment m_deadline = never;
+    /// From when on the child is not waited for; never before its deadline.
+    Moment m_lastMoment = never;
+    AwakeClock::duration m_graceTime{};
     /// Bytes still read during a pause once the child has ended or was asked to terminate: all that its pipes can
     /// hold, and what a grandchild may hurry to print. Not without end, for it may print on and on.
     qsizetype m_lastOutput = qsizetype{64} * 1024 * 1024;

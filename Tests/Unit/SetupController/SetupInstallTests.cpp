@@ -109,3 +109,28 @@ TEST_F(SetupControllerTest, ReportsACancelledInstallWhateverBrewExitsWith)
         EXPECT_FALSE(calls().contains(u"<start>"_s));
     }
 }
+
+TEST_F(SetupControllerTest, CancelsTheStartThatFollowsAnInstall)
+{
+    tools.addTool(u"brew"_s, {});
+    addOrb(running, TestTools::untilTerminated(0));
+    setup.install();
+    EXPECT_TRUE(waitUntil([&] { return calls().contains(u"<start>"_s); }));
+    setup.cancel();
+    EXPECT_TRUE(waitUntilFree());
+    EXPECT_EQ(setup.state(), OrbState::stopped);
+    EXPECT_EQ(setup.note(), u"Cancelled."_s);
+    EXPECT_EQ(setup.log(), u"$ brew install --cask orbstack\n\nInstall finished.\n$ orb start\n"_s);
+    EXPECT_EQ(calls(), QStringList{u"<start>"_s}) << "no poll";
+}
+
+TEST_F(SetupControllerTest, GoesOnPollingPastAStatusThatHangsAndIgnoresItsTimeLimit)
+{
+    SetupController hasty(SetupTimeLimits{.status = 0.2});
+    addOrb(u"trap '' TERM\n"_s + tools.waitForFile(u"go"_s) + running);
+    EXPECT_TRUE(waitFor(hasty.refresh()));
+    EXPECT_EQ(hasty.state(), OrbState::stopped);
+    tools.addFile(u"go"_s);
+    EXPECT_TRUE(waitFor(hasty.refresh()));
+    EXPECT_EQ(hasty.state(), OrbState::running);
+}
