@@ -4,11 +4,14 @@
 #include "OrbCLI/DeleteMachine.h"
 #include "OrbCLI/OrbCLI.h"
 #include "OrbCLI/ToolLocation.h"
+#include "Text/Duration.h"
 #include "Text/WholePattern.h"
 
+#include <QDateTime>
 #include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -23,7 +26,11 @@ bool isValidName(const QString &name)
 
 } // namespace
 
-MachineStore::MachineStore(MachineTimeLimits limits, QObject *parent) : QObject(parent), m_limits(limits)
+MachineStore::MachineStore(MachineTimeLimits limits, DisposableMachines written, QObject *parent)
+    : QObject(parent),
+      m_limits(limits),
+      m_written(std::move(written)),
+      m_leftBehind(m_written.leftBehind())
 {
     connect(&m_log, &ToolLog::changed, this, &MachineStore::logChanged);
 }
@@ -46,6 +53,7 @@ QCoro::Task<> MachineStore::refresh()
         if (const std::optional<QList<Machine>> machines = MachineList::parseMachinesJson(first.stdout)) {
             setMachines(*machines);
             m_error = std::nullopt;
+            tellLeftBehind();
             co_return;
         }
     }
@@ -58,6 +66,26 @@ QCoro::Task<> MachineStore::refresh()
     if (!failure)
         setMachines(MachineList::parseMachinesText(second.stdout));
     m_error = failure;
+    if (!failure)
+        tellLeftBehind();
+}
+
+void MachineStore::tellLeftBehind()
+{
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    const auto isSettled = [&](const DisposableMachines::LeftBehind &machine) {
+        const auto hasThisName = [&](const Machine &listed) { return listed.name == machine.name; };
+        if (std::any_of(m_machines.cbegin(), m_machines.cend(), hasThisName)) {
+            m_log.append(machine.name.toUtf8() + " was left behind by a run that was cut off.\n");
+            return true;
+        }
+        // Its creation may go on all the same.
+        if (Duration::between(machine.writtenDown, now) < m_limits.creation)
+            return false;
+        m_written.strikeOut(machine.name);
+        return true;
+    };
+    m_leftBehind.removeIf(isSettled);
 }
 
 std::optional<QString> MachineStore::orbForOperation() const
@@ -65,8 +93,15 @@ std::optional<QString> MachineStore::orbForOperation() const
     return m_busy ? std::nullopt : OrbCLI::find(u"orb"_s);
 }
 
+void MachineStore::beginOperation(const QString &machine, const QString &participle)
+{
+    m_operation = u"The machine "_s + machine + u" is being "_s + participle + u'.';
+    m_busy = true;
+}
+
 QCoro::Task<> MachineStore::endOperation()
 {
+    m_operation.clear();
     m_busy = false;
     co_await refresh();
 }
@@ -85,7 +120,7 @@ QCoro::Task<> MachineStore::create(Distro distro, QString name)
         m_log.replace(u"A machine named "_s + name + u" already exists.\n"_s);
         co_return;
     }
-    m_busy = true;
+    beginOperation(name, u"created"_s);
     const QPointer<MachineStore> self(this);
     const QStringList arguments{u"create"_s, rawValue(distro), name};
     m_log.replace(u"$ orb "_s + arguments.join(u' ') + u'\n');
@@ -108,7 +143,7 @@ QCoro::Task<> MachineStore::simple(QStringList arguments)
     const std::optional<QString> orb = orbForOperation();
     if (!orb)
         co_return;
-    m_busy = true;
+    beginOperation(arguments.value(1), arguments.value(0) == u"start"_s ? u"started"_s : u"stopped"_s);
     const QPointer<MachineStore> self(this);
     const CLIResult result = co_await OrbCLI::run(*orb, arguments, std::nullopt, m_limits.simple, OrbCLI::endOfLog);
     if (!self)
@@ -123,11 +158,13 @@ QCoro::Task<> MachineStore::remove(QString name)
     const std::optional<QString> orb = orbForOperation();
     if (!orb)
         co_return;
-    m_busy = true;
+    beginOperation(name, u"deleted"_s);
     const QPointer<MachineStore> self(this);
     const CLIResult result = co_await OrbCLI::deleteMachine(*orb, name, m_limits.deletion);
     if (!self)
         co_return;
+    if (result.succeeded())
+        m_written.strikeOut(name);
     m_log.replace(result.succeeded() ? u"Deleted "_s + name + u".\n"_s
                                      : u"Delete failed: "_s + result.combined() + u'\n');
     co_await endOperation();

@@ -8,9 +8,13 @@
 // neither `busy` nor `log`, and of two at once the later to finish decides. No operation fails to its caller: listing
 // reports through `error`, the operations through `log`. All return at once, and nobody need await what they return; a
 // store that is destroyed meanwhile leaves the tool to itself.
+//
+// Disposable machines that an earlier start of the program left behind (DisposableMachines.h) are told in `log`, each
+// once, when they are first listed; one that has not been listed for as long as its creation may take is gone.
 
 #include "MachineStore/Distro.h"
 #include "MachineStore/Machine.h"
+#include "OrbCLI/DisposableMachines.h"
 #include "OrbCLI/ToolLog.h"
 
 #include <QList>
@@ -35,13 +39,16 @@ class MachineStore : public QObject
     Q_OBJECT
 
 public:
-    explicit MachineStore(MachineTimeLimits limits = {}, QObject *parent = nullptr);
+    /// `written` is where the names of disposable machines are written down.
+    explicit MachineStore(MachineTimeLimits limits = {}, DisposableMachines written = {}, QObject *parent = nullptr);
 
     /// The list last read, in the order `orb` printed it. Emptied only when `orb` is missing.
     const QList<Machine> &machines() const { return m_machines; }
     /// Why the last refresh failed; none after a good one.
     std::optional<QString> error() const { return m_error; }
     bool busy() const { return m_busy; }
+    /// What goes on while busy, as a sentence: "The machine box is being created."
+    QString operation() const { return m_operation; }
     /// The record of the last operation; a failed one explains itself here.
     QString log() const { return m_log.text(); }
 
@@ -66,10 +73,16 @@ Q_SIGNALS:
 private:
     /// The path of `orb`; nothing, and nothing is to be done, while another operation is going on or without `orb`.
     std::optional<QString> orbForOperation() const;
+    void beginOperation(const QString &machine, const QString &participle);
     QCoro::Task<> endOperation();
     void setMachines(const QList<Machine> &machines);
+    void tellLeftBehind();
 
     const MachineTimeLimits m_limits;
+    const DisposableMachines m_written;
+    /// Neither listed yet nor known to be gone.
+    QList<DisposableMachines::LeftBehind> m_leftBehind;
+    QString m_operation;
     QList<Machine> m_machines;
     ToolLog m_log;
     Q_OBJECT_BINDABLE_PROPERTY(MachineStore, std::optional<QString>, m_error, &MachineStore::errorChanged)

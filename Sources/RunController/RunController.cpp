@@ -6,6 +6,8 @@
 #include "RunController/ScriptComposition.h"
 #include "Text/Duration.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -23,10 +25,11 @@ double secondsSince(const QDateTime &moment)
 
 } // namespace
 
-RunController::RunController(RunTimeLimits limits, OutputPace pace, QObject *parent)
+RunController::RunController(RunTimeLimits limits, OutputPace pace, DisposableMachines written, QObject *parent)
     : QObject(parent),
       m_limits(limits),
-      m_pace(pace)
+      m_pace(pace),
+      m_written(std::move(written))
 {
 }
 
@@ -51,13 +54,56 @@ void RunController::clearTranscript()
 
 void RunController::start(const RunJob &job, HistoryStore *history)
 {
-    if (!m_isRunning)
-        execute(job, history);
+    if (m_isRunning)
+        return;
+    const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
+    if (!orb) {
+        append(u"orb was not found. Install OrbStack first.\n"_s, OutputKind::fail);
+        return;
+    }
+    const QString disposable = job.disposable ? disposableName() : QString();
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    m_record = Record{.history = history,
+                      .entry = {.id = QUuid::createUuid(),
+                                .command = job.label,
+                                .machine = job.disposable ? u"disposable ("_s + job.distro + u')' : job.machine,
+                                .exitCode = std::nullopt,
+                                .note = QString(),
+                                .date = now,
+                                .duration = 0},
+                      .orb = *orb,
+                      .disposableMachine = disposable};
+    m_undeletedMachine.clear();
+    m_isRunning = true;
+    m_currentTool.beginOperation();
+    m_startedAt = now;
+    execute(job);
 }
 
 void RunController::stop()
 {
     m_currentTool.requestStop();
+}
+
+void RunController::abandon()
+{
+    if (!m_record)
+        return;
+    m_currentTool.requestStop();
+    if (!m_record->disposableMachine.isEmpty())
+        OrbCLI::beginDeletion(m_record->orb, m_record->disposableMachine);
+    addToHistory({std::nullopt, u"stopped"_s});
+}
+
+void RunController::addToHistory(const Outcome &outcome)
+{
+    std::optional<Record> record = std::exchange(m_record, std::nullopt);
+    if (!record || !record->history)
+        return;
+    record->entry.exitCode = outcome.exitCode;
+    record->entry.note = outcome.note;
+    record->entry.duration = secondsSince(record->entry.date);
+    record->history->add(record->entry);
 }
 
 OutputHandler RunController::outputHandler(OutputKind kindOfOutput)
@@ -81,23 +127,16 @@ void RunController::appendOutput(QUtf8StringView text, OutputKind kind)
     tool->pauseOutput(m_pace.pauseAfter(before, now));
 }
 
-QCoro::Task<> RunController::execute(RunJob job, QPointer<HistoryStore> history)
+QCoro::Task<> RunController::execute(RunJob job)
 {
-    const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
-    if (!orb) {
-        append(u"orb was not found. Install OrbStack first.\n"_s, OutputKind::fail);
-        co_return;
-    }
-    m_isRunning = true;
-    m_currentTool.beginOperation();
-    m_startedAt = QDateTime::currentDateTimeUtc();
-
     // Nothing of this object is touched after a wait that it did not survive.
     const QPointer<RunController> self(this);
-    const QString machine = job.disposable ? disposableName() : job.machine;
+    const QString orb = m_record->orb;
+    const QString machine = job.disposable ? m_record->disposableMachine : job.machine;
+    const FileDescriptor written = job.disposable ? m_written.writeDown(machine) : FileDescriptor();
     std::optional<Outcome> outcome;
     if (job.disposable) {
-        const bool created = co_await createMachine(*orb, machine, job.distro);
+        const bool created = co_await createMachine(orb, machine, job.distro);
         if (!self)
             co_return;
         if (!created) {
@@ -111,25 +150,17 @@ QCoro::Task<> RunController::execute(RunJob job, QPointer<HistoryStore> history)
     }
 
     if (!outcome) {
-        outcome = co_await runScript(*orb, machine, job);
+        outcome = co_await runScript(orb, machine, job);
         if (!self)
             co_return;
     }
     if (job.disposable) {
-        co_await deleteMachine(*orb, machine);
+        co_await deleteMachine(orb, machine);
         if (!self)
             co_return;
     }
 
-    if (history) {
-        history->add({.id = QUuid::createUuid(),
-                      .command = job.label,
-                      .machine = job.disposable ? u"disposable ("_s + job.distro + u')' : machine,
-                      .exitCode = outcome->exitCode,
-                      .note = outcome->note,
-                      .date = *m_startedAt.value(),
-                      .duration = secondsSince(*m_startedAt.value())});
-    }
+    addToHistory(*outcome);
     m_phase = QString();
     m_startedAt = std::nullopt;
     m_isRunning = false;
@@ -186,8 +217,10 @@ QCoro::Task<> RunController::deleteMachine(QString orb, QString name)
     if (!self)
         co_return;
     if (result.succeeded()) {
+        m_written.strikeOut(name);
         append(u"Deleted "_s + name + u".\n"_s, OutputKind::info);
     } else {
+        m_undeletedMachine = name;
         append(u"Could not delete "_s + name + u": "_s + result.combined() + u". Remove it in the Machines tab.\n"_s,
                OutputKind::warn);
     }

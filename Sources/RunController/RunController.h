@@ -7,12 +7,14 @@
 //   idle ──start──▶ creating (disposable) ──▶ running in ──▶ deleting (disposable) ──▶ history written ──▶ idle
 //
 // A stop only sets a flag and asks the tool that runs now to terminate; the run reports it when the step returns.
-// Deletion and history are never skipped once a run began. When the transcript has grown very large, the tool is made
-// to wait (OutputPace.h). Destroyed during a run, the controller leaves the tool to itself: the run ends there, with no
-// deletion and no history entry.
+// Deletion and history are never skipped once a run began, not even when the application cannot wait for them
+// (abandon). A disposable machine's name is written down from before it is made until it is deleted
+// (DisposableMachines.h). When the transcript has grown very large, the tool is made to wait (OutputPace.h). Destroyed
+// during a run, the controller leaves the tool to itself: the run ends there.
 
 #include "HistoryStore/HistoryStore.h"
 #include "OrbCLI/CurrentTool.h"
+#include "OrbCLI/DisposableMachines.h"
 #include "RunController/OutputPace.h"
 #include "Transcript/Transcript.h"
 
@@ -55,7 +57,9 @@ class RunController : public QObject
     Q_OBJECT
 
 public:
-    explicit RunController(RunTimeLimits limits = {}, OutputPace pace = {}, QObject *parent = nullptr);
+    /// `written` is where the names of disposable machines are written down.
+    explicit RunController(RunTimeLimits limits = {}, OutputPace pace = {}, DisposableMachines written = {},
+                           QObject *parent = nullptr);
 
     /// The text being edited on the Run screen.
     QString script() const { return m_script; }
@@ -70,6 +74,8 @@ public:
     std::optional<QDateTime> startedAt() const { return m_startedAt; }
     /// One line on the current step; empty while idle.
     QString phase() const { return m_phase; }
+    /// The disposable machine that the last run could not delete; empty when there is none.
+    QString undeletedMachine() const { return m_undeletedMachine; }
 
     /// The texts of all segments, joined as they are.
     QString plainText() const { return m_transcript.plainText(); }
@@ -93,6 +99,10 @@ public:
     /// Stops the current run: its tool is asked to terminate, a disposable machine is still deleted.
     void stop();
 
+    /// Stops the current run for an application that ends now: the tool is asked to terminate, the deletion of a
+    /// disposable machine is begun, and the history gets the run as stopped. Waits for nothing.
+    void abandon();
+
     /// The shell script that installs validated package names; nothing for a distribution other than Ubuntu, Debian and
     /// Alpine.
     static std::optional<QString> packageScript(const QString &distro, const QStringList &packages);
@@ -112,17 +122,31 @@ private:
         std::optional<std::int64_t> exitCode;
         QString note;
     };
+    /// What outlives the steps of the current run.
+    struct Record {
+        QPointer<HistoryStore> history;
+        /// But for the outcome and the duration.
+        HistoryEntry entry;
+        QString orb;
+        /// Empty when the machine is the user's own.
+        QString disposableMachine;
+    };
 
-    QCoro::Task<> execute(RunJob job, QPointer<HistoryStore> history);
+    QCoro::Task<> execute(RunJob job);
     QCoro::Task<bool> createMachine(QString orb, QString name, QString distro);
     QCoro::Task<Outcome> runScript(QString orb, QString machine, RunJob job);
     QCoro::Task<> deleteMachine(QString orb, QString name);
+    void addToHistory(const Outcome &outcome);
     /// Appends what a tool prints, its standard output as this kind.
     OutputHandler outputHandler(OutputKind kindOfOutput);
     void appendOutput(QUtf8StringView text, OutputKind kind);
 
     const RunTimeLimits m_limits;
     const OutputPace m_pace;
+    const DisposableMachines m_written;
+    /// None when idle, and once the run is in the history.
+    std::optional<Record> m_record;
+    QString m_undeletedMachine;
     Transcript m_transcript;
     CurrentTool m_currentTool;
     Q_OBJECT_BINDABLE_PROPERTY(RunController, QString, m_script, &RunController::scriptChanged)
