@@ -74,8 +74,15 @@ std::optional<QString> ContainerStore::dockerForOperation() const
     return m_busy ? std::nullopt : findDocker();
 }
 
+void ContainerStore::beginOperation(const QString &sentence)
+{
+    m_operation = sentence;
+    m_busy = true;
+}
+
 QCoro::Task<> ContainerStore::endOperation()
 {
+    m_operation.clear();
     m_busy = false;
     co_await refresh();
 }
@@ -85,7 +92,8 @@ QCoro::Task<> ContainerStore::action(QString verb, ContainerInfo container)
     const std::optional<QString> docker = dockerForOperation();
     if (!docker)
         co_return;
-    m_busy = true;
+    const QString participle = verb == u"rm"_s ? u"removed"_s : verb == u"stop"_s ? u"stopped"_s : u"started"_s;
+    beginOperation(u"The container "_s + container.name + u" is being "_s + participle + u'.');
     QStringList arguments{verb};
     if (verb == u"rm"_s)
         arguments << u"-f"_s; // a running container is removed too
@@ -135,7 +143,7 @@ QCoro::Task<> ContainerStore::runContainer(QString image, QString name, QString 
     for (const QString &mapping : mappings)
         arguments << u"-p"_s << mapping;
     arguments << trimmedImage;
-    m_busy = true;
+    beginOperation(u"A container of "_s + trimmedImage + u" is being started."_s);
     m_message = u"Running "_s + trimmedImage + u"… (pulling the image can take a while)"_s;
     const QPointer<ContainerStore> self(this);
     const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.run, OrbCLI::endOfLog);

@@ -37,6 +37,8 @@ public:
     /// Why the last refresh failed; none after a good one.
     std::optional<QString> error() const { return m_error; }
     bool busy() const { return m_busy; }
+    /// What goes on while busy, as a sentence: "The container web is being started."
+    QString operation() const { return m_operation; }
     /// The outcome of the last action or start.
     QString message() const { return m_message; }
     QString logTitle() const { return m_logTitle; }
@@ -73,11 +75,13 @@ private:
     /// The path of `docker`; nothing, and nothing is to be done, while another operation is going on or without
     /// `docker`.
     std::optional<QString> dockerForOperation() const;
+    void beginOperation(const QString &sentence);
     QCoro::Task<> endOperation();
     void setContainers(const QList<ContainerInfo> &containers);
 
     const ContainerTimeLimits m_limits;
     QList<ContainerInfo> m_containers;
+    QString m_operation;
     Q_OBJECT_BINDABLE_PROPERTY(ContainerStore, std::optional<QString>, m_error, &ContainerStore::errorChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(ContainerStore, bool, m_busy, false, &ContainerStore::busyChanged)
     Q_OBJECT_BINDABLE_PROPERTY(ContainerStore, QString, m_message, &ContainerStore::messageChanged)

@@ -4,7 +4,6 @@
 #include "OrbCLI/ToolLocation.h"
 #include "Process/AwakeClock.h"
 
-#include <QOperatingSystemVersion>
 #include <QTimer>
 #include <qcorotimer.h>
 
@@ -73,7 +72,7 @@ QCoro::Task<> SetupController::install()
     const std::optional<QString> brew = OrbCLI::findBrew();
     if (!brew)
         co_return;
-    beginOperation();
+    beginOperation(u"installed"_s);
     m_log.replace(QString());
     m_note = u"Installing OrbStack with Homebrew…"_s;
     m_log.append("$ brew install --cask orbstack\n");
@@ -90,7 +89,7 @@ QCoro::Task<> SetupController::install()
         co_await bringUp();
         co_return;
     }
-    m_busy = false;
+    endOperation();
     if (m_currentTool.isStopRequested())
         m_note = u"Install cancelled."_s;
     else if (result.timedOut)
@@ -104,17 +103,16 @@ void SetupController::start()
 {
     if (m_busy)
         return;
-    beginOperation();
+    beginOperation(u"started"_s);
     bringUp();
 }
 
 QCoro::Task<> SetupController::bringUp()
 {
-    m_busy = true;
     m_state = OrbState::starting;
     const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
     if (!orb) {
-        m_busy = false;
+        endOperation();
         m_state = OrbState::notInstalled;
         m_note = u"orb was not found after installing. OrbStack may need to be opened once from Applications to "
                  u"finish its setup."_s;
@@ -136,7 +134,7 @@ QCoro::Task<> SetupController::bringUp()
         if (!self)
             co_return;
         if (running) {
-            m_busy = false;
+            endOperation();
             m_state = OrbState::running;
             m_note = QString();
             co_return;
@@ -145,7 +143,7 @@ QCoro::Task<> SetupController::bringUp()
         if (!self)
             co_return;
     }
-    m_busy = false;
+    endOperation();
     m_state = OrbState::stopped;
     m_note = m_currentTool.isStopRequested()
                  ? u"Cancelled."_s
@@ -160,23 +158,30 @@ QCoro::Task<> SetupController::stop()
     const std::optional<QString> orb = OrbCLI::find(u"orb"_s);
     if (!orb)
         co_return;
-    beginOperation();
+    beginOperation(u"stopped"_s);
     m_note = u"Stopping OrbStack…"_s;
     const QPointer<SetupController> self(this);
     const QStringList arguments{u"stop"_s};
     const CLIResult result = co_await OrbCLI::run(*orb, arguments, std::nullopt, m_limits.stop, OrbCLI::endOfLog);
     if (!self)
         co_return;
-    m_busy = false;
+    endOperation();
     m_note = result.succeeded() ? QString() : u"Stop failed: "_s + result.combined();
     co_await refresh();
 }
 
-void SetupController::beginOperation()
+void SetupController::beginOperation(const QString &participle)
 {
     ++m_operations;
+    m_operation = u"OrbStack is being "_s + participle + u'.';
     m_currentTool.beginOperation();
     m_busy = true;
+}
+
+void SetupController::endOperation()
+{
+    m_operation.clear();
+    m_busy = false;
 }
 
 void SetupController::cancel()
@@ -192,8 +197,13 @@ void SetupController::openOrbStackSite()
 bool SetupController::isMacSupported()
 {
 #ifdef Q_OS_MACOS
-    return QOperatingSystemVersion::current() >= QOperatingSystemVersion(QOperatingSystemVersion::MacOS, 14, 0);
+    return isSupported(QOperatingSystemVersion::current());
 #else
     return true;
 #endif
+}
+
+bool SetupController::isSupported(const QOperatingSystemVersion &version)
+{
+    return version >= QOperatingSystemVersion(QOperatingSystemVersion::MacOS, 14, 0);
 }

@@ -17,6 +17,7 @@
 #include "OrbCLI/ToolLog.h"
 
 #include <QObject>
+#include <QOperatingSystemVersion>
 #include <QPointer>
 #include <QProperty>
 #include <qcorotask.h>
@@ -45,6 +46,8 @@ public:
     bool hasDocker() const { return m_hasDocker; }
     bool hasBrew() const { return m_hasBrew; }
     bool busy() const { return m_busy; }
+    /// What goes on while busy, as a sentence: "OrbStack is being installed."
+    QString operation() const { return m_operation; }
     /// At most 200,000 characters; past that its last 150,000.
     QString log() const { return m_log.text(); }
     QString note() const { return m_note; }
@@ -72,6 +75,8 @@ public:
 
     /// True on every system but a macOS before 14.0.
     static bool isMacSupported();
+    /// Whether this version of macOS is 14.0 or later.
+    static bool isSupported(const QOperatingSystemVersion &version);
 
 Q_SIGNALS:
     void stateChanged();
@@ -84,13 +89,15 @@ Q_SIGNALS:
     void siteRequested(const QString &address);
 
 private:
-    void beginOperation();
+    void beginOperation(const QString &participle);
+    void endOperation();
     QCoro::Task<> bringUp();
 
     const SetupTimeLimits m_limits;
     const bool m_macSupported;
     CurrentTool m_currentTool;
     ToolLog m_log;
+    QString m_operation;
     /// How many operations began, so that a refresh sees whether one did while it waited.
     int m_operations = 0;
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(SetupController, OrbState, m_state, OrbState::checking,

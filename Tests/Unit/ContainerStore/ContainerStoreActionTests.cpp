@@ -112,3 +112,20 @@ TEST_F(ContainerStoreAction, PassesANameOfAnyKindAsOneArgument)
     ASSERT_TRUE(untilListed());
     EXPECT_EQ(tools.calls(u"docker"_s)[0], u"<start><a b'$(x)\";ü>"_s);
 }
+
+TEST_F(ContainerStoreAction, NamesWhatGoesOn)
+{
+    tools.addTool(u"docker"_s, dockerWith(QString()));
+    EXPECT_EQ(store.operation(), QString());
+    const QList<std::pair<QString, QString>> verbs{
+        {u"start"_s, u"started"_s}, {u"stop"_s, u"stopped"_s}, {u"rm"_s, u"removed"_s}};
+    for (const auto &[verb, participle] : verbs) {
+        store.action(verb, web);
+        EXPECT_EQ(store.operation(), u"The container web is being "_s + participle + u'.');
+        ASSERT_TRUE(untilIdle());
+        EXPECT_EQ(store.operation(), QString());
+    }
+    store.runContainer(u" nginx "_s, QString(), QString());
+    EXPECT_EQ(store.operation(), u"A container of nginx is being started."_s);
+    ASSERT_TRUE(untilIdle());
+}

@@ -22,6 +22,50 @@ TEST_F(SetupControllerTest, SupportsEverySystemButAnOlderMac)
     EXPECT_FALSE(SetupController(limits, false).macSupported());
 }
 
+TEST_F(SetupControllerTest, SupportsMacOSFrom14Dot0On)
+{
+    const auto isSupported = [](int major, int minor, int micro) {
+        return SetupController::isSupported(
+            QOperatingSystemVersion(QOperatingSystemVersion::MacOS, major, minor, micro));
+    };
+    EXPECT_FALSE(isSupported(11, 0, 0));
+    EXPECT_FALSE(isSupported(13, 7, 8));
+    EXPECT_TRUE(isSupported(14, 0, 0));
+    EXPECT_TRUE(isSupported(14, 0, 1));
+    EXPECT_TRUE(isSupported(14, 1, 0));
+    EXPECT_TRUE(isSupported(15, 0, 0));
+    EXPECT_TRUE(isSupported(26, 0, 0));
+}
+
+TEST_F(SetupControllerTest, GivesEachToolItsTime)
+{
+    const SetupTimeLimits seconds;
+    EXPECT_EQ(seconds.status, 10);
+    EXPECT_EQ(seconds.start, 90);
+    EXPECT_EQ(seconds.stop, 60);
+    EXPECT_EQ(seconds.install, 1800);
+    EXPECT_EQ(seconds.pollInterval, 2);
+}
+
+TEST_F(SetupControllerTest, NamesTheOperationWhileItGoesOn)
+{
+    tools.addTool(u"brew"_s, {});
+    addOrb(running, tools.waitForFile(u"go"_s));
+    EXPECT_EQ(setup.operation(), QString());
+    setup.install();
+    EXPECT_EQ(setup.operation(), u"OrbStack is being installed."_s);
+    tools.addFile(u"go"_s);
+    EXPECT_TRUE(waitUntilFree());
+    EXPECT_EQ(setup.operation(), QString());
+    setup.start();
+    EXPECT_EQ(setup.operation(), u"OrbStack is being started."_s);
+    EXPECT_TRUE(waitUntilFree());
+    setup.stop();
+    EXPECT_EQ(setup.operation(), u"OrbStack is being stopped."_s);
+    EXPECT_TRUE(waitUntilFree());
+    EXPECT_EQ(setup.operation(), QString());
+}
+
 TEST_F(SetupControllerTest, FindsTheTools)
 {
     EXPECT_TRUE(waitFor(setup.refresh()));
