@@ -2,9 +2,10 @@
 
 const std::vector<std::string> &OrbCLI::toolDirectories()
 {
-    static const std::vector<std::string> directories{"/opt/homebrew/bin", "/usr/local/bin",
-                                                      "/Applications/OrbStack.app/Contents/MacOS/xbin"};
-    return directories;
+    // Never destroyed: a tool may be started while the program is ending.
+    static const auto *const directories = new std::vector<std::string>{
+        "/opt/homebrew/bin", "/usr/local/bin", "/Applications/OrbStack.app/Contents/MacOS/xbin"};
+    return *directories;
 }
 
 const std::vector<std::string> &OrbCLI::brewCandidates()

@@ -3,20 +3,31 @@
 #include "TidewellApp/MainWindow.h"
 
 #include <QDesktopServices>
+#include <QSignalBlocker>
 #include <QUrl>
 
 #include <csignal>
 
-IgnoredBrokenPipe::IgnoredBrokenPipe()
+IgnoredSignals::IgnoredSignals()
 {
     // Writing a script to a child that has already exited must be a write error, not this program's end.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 TidewellApp::TidewellApp(QuitGuard::Closing closing)
-    : m_window(std::make_unique<MainWindow>(controllers())),
-      m_quitGuard(std::make_unique<QuitGuard>(m_run, *m_window, closing))
+    : m_machines({}, DisposableMachines(HistoryStore::applicationSupportFolder())),
+      m_run({}, {}, DisposableMachines(HistoryStore::applicationSupportFolder())),
+      m_window(std::make_unique<MainWindow>(controllers())),
+      m_quitGuard(std::make_unique<QuitGuard>(controllers(), *m_window, closing)),
+      m_abruptExit([this] {
+          // No widget hears of it: what they draw with may be gone already.
+          const QSignalBlocker blockers[]{QSignalBlocker(m_run), QSignalBlocker(m_history)};
+          m_run.abandon();
+      })
 {
+    QObject::connect(&m_terminationSignals, &TerminationSignals::received, m_quitGuard.get(),
+                     &QuitGuard::quitWithoutQuestion);
     QObject::connect(&m_setup, &SetupController::siteRequested, m_window.get(),
                      [](const QString &address) { QDesktopServices::openUrl(QUrl(address)); });
 }

@@ -9,17 +9,20 @@
 #include "RunController/RunController.h"
 #include "SetupController/SetupController.h"
 #include "TidewellApp/FieldFocus.h"
-#include "TidewellApp/QuitGuard.h"
+#include "TidewellApp/Quitting/AbruptExit.h"
+#include "TidewellApp/Quitting/QuitGuard.h"
+#include "TidewellApp/Quitting/TerminationSignals.h"
 
 #include <memory>
 
 class MainWindow;
 
-/// Ignores the broken-pipe signal for the whole process before anything else.
-class IgnoredBrokenPipe
+/// Ignores two signals for the whole process before anything else: that of a broken pipe and that of a file which has
+/// grown too large. Both come as errors of the writing besides.
+class IgnoredSignals
 {
 public:
-    IgnoredBrokenPipe();
+    IgnoredSignals();
 };
 
 class TidewellApp
@@ -36,7 +39,7 @@ public:
     MainWindow &window() { return *m_window; }
 
 private:
-    const IgnoredBrokenPipe m_ignoredBrokenPipe;
+    const IgnoredSignals m_ignoredSignals;
     FieldFocus m_fieldFocus;
     SetupController m_setup;
     MachineStore m_machines;
@@ -45,4 +48,6 @@ private:
     ContainerStore m_containers;
     std::unique_ptr<MainWindow> m_window;
     std::unique_ptr<QuitGuard> m_quitGuard;
+    TerminationSignals m_terminationSignals;
+    const AbruptExit m_abruptExit;
 };

@@ -128,6 +128,12 @@ class Desktop:
         self._tool("wmctrl", "-i", "-r", window, "-e", "10,1,20,-1,-1")
         self._tool("xdotool", "windowsize", "--sync", window, str(width), str(height))
 
+    def end_display(self):
+        """Ends the display under every program that is on it."""
+        display = self._processes[0]
+        display.kill()
+        display.wait()
+
     def take_picture(self, path, pid=None):
         """A picture of the whole desktop, or of the process's window without its frame."""
         window = "root" if pid is None else self._window(pid)

@@ -1,72 +1,8 @@
-#include "Screens/TestWindow.h"
-#include "TidewellApp/MainWindow.h"
-#include "TidewellApp/QuitGuard.h"
-#include "TidewellApp/TidewellApp.h"
+#include "QuitGuardTest.h"
 
-#include <QApplication>
 #include <QFile>
-#include <QMainWindow>
-#include <QMessageBox>
-#include <QPlainTextEdit>
-#include <QTimer>
-
-#include <csignal>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-
-namespace
-{
-
-/// A window with a run controller over the fake tools, and the guard under test.
-class Guarded
-{
-public:
-    explicit Guarded(QuitGuard::Closing closing) : guard(tools.run, window, closing) { window.show(); }
-
-    void startRun(const QString &script)
-    {
-        RunJob job;
-        job.script = script;
-        job.distro = u"debian"_s;
-        job.disposable = true;
-        tools.run.start(job, &tools.history);
-        EXPECT_TRUE(waitUntil([this] { return tools.run.phase().startsWith(u"Running in "_s); }));
-    }
-
-    QMessageBox *question() const
-    {
-        for (QMessageBox *box : window.findChildren<QMessageBox *>()) {
-            if (box->isVisible())
-                return box;
-        }
-        return nullptr;
-    }
-
-    TestWindow tools;
-    QMainWindow window;
-    QuitGuard guard;
-};
-
-/// What the system sends when the user quits; true when nothing objects.
-bool quit()
-{
-    QEvent event(QEvent::Quit);
-    QCoreApplication::sendEvent(qApp, &event);
-    return event.isAccepted();
-}
-
-/// Runs the application until it ends by itself; false when it had to be ended.
-bool endsByItself()
-{
-    QTimer watchdog;
-    watchdog.setSingleShot(true);
-    QObject::connect(&watchdog, &QTimer::timeout, [] { QCoreApplication::exit(1); });
-    watchdog.start(20s);
-    return QApplication::exec() == 0;
-}
-
-} // namespace
 
 TEST(QuitGuard, LetsAnIdleApplicationQuit)
 {
@@ -197,42 +133,6 @@ TEST(QuitGuard, ShowsAHiddenWindowToAskInIt)
     ASSERT_NE(guarded.question(), nullptr);
     ByName::press(*guarded.question(), u"Stop it and quit"_s);
     EXPECT_TRUE(endsByItself());
-}
-
-TEST(TidewellApp, IgnoresTheBrokenPipeSignal)
-{
-    std::signal(SIGPIPE, SIG_DFL);
-    const TestWindow tools;
-    const TidewellApp application;
-    EXPECT_EQ(std::signal(SIGPIPE, SIG_IGN), SIG_IGN);
-}
-
-TEST(TidewellApp, SharesItsFiveControllersWithTheWindow)
-{
-    const TestWindow tools;
-    TidewellApp application;
-    application.window().show();
-    EXPECT_EQ(application.window().windowTitle(), u"Tidewell"_s);
-    application.controllers().run.setScript(u"shared"_s);
-    EXPECT_EQ(ByName::find<QPlainTextEdit>(application.window(), u"Script"_s)->toPlainText(), u"shared"_s);
-    EXPECT_TRUE(waitUntil([&] { return application.controllers().setup.state() == OrbState::stopped; }));
-}
-
-TEST(TidewellApp, MayEndWhileAToolIsStillAnswering)
-{
-    TestWindow tools;
-    tools.orbStack.tools().addTool(u"orb"_s, u"while [ ! -e '%1' ]; do sleep 0.02; done; echo Running"_s.arg(
-                                                 tools.orbStack.tools().path(u"go"_s)));
-    {
-        TidewellApp application;
-        application.window().show();
-        EXPECT_TRUE(waitUntil([&] { return tools.orbStack.calls(u"<status>"_s) == 1; }));
-    }
-    // The answer finds nobody; a second one, asked for by somebody else, shows that it has come by.
-    EXPECT_TRUE(QFile(tools.orbStack.tools().path(u"go"_s)).open(QIODevice::WriteOnly));
-    EXPECT_TRUE(waitFor(tools.setup.refresh()));
-    EXPECT_TRUE(waitFor(tools.setup.refresh()));
-    EXPECT_EQ(tools.orbStack.calls(u"<list><-f><json>"_s), 0);
 }
 
 namespace

@@ -1,0 +1,186 @@
+#include "TidewellApp/Quitting/Quitting.h"
+
+#include "ContainerStore/ContainerStore.h"
+#include "Look/Alert.h"
+#include "MachineStore/MachineStore.h"
+#include "RunController/RunController.h"
+#include "SetupController/SetupController.h"
+#include "Text/VisibleText.h"
+
+#include <QCoreApplication>
+#include <QMessageBox>
+#include <QWidget>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr qsizetype longestSentence = 200;
+
+} // namespace
+
+Quitting::Quitting(const Controllers &controllers, QWidget &window, Times times)
+    : m_controllers(controllers),
+      m_window(window),
+      m_times(times)
+{
+    m_patience.setSingleShot(true);
+    connect(&m_patience, &QTimer::timeout, this, &Quitting::losePatience);
+    // Queued: what has ended has still to return from its last step.
+    connect(&controllers.run, &RunController::isRunningChanged, this, &Quitting::goOn, Qt::QueuedConnection);
+    connect(&controllers.setup, &SetupController::busyChanged, this, &Quitting::goOn, Qt::QueuedConnection);
+    connect(&controllers.machines, &MachineStore::busyChanged, this, &Quitting::goOn, Qt::QueuedConnection);
+    connect(&controllers.containers, &ContainerStore::busyChanged, this, &Quitting::goOn, Qt::QueuedConnection);
+}
+
+QString Quitting::operation() const
+{
+    if (m_controllers.setup.busy())
+        return m_controllers.setup.operation();
+    if (m_controllers.machines.busy())
+        return m_controllers.machines.operation();
+    return m_controllers.containers.busy() ? m_controllers.containers.operation() : QString();
+}
+
+bool Quitting::isSomethingGoingOn() const
+{
+    return m_controllers.run.isRunning() || !operation().isEmpty();
+}
+
+bool Quitting::mayQuit()
+{
+    if (!isSomethingGoingOn())
+        return true;
+    if (m_asksNoMore || (m_question && m_question->isVisible()))
+        return false;
+    if (m_controllers.run.isRunning())
+        askAboutRun();
+    else
+        askAboutOperation();
+    return false;
+}
+
+void Quitting::askAboutRun()
+{
+    // Who has said "Stop it and quit" only waits for the run to end.
+    if (m_awaited == Awaited::run)
+        return;
+    showWindow();
+    m_question = Alert::open(
+        &m_window, u"A run is in progress."_s, {}, u"Stop it and quit"_s, u"Keep running"_s, [this] { stopAndQuit(); },
+        Alert::Kind::destructive);
+}
+
+void Quitting::askAboutOperation()
+{
+    const QString title = VisibleText::oneLine(VisibleText::elidedMiddle(operation(), longestSentence));
+    if (m_awaited == Awaited::operations)
+        return askWhetherToQuitAnyway(title, u"Tidewell quits when it is done. Quitting now cuts it off."_s);
+    showWindow();
+    m_question = Alert::open(&m_window, title, u"Quitting now cuts it off."_s, u"Quit when it is done"_s,
+                             u"Keep open"_s, [this] { quitWhenDone(); });
+}
+
+void Quitting::askWhetherToQuitAnyway(const QString &title, const QString &message)
+{
+    showWindow();
+    m_question = Alert::open(
+        &m_window, title, message, u"Quit anyway"_s, u"Keep open"_s, [this] { quitAnyway(); },
+        Alert::Kind::destructive);
+    connect(m_question, &QMessageBox::finished, this, [this] { m_awaited = Awaited::nothing; });
+}
+
+void Quitting::stopAndQuit()
+{
+    m_awaited = Awaited::run;
+    m_patience.start(m_times.untilAskedAgain);
+    m_controllers.run.stop();
+    goOn();
+}
+
+void Quitting::quitWhenDone()
+{
+    m_awaited = Awaited::operations;
+    goOn();
+}
+
+void Quitting::quitWithoutQuestion()
+{
+    if (std::exchange(m_asksNoMore, true))
+        return;
+    m_patience.start(m_times.untilTheEnd);
+    m_controllers.run.stop();
+    m_controllers.setup.cancel();
+    goOn();
+}
+
+void Quitting::losePatience()
+{
+    if (m_asksNoMore)
+        quitAnyway();
+    else if (m_awaited != Awaited::nothing)
+        askWhetherToQuitAnyway(
+            u"The run has not ended yet."_s,
+            u"Quitting now leaves it to itself. A disposable machine that stays behind is named in the Machines tab "
+            "after the next start."_s);
+}
+
+void Quitting::goOn()
+{
+    if (m_asksNoMore && !isSomethingGoingOn())
+        QCoreApplication::exit();
+    else if (m_awaited == Awaited::run && !m_controllers.run.isRunning())
+        checkMachine();
+    else if (m_awaited == Awaited::operations && operation().isEmpty())
+        quit();
+}
+
+/// A machine that could not be deleted is told, unless it was never made.
+QCoro::Task<> Quitting::checkMachine()
+{
+    const QString name = m_controllers.run.undeletedMachine();
+    if (name.isEmpty())
+        co_return quit();
+    m_awaited = Awaited::machineGone;
+    const QPointer<Quitting> self(this);
+    const QPointer<MachineStore> machines(&m_controllers.machines);
+    co_await machines->refresh();
+    if (!self || !machines || m_awaited != Awaited::machineGone)
+        co_return;
+    const QList<Machine> &listed = machines->machines();
+    const auto hasThisName = [&name](const Machine &machine) { return machine.name == name; };
+    if (!machines->error() && std::none_of(listed.cbegin(), listed.cend(), hasThisName))
+        co_return quit();
+    m_patience.stop();
+    if (m_question)
+        m_question->close();
+    askWhetherToQuitAnyway(name + u" could not be deleted."_s,
+                           u"The output tells why. The machine stays until it is deleted in the Machines tab."_s);
+}
+
+void Quitting::quit()
+{
+    m_patience.stop();
+    m_awaited = Awaited::nothing;
+    if (m_question)
+        m_question->close();
+    // Anew, for something else may have begun.
+    QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+void Quitting::quitAnyway()
+{
+    m_controllers.run.abandon();
+    QCoreApplication::exit();
+}
+
+void Quitting::showWindow()
+{
+    m_window.show();
+    m_window.raise();
+    m_window.activateWindow();
+}

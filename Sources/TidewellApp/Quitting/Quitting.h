@@ -1,0 +1,81 @@
+#pragma once
+
+// What stands between the wish to quit and the end of the application, so that nothing is lost by a slip, nothing is
+// cut off without the user's word, and no disposable machine is left behind unsaid.
+//
+//   nothing goes on:          ends
+//   a run is going:           asks, once ──"Keep running"──▶ goes on
+//      └──"Stop it and quit"──▶ RunController::stop ──ended, its machine gone──▶ ends
+//            ├──its machine could not be deleted──▶ asks: "Quit anyway", "Keep open"
+//            └──not ended in five seconds─────────▶ asks: "Quit anyway", "Keep open"; ends when the run does
+//   an operation is going:    asks ──"Keep open"──▶ goes on
+//      └──"Quit when it is done"──done──▶ ends
+//            └──the wish again──▶ asks: "Quit anyway", "Keep open"
+//   without a question:       stops what can be stopped ──all over, or ten seconds──▶ ends
+
+#include "ContentView/Controllers.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <qcorotask.h>
+
+#include <chrono>
+
+class QMessageBox;
+class QWidget;
+
+class Quitting : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Times {
+        /// From "Stop it and quit" until it is asked whether to go on waiting.
+        std::chrono::milliseconds untilAskedAgain = std::chrono::seconds(5);
+        /// The longest that quitting without a question takes.
+        std::chrono::milliseconds untilTheEnd = std::chrono::seconds(10);
+    };
+
+    /// Asks over `window`. All must outlive it.
+    Quitting(const Controllers &controllers, QWidget &window, Times times);
+
+    /// Whether the application may end now. If not, the user is asked, unless that is so already, and the application
+    /// quits by itself when the answer allows it.
+    bool mayQuit();
+
+    /// Whether something goes on that would be lost.
+    bool isSomethingGoingOn() const;
+
+    /// Ends the application soon, whatever goes on. What has not ended by then is abandoned.
+    void quitWithoutQuestion();
+
+    void showWindow();
+
+private:
+    enum class Awaited { nothing, run, machineGone, operations };
+
+    /// What goes on beside a run, as a sentence; empty when nothing does.
+    QString operation() const;
+    void askAboutRun();
+    void askAboutOperation();
+    void askWhetherToQuitAnyway(const QString &title, const QString &message);
+    void stopAndQuit();
+    void quitWhenDone();
+    /// The time for waiting is over.
+    void losePatience();
+    /// What goes on has changed.
+    void goOn();
+    QCoro::Task<> checkMachine();
+    void quit();
+    void quitAnyway();
+
+    const Controllers m_controllers;
+    QWidget &m_window;
+    const Times m_times;
+    Awaited m_awaited = Awaited::nothing;
+    bool m_asksNoMore = false;
+    QTimer m_patience;
+    /// The last question; it goes after it was closed.
+    QPointer<QMessageBox> m_question;
+};

@@ -1,0 +1,141 @@
+// Quitting during an operation, and without a question.
+
+#include "QuittingTest.h"
+
+#include <QFile>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+TEST_F(QuittingTest, NamesTheOperationThatItWouldCutOffAndWaitsForItByDefault)
+{
+    tools().addTool(u"brew"_s, tools().waitForFile(u"go"_s) + u"exit 1"_s);
+    guarded.tools.setup.install();
+    EXPECT_FALSE(quit());
+    const QMessageBox *question = asked(u"OrbStack is being installed."_s);
+    ASSERT_NE(question, nullptr);
+    EXPECT_EQ(question->informativeText(), u"Quitting now cuts it off."_s);
+    EXPECT_EQ(question->defaultButton()->text(), u"Quit when it is done"_s);
+    EXPECT_TRUE(ByName::isOffered(*question, u"Keep open"_s));
+    EXPECT_FALSE(guarded.window.close());
+    EXPECT_EQ(guarded.window.findChildren<QMessageBox *>().size(), 1) << "asked once";
+    press(u"Quit when it is done"_s);
+    QTimer::singleShot(0, &guarded.window, [this] { tools().addFile(u"go"_s); });
+    EXPECT_TRUE(endsByItself());
+    EXPECT_FALSE(guarded.tools.setup.busy());
+    EXPECT_TRUE(guarded.tools.setup.note().startsWith(u"Install failed (exit 1)"_s)) << "brew was left in peace";
+}
+
+TEST_F(QuittingTest, AsksForEveryKindOfOperation)
+{
+    const QString waits = tools().waitForFile(u"go"_s);
+    tools().addTool(u"orb"_s, waits);
+    tools().addTool(u"docker"_s, waits);
+    TestWindow &window = guarded.tools;
+    const auto expectAsked = [&](const QString &title) {
+        EXPECT_FALSE(quit());
+        EXPECT_NE(asked(title), nullptr);
+        press(u"Keep open"_s);
+        tools().addFile(u"go"_s);
+        EXPECT_TRUE(
+            waitUntil([&] { return !window.setup.busy() && !window.machines.busy() && !window.containers.busy(); }));
+        QFile::remove(tools().path(u"go"_s));
+    };
+    window.machines.create(Distro::debian, u"box"_s);
+    expectAsked(u"The machine box is being created."_s);
+    window.machines.remove(u"b\u202eox"_s);
+    expectAsked(u"The machine b⟨U+202E⟩ox is being deleted."_s);
+    window.setup.stop();
+    expectAsked(u"OrbStack is being stopped."_s);
+    const ContainerInfo web{u"0a1b"_s, u"web"_s, u"nginx"_s, u"running"_s, u"Up"_s, QString()};
+    window.containers.action(u"rm"_s, web);
+    expectAsked(u"The container web is being removed."_s);
+    window.containers.runContainer(u"nginx"_s, QString(), QString());
+    expectAsked(u"A container of nginx is being started."_s);
+    tools().addTool(u"orb"_s, u"[ $1 = start ] && { %1 }; echo Running"_s.arg(waits));
+    window.setup.start();
+    expectAsked(u"OrbStack is being started."_s);
+    EXPECT_TRUE(quit());
+}
+
+TEST_F(QuittingTest, LeavesAnOperationWhenAskedTwice)
+{
+    tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s));
+    guarded.tools.machines.remove(u"box"_s);
+    EXPECT_FALSE(quit());
+    press(u"Quit when it is done"_s);
+    EXPECT_EQ(guarded.question(), nullptr);
+    EXPECT_FALSE(quit());
+    const QMessageBox *question = asked(u"The machine box is being deleted."_s);
+    ASSERT_NE(question, nullptr);
+    EXPECT_EQ(question->informativeText(), u"Tidewell quits when it is done. Quitting now cuts it off."_s);
+    EXPECT_EQ(question->defaultButton()->text(), u"Keep open"_s);
+    QTimer::singleShot(0, &guarded.window, [this] { press(u"Quit anyway"_s); });
+    EXPECT_TRUE(endsByItself());
+    EXPECT_TRUE(guarded.tools.machines.busy());
+    tools().addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([this] { return !guarded.tools.machines.busy(); }));
+}
+
+TEST_F(QuittingTest, AsksAboutTheOperationThatGoesOnAfterTheRun)
+{
+    guarded.startRun(u"exec sleep 60"_s);
+    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
+    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    bool wasAsked = false;
+    QTimer answering;
+    QObject::connect(&answering, &QTimer::timeout, &guarded.window, [&] {
+        const QMessageBox *question = guarded.question();
+        if (question == nullptr || question->text() != u"A container of nginx is being started."_s)
+            return;
+        wasAsked = true;
+        EXPECT_FALSE(run.isRunning());
+        press(u"Quit when it is done"_s);
+        tools().addFile(u"go"_s);
+    });
+    answering.start(10ms);
+    EXPECT_TRUE(endsByItself());
+    EXPECT_TRUE(wasAsked);
+}
+
+TEST_F(QuittingTest, StopsTheRunAndEndsWithoutAQuestionWhenToldTo)
+{
+    guarded.startRun(u"exec sleep 60"_s);
+    QTimer::singleShot(0, &guarded.guard, &QuitGuard::quitWithoutQuestion);
+    EXPECT_TRUE(endsByItself());
+    EXPECT_EQ(guarded.window.findChildren<QMessageBox *>().size(), 0);
+    EXPECT_FALSE(run.isRunning());
+    EXPECT_TRUE(run.plainText().contains(u"\nDeleted sbx-"_s));
+    EXPECT_EQ(history.entries().first().note, u"stopped"_s);
+}
+
+TEST_F(QuittingTest, EndsAtOnceWithoutAQuestionWhenNothingGoesOn)
+{
+    QTimer::singleShot(0, &guarded.guard, &QuitGuard::quitWithoutQuestion);
+    EXPECT_TRUE(endsByItself());
+}
+
+TEST_F(QuittingTest, CancelsAnInstallAndWaitsForItWithoutAQuestion)
+{
+    tools().addTool(u"brew"_s, TestTools::untilTerminated(5));
+    guarded.tools.setup.install();
+    EXPECT_TRUE(waitUntil([this] { return tools().calls(u"brew"_s).size() == 1; }));
+    QTimer::singleShot(0, &guarded.guard, &QuitGuard::quitWithoutQuestion);
+    EXPECT_TRUE(endsByItself());
+    EXPECT_EQ(guarded.tools.setup.note(), u"Install cancelled."_s);
+}
+
+TEST_F(QuittingTest, AbandonsWhatDoesNotEndInTimeWithoutAQuestion)
+{
+    startIgnoringRun();
+    QTimer::singleShot(0, &guarded.guard, &QuitGuard::quitWithoutQuestion);
+    EXPECT_FALSE(quit()) << "until then the application stays, and asks nothing";
+    EXPECT_TRUE(endsByItself());
+    EXPECT_TRUE(run.isRunning());
+    EXPECT_EQ(history.entries().first().note, u"stopped"_s);
+    EXPECT_TRUE(waitUntil([this] { return hasBegunToDelete(); }));
+    tools().addFile(u"go"_s);
+}

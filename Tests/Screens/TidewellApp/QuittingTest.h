@@ -1,0 +1,61 @@
+#pragma once
+
+// What the tests of the questions before the end share: a guarded window that loses its patience at once.
+
+#include "QuitGuardTest.h"
+
+#include <chrono>
+
+inline constexpr Quitting::Times atOnce{.untilAskedAgain = std::chrono::milliseconds(50),
+                                        .untilTheEnd = std::chrono::milliseconds(300)};
+/// Goes on whatever it is asked, until `go` is there.
+inline const auto ignoring = QStringLiteral("trap '' TERM; echo up; while [ ! -e '%1' ]; do sleep 0.02; done");
+
+class QuittingTest : public testing::Test
+{
+protected:
+    TestTools &tools() { return guarded.tools.orbStack.tools(); }
+
+    /// Waits for a question with this title.
+    QMessageBox *asked(const QString &title)
+    {
+        EXPECT_TRUE(waitUntil([&] { return guarded.question() != nullptr && guarded.question()->text() == title; }))
+            << (guarded.question() ? guarded.question()->text().toStdString() : "no question");
+        return guarded.question();
+    }
+
+    void press(const QString &button)
+    {
+        ASSERT_NE(guarded.question(), nullptr);
+        ByName::press(*guarded.question(), button);
+    }
+
+    /// A run that has begun and ends no earlier than `go` is there.
+    void startIgnoringRun()
+    {
+        guarded.startRun(ignoring.arg(tools().path(QStringLiteral("go"))));
+        EXPECT_TRUE(waitUntil([this] { return guarded.tools.run.plainText().contains(QStringLiteral("\nup\n")); }));
+    }
+
+    /// An `orb` that makes machines and lists them (or not), and whose deletions fail.
+    void addOrbThatCannotDelete(bool lists)
+    {
+        using namespace Qt::StringLiterals;
+        tools().addTool(u"orb"_s,
+                        u"case \"$1\" in\n"
+                        "create) echo \"$3\" > '%1' ;;\n"
+                        "list) if %2; then printf '[{\"name\":\"%s\"}]' \"$(cat '%1')\"; else echo '[]'; fi ;;\n"
+                        "delete) exit 1 ;;\n"
+                        "-m) exec sh -s ;;\n"
+                        "esac"_s.arg(tools().path(u"made"_s), lists ? u"true"_s : u"false"_s));
+    }
+
+    bool hasBegunToDelete()
+    {
+        return tools().calls(QStringLiteral("orb")).last().startsWith(QStringLiteral("<delete><-f><sbx-"));
+    }
+
+    Guarded guarded{QuitGuard::Closing::quits, atOnce};
+    RunController &run = guarded.tools.run;
+    HistoryStore &history = guarded.tools.history;
+};

@@ -1,0 +1,111 @@
+#include "QuittingTest.h"
+
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+TEST(Quitting, WaitsFiveSecondsForARunAndTenInAll)
+{
+    EXPECT_EQ(Quitting::Times().untilAskedAgain, 5s);
+    EXPECT_EQ(Quitting::Times().untilTheEnd, 10s);
+}
+
+TEST_F(QuittingTest, KeepsTheRunGoingOnReturnAndOnEscape)
+{
+    guarded.startRun(u"exec sleep 60"_s);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+        EXPECT_FALSE(quit());
+        QMessageBox *question = asked(u"A run is in progress."_s);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(question));
+        QTest::keyClick(question, key);
+        EXPECT_EQ(guarded.question(), nullptr);
+    }
+    EXPECT_TRUE(run.isRunning());
+}
+
+TEST_F(QuittingTest, StaysOpenAndSaysSoWhenTheMachineCouldNotBeDeleted)
+{
+    addOrbThatCannotDelete(true);
+    guarded.startRun(u"exec sleep 60"_s);
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
+    const QMessageBox *question = asked(run.undeletedMachine() + u" could not be deleted."_s);
+    ASSERT_NE(question, nullptr);
+    EXPECT_EQ(question->informativeText(),
+              u"The output tells why. The machine stays until it is deleted in the Machines tab."_s);
+    EXPECT_EQ(question->defaultButton()->text(), u"Keep open"_s);
+    press(u"Keep open"_s);
+    EXPECT_TRUE(guarded.window.isVisible());
+    EXPECT_TRUE(quit()) << "who wants to quit then knows of it";
+}
+
+TEST_F(QuittingTest, LeavesAMachineThatCouldNotBeDeletedWhenToldTo)
+{
+    addOrbThatCannotDelete(true);
+    guarded.startRun(u"exec sleep 60"_s);
+    EXPECT_FALSE(guarded.window.close());
+    press(u"Stop it and quit"_s);
+    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
+    ASSERT_NE(asked(run.undeletedMachine() + u" could not be deleted."_s), nullptr);
+    QTimer::singleShot(0, &guarded.window, [this] { press(u"Quit anyway"_s); });
+    EXPECT_TRUE(endsByItself());
+    EXPECT_EQ(history.entries().size(), 1);
+}
+
+TEST_F(QuittingTest, IsNotHeldUpByTheDeletionOfAMachineThatWasNeverMade)
+{
+    addOrbThatCannotDelete(false);
+    guarded.startRun(u"exec sleep 60"_s);
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    EXPECT_TRUE(endsByItself());
+    EXPECT_NE(run.undeletedMachine(), QString());
+}
+
+TEST_F(QuittingTest, AsksAgainWhenTheRunDoesNotEndAndMayBeCalledOff)
+{
+    startIgnoringRun();
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    const QMessageBox *question = asked(u"The run has not ended yet."_s);
+    ASSERT_NE(question, nullptr);
+    EXPECT_EQ(question->informativeText(),
+              u"Quitting now leaves it to itself. A disposable machine that stays behind is named in the Machines tab "
+              "after the next start."_s);
+    EXPECT_EQ(question->defaultButton()->text(), u"Keep open"_s);
+    press(u"Keep open"_s);
+    tools().addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
+    EXPECT_EQ(guarded.question(), nullptr);
+    // Nothing ends it any more but the time that it is given.
+    QTimer::singleShot(100, qApp, [] { QCoreApplication::exit(5); });
+    EXPECT_EQ(QApplication::exec(), 5);
+}
+
+TEST_F(QuittingTest, QuitsWhenTheRunEndsWhileItIsAskedAgain)
+{
+    startIgnoringRun();
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    ASSERT_NE(asked(u"The run has not ended yet."_s), nullptr);
+    tools().addFile(u"go"_s);
+    EXPECT_TRUE(endsByItself());
+    EXPECT_EQ(history.entries().first().note, u"stopped"_s);
+}
+
+TEST_F(QuittingTest, LeavesARunThatDoesNotEndWhenToldToAndBeginsItsDeletion)
+{
+    startIgnoringRun();
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    ASSERT_NE(asked(u"The run has not ended yet."_s), nullptr);
+    QTimer::singleShot(0, &guarded.window, [this] { press(u"Quit anyway"_s); });
+    EXPECT_TRUE(endsByItself());
+    EXPECT_TRUE(run.isRunning());
+    ASSERT_EQ(history.entries().size(), 1);
+    EXPECT_EQ(history.entries().first().note, u"stopped"_s);
+    EXPECT_TRUE(waitUntil([this] { return hasBegunToDelete(); }));
+    tools().addFile(u"go"_s);
+}
