@@ -210,3 +210,20 @@ TEST(Menus, HelpShowsTheReadmeInAWindowOfItsOwn)
     EXPECT_TRUE(pages.first()->isVisible());
     EXPECT_TRUE(pages.first()->toPlainText().contains(u"Try shell scripts in real Linux machines"_s));
 }
+
+TEST(Menus, DoNotMinimizeOrZoomAHiddenWindow)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    const QAction *minimize = action(window, u"Window"_s, u"Minimize"_s);
+    const QAction *zoom = action(window, u"Window"_s, u"Zoom"_s);
+    auto *menu = qobject_cast<QMenu *>(minimize->associatedObjects().first());
+    ASSERT_NE(menu, nullptr);
+    for (const bool isShown : {true, false, true}) {
+        window.setVisible(isShown);
+        Q_EMIT menu->aboutToShow();
+        EXPECT_EQ(minimize->isEnabled(), isShown);
+        EXPECT_EQ(zoom->isEnabled(), isShown);
+    }
+}

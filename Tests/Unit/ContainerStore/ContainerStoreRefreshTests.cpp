@@ -198,3 +198,21 @@ TEST_F(ContainerStoreRefresh, OutlivesAStoreThatIsGoneBeforeTheToolEnds)
     EXPECT_TRUE(waitUntil([this] { return QFile::exists(tools.path(u"done"_s)); }));
     QTest::qWait(0);
 }
+
+TEST_F(ContainerStoreRefresh, LetsTheLaterOfTwoDecideTheError)
+{
+    for (const bool laterFails : {true, false}) {
+        const QString go = laterFails ? u"go"_s : u"go on"_s;
+        const QString fails = u"echo broken >&2; exit 1"_s;
+        const qsizetype before = tools.calls(u"docker"_s).size();
+        tools.addTool(u"docker"_s, tools.waitForFile(go) + (laterFails ? fails : u":"_s));
+        auto slow = store.refresh();
+        ASSERT_TRUE(waitUntil([&] { return tools.calls(u"docker"_s).size() == before + 1; }));
+        tools.addTool(u"docker"_s, laterFails ? u":"_s : fails);
+        ASSERT_TRUE(waitFor(store.refresh()));
+        EXPECT_EQ(store.error().has_value(), !laterFails);
+        tools.addFile(go);
+        ASSERT_TRUE(waitFor(std::move(slow)));
+        EXPECT_EQ(store.error().has_value(), laterFails);
+    }
+}

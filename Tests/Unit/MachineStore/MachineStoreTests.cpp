@@ -169,6 +169,30 @@ TEST_F(MachineStoreTest, LetsTheLaterOfTwoRefreshesDecide)
     EXPECT_TRUE(store.machines().isEmpty());
 }
 
+TEST_F(MachineStoreTest, LetsTheLaterOfTwoRefreshesDecideTheErrorToo)
+{
+    const QString broken = u"echo broken >&2; exit 1"_s;
+    tools.addTool(u"orb"_s, tools.waitForFile(u"go"_s) + broken);
+    auto slow = store.refresh();
+    EXPECT_TRUE(waitUntil([&] { return calls().size() == 1; }));
+    tools.addTool(u"orb"_s, u"[ \"$2\" = -f ] && { echo '[]'; exit; }; "_s + broken);
+    EXPECT_TRUE(waitFor(store.refresh()));
+    EXPECT_EQ(store.error(), std::nullopt);
+    tools.addFile(u"go"_s);
+    EXPECT_TRUE(waitFor(std::move(slow)));
+    EXPECT_EQ(store.error(), u"broken"_s);
+
+    tools.addTool(u"orb"_s, tools.waitForFile(u"go on"_s) + u"echo '[]'"_s);
+    auto slowAgain = store.refresh();
+    EXPECT_TRUE(waitUntil([&] { return calls().size() == 4; }));
+    tools.addTool(u"orb"_s, broken);
+    EXPECT_TRUE(waitFor(store.refresh()));
+    EXPECT_EQ(store.error(), u"broken"_s);
+    tools.addFile(u"go on"_s);
+    EXPECT_TRUE(waitFor(std::move(slowAgain)));
+    EXPECT_EQ(store.error(), std::nullopt);
+}
+
 TEST_F(MachineStoreTest, MayGoAwayWhileItsToolsRun)
 {
     const QString ending = tools.waitForFile(u"go"_s) + u"echo '[]'"_s;

@@ -1,5 +1,7 @@
 #include "RunControllerTest.h"
 
+#include <QDir>
+
 using namespace Qt::StringLiterals;
 
 TEST_F(RunControllerTest, MakesAndDeletesADisposableMachine)
@@ -23,6 +25,28 @@ TEST_F(RunControllerTest, MakesAndDeletesADisposableMachine)
     EXPECT_EQ(history.entries().first().machine, u"disposable (debian)"_s);
     EXPECT_EQ(history.entries().first().exitCode, 0);
     EXPECT_EQ(history.entries().first().note, QString());
+}
+
+TEST_F(RunControllerTest, RunsInADisposableAlpineInTheSharedFolder)
+{
+    addOrb();
+    const QString folder = tools.path(u"it's here"_s);
+    ASSERT_TRUE(QDir().mkpath(folder));
+    RunJob shared = disposableJob;
+    shared.distro = u"alpine"_s;
+    shared.folder = folder;
+    shared.script = u"pwd"_s;
+    run.start(shared, &history);
+    EXPECT_TRUE(waitUntilIdle());
+    EXPECT_EQ(told(run),
+              QStringList(
+                  {u"info: Creating disposable machine sbx-NNNNNN (alpine)…\n$ orb -m sbx-NNNNNN sh -s   (folder: "_s +
+                       folder + u")\n"_s,
+                   u"out: "_s + folder + u'\n', u"ok: \nexit status 0 · Ns\n"_s,
+                   u"info: Deleting disposable machine sbx-NNNNNN…\nDeleted sbx-NNNNNN.\n"_s}));
+    EXPECT_TRUE(calls().at(0).startsWith(u"<create><alpine><sbx-"_s));
+    EXPECT_TRUE(calls().at(1).endsWith(u"><sh><-s>"_s));
+    EXPECT_EQ(history.entries().first().machine, u"disposable (alpine)"_s);
 }
 
 TEST_F(RunControllerTest, NamesEveryDisposableMachineAnew)
@@ -63,9 +87,13 @@ TEST_F(RunControllerTest, GivesUpWhenTheMachineCannotBeMade)
 TEST_F(RunControllerTest, LimitsTheCreationEvenWithoutATimeLimit)
 {
     RunController hasty(RunTimeLimits{.creation = 0.2});
-    addOrb(TestTools::untilTerminated(15));
+    addOrb(u"echo making\n"_s + TestTools::untilTerminated(15));
     hasty.start(disposableJob, &history);
     EXPECT_TRUE(waitUntil([&] { return !hasty.isRunning(); }));
+    EXPECT_EQ(told(hasty), QStringList({u"info: Creating disposable machine sbx-NNNNNN (debian)…\nmaking\n"_s,
+                                        u"fail: Could not create the disposable machine (machine creation failed).\n"_s,
+                                        u"info: Deleting disposable machine sbx-NNNNNN…\nDeleted sbx-NNNNNN.\n"_s}));
+    EXPECT_EQ(calls().size(), 2) << "no script was run";
     EXPECT_EQ(history.entries().first().note, u"machine creation failed"_s);
     EXPECT_TRUE(calls().last().startsWith(u"<delete><-f><sbx-"_s));
 }

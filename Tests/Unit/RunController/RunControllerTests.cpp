@@ -15,6 +15,14 @@ TEST_F(RunControllerTest, StartsIdle)
     EXPECT_EQ(run.plainText(), QString());
 }
 
+TEST_F(RunControllerTest, GivesEachStepItsTime)
+{
+    const RunTimeLimits seconds;
+    EXPECT_EQ(seconds.creation, 900);
+    EXPECT_EQ(seconds.script, 600);
+    EXPECT_EQ(seconds.deletion, 120);
+}
+
 TEST_F(RunControllerTest, RunsTheScriptAndKeepsIt)
 {
     addOrb();

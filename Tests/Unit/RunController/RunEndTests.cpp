@@ -1,4 +1,5 @@
 #include "RunControllerTest.h"
+#include "Support/Seed.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -92,7 +93,7 @@ TEST_F(RunControllerTest, MayOutliveTheHistory)
 
 TEST_F(RunControllerTest, EndsWellWhenItsToolsAreKilledAtRandomMoments)
 {
-    QRandomGenerator random = QRandomGenerator::securelySeeded();
+    QRandomGenerator random(seedOr(QRandomGenerator::system()->generate()));
     // A step that prints a few lines and is then ended by a signal, or ends by itself.
     const auto step = [&random] {
         return u"i=0; while [ $i -lt %1 ]; do echo line; echo error >&2; sleep 0.003; i=$((i+1)); done; %2"_s
