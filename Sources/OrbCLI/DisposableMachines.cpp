@@ -44,7 +44,8 @@ FileDescriptor DisposableMachines::writeDown(const QString &name) const
         std::rename(unnamed.constData(), path.constData()) != 0)
         return {};
     const FileDescriptor directory(::open(folder.constData(), O_RDONLY | O_CLOEXEC));
-    ::fsync(directory.number());
+    if (directory.isOpen())
+        ::fsync(directory.number());
     return file;
 }
 
