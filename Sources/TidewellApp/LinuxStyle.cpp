@@ -12,10 +12,13 @@ namespace
 {
 
 constexpr double controlRadius = 4;
-constexpr double boxRadius = 6;
+constexpr double groupRadius = 6;
+constexpr double checkBoxRingRadius = 6;
 constexpr int ringThickness = 2;
 constexpr int controlHeight = 26;
-constexpr int indicatorSize = 16;
+constexpr int boxSize = 16;
+/// With room around the box for the ring.
+constexpr int indicatorSize = boxSize + 6;
 constexpr int textInset = 4;
 constexpr int titleInset = 8;
 
@@ -45,14 +48,16 @@ void drawTextField(const QStyleOption &option, QPainter &painter)
 void drawCheckBox(const QStyleOption &option, QPainter &painter)
 {
     const QPalette &palette = option.palette;
+    const int size = std::min({boxSize, option.rect.width(), option.rect.height()});
+    QRect place(0, 0, size, size);
+    place.moveCenter(option.rect.center());
     const QColor field = palette.color(QPalette::Base);
     const QColor ground = option.state.testFlag(QStyle::State_Sunken)
                               ? Colours::mixed(palette.color(QPalette::Text), field, 0.15F)
                               : field;
-    RoundedFrame::draw(painter, option.rect, controlRadius, Colours::line(palette, isEnabled(option) ? 0.7F : 0.3F),
-                       ground);
+    RoundedFrame::draw(painter, place, controlRadius, Colours::line(palette, isEnabled(option) ? 0.7F : 0.3F), ground);
 
-    const QRectF box(option.rect);
+    const QRectF box(place);
     const auto within = [&box](double x, double y) {
         return QPointF(box.left() + x * box.width(), box.top() + y * box.height());
     };
@@ -75,7 +80,7 @@ int titleHeight(const QStyleOptionGroupBox &box)
 void drawGroupBox(const QStyleOptionGroupBox &box, QPainter &painter, const QStyle &style, const QWidget *widget)
 {
     const QPalette &palette = box.palette;
-    RoundedFrame::draw(painter, box.rect, boxRadius, Colours::line(palette, 0.25F), Colours::pane(palette));
+    RoundedFrame::draw(painter, box.rect, groupRadius, Colours::line(palette, 0.25F), Colours::pane(palette));
     const QRect title = style.subControlRect(QStyle::CC_GroupBox, &box, QStyle::SC_GroupBoxLabel, widget);
     style.drawItemText(&painter, title, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic, palette,
                        isEnabled(box), box.text, QPalette::WindowText);
@@ -125,6 +130,16 @@ void LinuxStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opt
 void LinuxStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                              const QWidget *widget) const
 {
+    const auto *checkBox = element == CE_CheckBox ? qstyleoption_cast<const QStyleOptionButton *>(option) : nullptr;
+    if (checkBox != nullptr && checkBox->state.testFlag(State_HasFocus)) {
+        // Around the box: Qt puts it around the label, wherever a style would have it.
+        QStyleOptionButton withoutFocus = *checkBox;
+        withoutFocus.state &= ~State_HasFocus;
+        QProxyStyle::drawControl(element, &withoutFocus, painter, widget);
+        RoundedFrame::drawRing(*painter, subElementRect(SE_CheckBoxIndicator, option, widget), checkBoxRingRadius,
+                               ringThickness, option->palette);
+        return;
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
     // Qt's own style shows it only after a Tab.
     if (element == CE_PushButton && option->state.testFlag(State_HasFocus))
@@ -144,8 +159,6 @@ void LinuxStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
 QRect LinuxStyle::subElementRect(SubElement element, const QStyleOption *option, const QWidget *widget) const
 {
     switch (element) {
-    case SE_CheckBoxFocusRect:
-        return subElementRect(SE_CheckBoxIndicator, option, widget);
     case SE_LineEditContents:
         return QProxyStyle::subElementRect(element, option, widget).adjusted(textInset, 0, -textInset, 0);
     default:

@@ -6,7 +6,7 @@
 /// opaque ground, and one ring where the keyboard is. For systems other than macOS.
 ///
 ///   text fields     rounded; their outline can be told from a dark window
-///   check boxes     an outline of full contrast, checked or not
+///   check boxes     an outline of full contrast, checked or not, also within the ring
 ///   group boxes     one frame that holds the title, too
 ///   focus           the ring, however the focus came: by key, by mouse or by the application
 ///   placeholders    readable, also where a theme forgot their colour

@@ -89,10 +89,34 @@ TEST_F(LinuxStyleTest, ShowsAnUncheckedBoxInLightAndDark)
         const QImage unchecked = picture(box);
         EXPECT_GE(greatestContrast(unchecked, indicator, palette.color(QPalette::Window)), seen);
         box->setChecked(true);
-        const QRect within = indicator.adjusted(3, 3, -3, -3);
+        const QRect within = indicator.adjusted(6, 6, -6, -6);
         EXPECT_GE(greatestContrast(picture(box), within, palette.color(QPalette::Base)), seen);
         EXPECT_LT(greatestContrast(unchecked, within, palette.color(QPalette::Base)), 1.1);
         box->setChecked(false);
+    }
+}
+
+TEST_F(LinuxStyleTest, PutsTheRingOfACheckBoxAroundTheBoxWhichStaysToBeSeen)
+{
+    auto *box = add(new QCheckBox(u"Disposable mode"_s));
+    add(new QPushButton(u"next"_s));
+    for (QPalette palette : {style.standardPalette(), darkPalette()}) {
+        palette.setColor(QPalette::Highlight, Qt::magenta);
+        show(palette);
+        window.setFocus();
+        QStyleOptionButton option;
+        option.initFrom(box);
+        const QRect indicator = style.subElementRect(QStyle::SE_CheckBoxIndicator, &option, box);
+        // Without the corners, where the ring's and the box's are beside each other.
+        const QRect within = indicator.adjusted(3, 7, -3, -7);
+        const QImage plain = picture(box).copy(within);
+        box->setFocus();
+        const QImage focused = picture(box);
+        EXPECT_EQ(pixelsOf(Qt::magenta, focused), pixelsOf(Qt::magenta, focused.copy(indicator)));
+        EXPECT_EQ(focused.pixelColor(indicator.center().x(), indicator.top()), QColor(Qt::magenta));
+        EXPECT_EQ(focused.pixelColor(indicator.left(), indicator.center().y()), QColor(Qt::magenta));
+        EXPECT_EQ(focused.copy(within), plain) << "the box is the same";
+        box->clearFocus();
     }
 }
 
