@@ -70,7 +70,11 @@ void FileMenu::add(QMainWindow &window, ContentView &content, RunController &run
     QAction *save = file->addAction(u"&Save Script As…"_s, &window, [&window, &run] { saveScript(window, run); });
     save->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_S);
     file->addSeparator();
-    QAction *close = file->addAction(u"&Close Window"_s, &window, &QWidget::close);
+    // On macOS the menus are those of whatever window is in front.
+    QAction *close = file->addAction(u"&Close Window"_s, &window, [&window] {
+        QWidget *front = QApplication::activeWindow();
+        (front != nullptr ? front : &window)->close();
+    });
     close->setShortcut(QKeySequence::Close);
     QAction *quit = file->addAction(u"&Quit Tidewell"_s, qApp, &QApplication::quit);
     quit->setMenuRole(QAction::QuitRole);

@@ -3,6 +3,7 @@
 #include "Look/Typography.h"
 
 #include <QFile>
+#include <QShortcut>
 #include <QTextBrowser>
 #include <QTextDocument>
 
@@ -43,6 +44,8 @@ void HelpWindow::show(QWidget &window)
         help->document()->setDocumentMargin(16);
         help->document()->setMarkdown(page(), QTextDocument::MarkdownDialectGitHub);
         help->resize(680, 720);
+        // The menus' own reaches the window that has them; on macOS, where it reaches all, this one is never asked.
+        QObject::connect(new QShortcut(QKeySequence::Close, help), &QShortcut::activated, help, &QWidget::close);
     }
     help->show();
     help->raise();
