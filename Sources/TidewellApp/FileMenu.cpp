@@ -40,10 +40,13 @@ void openScript(QMainWindow &window, ContentView &content)
     QFileDialog *dialog = askForFile(window, u"Open Script"_s, QFileDialog::AcceptOpen);
     QObject::connect(dialog, &QFileDialog::fileSelected, &content, [&window, &content](const QString &path) {
         const ScriptFiles::Reading reading = ScriptFiles::read(path);
-        if (reading.refusal)
+        if (reading.refusal) {
             Alert::tell(&window, u"“"_s + nameOf(path) + u"” was not opened."_s, *reading.refusal);
-        else
-            content.replaceScript(reading.text);
+            return;
+        }
+        content.replaceScript(reading.text);
+        if (reading.change)
+            Alert::tell(&window, u"“"_s + nameOf(path) + u"” was opened with a change."_s, *reading.change);
     });
     dialog->open();
 }

@@ -82,6 +82,40 @@ TEST_F(ScriptFilesTest, TellsWhyAFileIsNotRead)
     EXPECT_EQ(ScriptFiles::read(tools.orbStack.tools().path(u"missing"_s)).refusal, u"It is not a file."_s);
 }
 
+TEST_F(ScriptFilesTest, SavesNoHalfOfACharacter)
+{
+    const QString path = file("as it was");
+    tools.run.setScript(u"echo 🐳\necho "_s + QChar(0xd83d) + u"\n"_s);
+    trigger(u"Save Script As…"_s);
+    answer(path);
+    EXPECT_EQ(alertText(), u"“script.sh” was not saved. Line 2 has half a character, which no file can hold."_s);
+    EXPECT_EQ(ScriptFiles::read(path).text, u"as it was"_s);
+    EXPECT_TRUE(ScriptFiles::write(path, QString(QChar(0xdc33)) + QChar(0xd83d)));
+    EXPECT_EQ(ScriptFiles::write(path, u"🐳\n"_s), std::nullopt);
+}
+
+TEST_F(ScriptFilesTest, TellsWhatOfAnOpenedFileIsNotInTheEditor)
+{
+    trigger(u"Open Script…"_s);
+    answer(file("\xef\xbb\xbf"
+                "echo one\r\n"));
+    EXPECT_EQ(tools.run.script(), u"echo one\n"_s);
+    EXPECT_EQ(alertText(),
+              u"“script.sh” was opened with a change. Its byte order mark was left out. Its line ends were "
+              "those of Windows, and are now those of Linux."_s);
+    EXPECT_EQ(ScriptFiles::read(file("echo one\n")).change, std::nullopt);
+}
+
+TEST_F(ScriptFilesTest, OpensNoFileWithLineEndsThatTheEditorWouldChange)
+{
+    EXPECT_EQ(ScriptFiles::read(file("one\rtwo\n")).refusal,
+              u"It has line ends that the editor cannot keep (U+000D)."_s);
+    EXPECT_EQ(ScriptFiles::read(file("one\xe2\x80\xa8two")).refusal,
+              u"It has line ends that the editor cannot keep (U+2028)."_s);
+    EXPECT_EQ(ScriptFiles::read(file("one\xe2\x80\xa9two")).refusal,
+              u"It has line ends that the editor cannot keep (U+2029)."_s);
+}
+
 TEST_F(ScriptFilesTest, SavesTheScriptAsUtf8ThatItsOwnerMayExecute)
 {
     tools.run.setScript(u"echo \u00e9\n"_s);
