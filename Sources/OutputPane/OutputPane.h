@@ -54,6 +54,10 @@ public Q_SLOTS:
     void copy();
     void selectAll();
 
+Q_SIGNALS:
+    /// The user selects something else.
+    void selectionChanged();
+
 protected:
     bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;

@@ -45,6 +45,7 @@ void OutputPane::selectionMoved()
 {
     m_announcer.announceSelection();
     viewport()->update();
+    Q_EMIT selectionChanged();
 }
 
 void OutputPane::keyPressEvent(QKeyEvent *event)

@@ -1,14 +1,17 @@
 #include "ContentView/ContentView.h"
+#include "OutputPane/OutputPane.h"
 #include "Screens/TestWindow.h"
 #include "TidewellApp/MainWindow.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QTextBrowser>
 
 using namespace Qt::StringLiterals;
@@ -226,4 +229,61 @@ TEST(Menus, DoNotMinimizeOrZoomAHiddenWindow)
         EXPECT_EQ(minimize->isEnabled(), isShown);
         EXPECT_EQ(zoom->isEnabled(), isShown);
     }
+}
+
+TEST(Menus, CloseTheWindowInFront)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    for (const bool byShortcut : {false, true}) {
+        action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+        const QPointer<QTextBrowser> help = window.findChild<QTextBrowser *>();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(help));
+        if (byShortcut)
+            QTest::keySequence(help, QKeySequence::Close);
+        else
+            action(window, u"File"_s, u"Close Window"_s)->trigger();
+        EXPECT_TRUE(waitUntil([&help] { return help == nullptr; }));
+        EXPECT_TRUE(window.isVisible());
+    }
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    action(window, u"File"_s, u"Close Window"_s)->trigger();
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST(Menus, OfferUndoRedoCutAndCopyOnlyWithSomethingToDoItTo)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const auto offered = [&window] {
+        QStringList labels;
+        for (const QString &label : {u"Undo"_s, u"Redo"_s, u"Cut"_s, u"Copy"_s}) {
+            if (action(window, u"Edit"_s, label)->isEnabled())
+                labels.append(label);
+        }
+        return labels;
+    };
+    for (QWidget *widget : {static_cast<QWidget *>(ByName::find<QPlainTextEdit>(window, u"Script"_s)),
+                            static_cast<QWidget *>(ByName::find<QLineEdit>(window, u"Packages, e.g. git curl"_s))}) {
+        widget->setFocus();
+        EXPECT_EQ(offered(), QStringList());
+        QTest::keyClicks(widget, u"git"_s);
+        EXPECT_EQ(offered(), QStringList{u"Undo"_s});
+        QTest::keySequence(widget, QKeySequence::SelectAll);
+        EXPECT_EQ(offered(), QStringList({u"Undo"_s, u"Cut"_s, u"Copy"_s}));
+        action(window, u"Edit"_s, u"Undo"_s)->trigger();
+        EXPECT_EQ(offered(), QStringList{u"Redo"_s});
+        action(window, u"Edit"_s, u"Redo"_s)->trigger();
+        EXPECT_TRUE(offered().contains(u"Undo"_s));
+    }
+    tools.run.append(u"some output\n"_s, OutputKind::out);
+    auto *pane = window.findChild<OutputPane *>();
+    pane->setFocus();
+    EXPECT_EQ(offered(), QStringList());
+    action(window, u"Edit"_s, u"Select All"_s)->trigger();
+    EXPECT_EQ(offered(), QStringList{u"Copy"_s});
 }
