@@ -18,7 +18,7 @@ QFont callout();
 QFont caption();
 /// The smallest text of the window.
 QFont smallestCaption();
-/// The system's monospaced font; a point is one device-independent pixel, as everywhere in the window.
+/// The system's font in its monospaced design; a point is one device-independent pixel, as everywhere in the window.
 QFont monospaced(int points);
 
 } // namespace Typography
