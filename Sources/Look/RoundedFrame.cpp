@@ -13,7 +13,8 @@ namespace
 {
 
 constexpr double cornerRadius = 6;
-constexpr int frameThickness = 2;
+constexpr int outlineThickness = 1;
+constexpr int ringThickness = 2;
 
 QColor outlineOf(RoundedFrame::Ground ground, const QPalette &palette)
 {
@@ -21,6 +22,12 @@ QColor outlineOf(RoundedFrame::Ground ground, const QPalette &palette)
         return Colours::line(palette, 0.4F);
     // The tint can hardly be seen on a dark window; a faint line shows where the pane ends.
     return Colours::isDark(palette) ? Colours::line(palette, 0.25F) : QColor();
+}
+
+/// How far within the area's edge the ring begins: within the outline of a field, upon the faint one of a pane.
+int ringInset(RoundedFrame::Ground ground)
+{
+    return ground == RoundedFrame::Ground::field ? outlineThickness : 0;
 }
 
 /// Draws within the rectangle, whose edges and whose outline are moved onto whole pixels.
@@ -51,7 +58,7 @@ RoundedFrame::RoundedFrame(Ground ground, QAbstractScrollArea *area) : QObject(a
 {
     // A frame of the area's own keeps the scroll bar within the rounded one.
     area->setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
-    area->setLineWidth(frameThickness);
+    area->setLineWidth(ringInset(ground) + ringThickness);
     area->viewport()->setAutoFillBackground(false);
     area->installEventFilter(this);
 }
@@ -70,7 +77,7 @@ bool RoundedFrame::eventFilter(QObject *watched, QEvent *event)
 void RoundedFrame::draw(QPainter &painter, const QRectF &rectangle, double radius, const QColor &outline,
                         const QColor &ground)
 {
-    drawSharply(painter, rectangle, radius, outline, 1, ground.isValid() ? QBrush(ground) : QBrush());
+    drawSharply(painter, rectangle, radius, outline, outlineThickness, ground.isValid() ? QBrush(ground) : QBrush());
 }
 
 void RoundedFrame::drawRing(QPainter &painter, const QRectF &rectangle, double radius, int thickness,
@@ -83,8 +90,11 @@ void RoundedFrame::paint() const
 {
     const QPalette &palette = m_area.palette();
     QPainter painter(&m_area);
-    draw(painter, m_area.rect(), cornerRadius, m_area.hasFocus() ? QColor() : outlineOf(m_ground, palette),
+    const QRectF whole = m_area.rect();
+    draw(painter, whole, cornerRadius, outlineOf(m_ground, palette),
          m_ground == Ground::pane ? Colours::pane(palette) : palette.color(QPalette::Base));
-    if (m_area.hasFocus())
-        drawRing(painter, m_area.rect(), cornerRadius, frameThickness, palette);
+    if (!m_area.hasFocus())
+        return;
+    const int inset = ringInset(m_ground);
+    drawRing(painter, whole.adjusted(inset, inset, -inset, -inset), cornerRadius - inset, ringThickness, palette);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// The rounded ground and outline of what holds text: output, logs, the script, lists. The outline tells where the
-// keyboard is.
+// The rounded ground and outline of what holds text: output, logs, the script, lists. A ring within the outline tells
+// where the keyboard is.
 
 #include <QObject>
 
