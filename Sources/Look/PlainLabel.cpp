@@ -19,7 +19,7 @@ QString cut(const QString &text, PlainLabel::Fit fit)
     case PlainLabel::Fit::wrap:
         return VisibleText::elidedEnd(text, longestSentence);
     case PlainLabel::Fit::elideEnd:
-        return VisibleText::oneLine(VisibleText::elidedEnd(text, longestLine));
+        return PlainLabel::oneLine(text);
     case PlainLabel::Fit::elideMiddle:
         return VisibleText::oneLine(VisibleText::elidedMiddle(text, longestLine));
     }
@@ -48,6 +48,11 @@ PlainLabel::PlainLabel(const QString &text, const QFont &font, ColourOfPalette c
         setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     }
     setText(text);
+}
+
+QString PlainLabel::oneLine(const QString &text)
+{
+    return VisibleText::oneLine(VisibleText::elidedEnd(text, longestLine));
 }
 
 void PlainLabel::setText(const QString &text)

@@ -22,6 +22,9 @@ public:
 
     PlainLabel(const QString &text, const QFont &font, ColourOfPalette colour, Fit fit, QWidget *parent = nullptr);
 
+    /// How a single line shows a text.
+    static QString oneLine(const QString &text);
+
     /// Shows another text; does nothing when it is the same. In a single line, what has no shape is written out.
     void setText(const QString &text);
 

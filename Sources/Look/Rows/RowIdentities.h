@@ -13,6 +13,8 @@ public:
     RowIdentities() = default;
     explicit RowIdentities(const QList<RowContent> &rows);
 
+    bool operator==(const RowIdentities &other) const { return m_keys == other.m_keys; }
+
     int count() const { return static_cast<int>(m_keys.size()); }
 
     /// Where the row at `index` is in another list; -1 when it is not there.

@@ -4,7 +4,6 @@
 #include "Look/Rows/RowListAccessibility.h"
 
 #include <QAccessible>
-#include <QKeyEvent>
 #include <QPushButton>
 #include <QScrollBar>
 
@@ -21,8 +20,6 @@ RowList::RowList(const QString &name, QWidget *parent) : QScrollArea(parent), m_
     // The tab order of the rows hangs on it, and a widget that takes no focus at all cannot be part of that order.
     m_content->setFocusPolicy(Qt::ClickFocus);
     new RoundedFrame(RoundedFrame::Ground::field, this);
-    // So much that the corners of what scrolls lie within the round ones.
-    setLineWidth(3);
     viewport()->setBackgroundRole(QPalette::Base);
     viewport()->setAutoFillBackground(true);
     setWidget(m_content);
@@ -41,11 +38,16 @@ void RowList::setRows(const QList<RowContent> &rows)
     const int anchorLater = anchor ? m_identities.placeIn(later, *anchor) : -1;
     const int anchorOffset = anchor ? verticalScrollBar()->value() - edge(*anchor) : 0;
 
+    const int clicked = indexClicked();
+    const int clickedLater = clicked >= 0 ? m_identities.placeIn(later, clicked) : -1;
+
     const RowWidget *focused = focusedRow();
     const bool focusedLeaves = focused != nullptr && m_identities.placeIn(later, focused->index()) < 0;
     const int focusLater = focusedLeaves ? m_identities.neighbourPlaceIn(later, focused->index()) : -1;
     const int focusedButton = focused != nullptr ? focused->focusedButton().value_or(0) : 0;
 
+    if (!(later == m_identities))
+        m_content->unmade().forgetAll();
     QList<RowWidget *> leaving;
     bool isOrderKept = true;
     int last = -1;
@@ -77,8 +79,12 @@ void RowList::setRows(const QList<RowContent> &rows)
     if (anchor)
         verticalScrollBar()->setValue(edge(anchorLater) + anchorOffset);
     makeNeededWidgets();
+    if (clicked >= 0 && clickedLater != indexClicked())
+        m_guard.placeChanged();
     if (focusedLeaves && count() > 0)
         row(std::min(focusLater, count() - 1))->focusButton(focusedButton, Qt::NoFocusReason);
+    else if (focusedLeaves)
+        Q_EMIT focusLeft();
     for (RowWidget *row : std::as_const(leaving))
         retire(row);
 }
@@ -103,9 +109,9 @@ std::optional<int> RowList::rowKeptInPlace(const RowIdentities &later) const
 
 RowWidget *RowList::row(int index)
 {
-    const auto found = m_widgets.find(index);
-    if (found != m_widgets.end())
-        return found->second;
+    if (RowWidget *made = madeRow(index))
+        return made;
+    m_content->unmade().forget(index);
     auto *row = new RowWidget(m_rows[index], m_content);
     row->setIndex(index);
     row->installEventFilter(this);
@@ -121,28 +127,27 @@ RowWidget *RowList::row(int index)
     return row;
 }
 
+RowWidget *RowList::madeRow(int index) const
+{
+    const auto found = m_widgets.find(index);
+    return found != m_widgets.end() ? found->second : nullptr;
+}
+
+QRect RowList::placeOnScreen(int index) const
+{
+    return {m_content->mapToGlobal(QPoint(0, edge(index))), QSize(m_content->width(), edge(index + 1) - edge(index))};
+}
+
+int RowList::indexClicked() const
+{
+    return indexAt(m_content->mapFromGlobal(m_guard.place()).y());
+}
+
 int RowList::indexAt(int y) const
 {
     if (y < 0 || y >= m_edges.back())
         return -1;
     return static_cast<int>(std::upper_bound(m_edges.begin(), m_edges.end(), y) - m_edges.begin()) - 1;
-}
-
-bool RowList::eventFilter(QObject *watched, QEvent *event)
-{
-    const bool isFocus = event->type() == QEvent::FocusIn;
-    if (isFocus || event->type() == QEvent::KeyPress) {
-        auto *row = qobject_cast<RowWidget *>(watched);
-        if (row == nullptr)
-            row = qobject_cast<RowWidget *>(watched->parent());
-        if (row != nullptr && row->index() >= 0) {
-            if (isFocus)
-                rowFocused(row, static_cast<QFocusEvent *>(event)->reason());
-            else if (moveFocus(row, static_cast<QKeyEvent *>(event)->key()))
-                return true;
-        }
-    }
-    return QScrollArea::eventFilter(watched, event);
 }
 
 void RowList::resizeEvent(QResizeEvent *event)
@@ -185,17 +190,6 @@ void RowList::place(RowWidget *row)
 {
     const int top = edge(row->index());
     row->setGeometry(0, top, m_content->width(), edge(row->index() + 1) - top);
-}
-
-void RowList::linkIntoTabOrder(std::map<int, RowWidget *>::iterator position)
-{
-    QWidget *before = position == m_widgets.begin() ? m_content : std::prev(position)->second->buttons().last();
-    QWidget::setTabOrder(before, position->second);
-    before = position->second;
-    for (QPushButton *button : position->second->buttons()) {
-        QWidget::setTabOrder(before, button);
-        before = button;
-    }
 }
 
 void RowList::retire(RowWidget *row)
@@ -244,56 +238,4 @@ void RowList::retireFarWidgets(int first, int last)
             retire(row);
         }
     }
-}
-
-void RowList::rowFocused(const RowWidget *row, Qt::FocusReason reason)
-{
-    m_column = row->focusedButton().value_or(m_column);
-    makeNeededWidgets();
-    // A press must not move the button away from under the pointer, and a refresh (which gives no reason) must not
-    // scroll.
-    if (reason != Qt::MouseFocusReason && reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason &&
-        reason != Qt::NoFocusReason)
-        ensureVisible(0, row->y() + row->height() / 2, 0, (row->height() + 1) / 2);
-}
-
-bool RowList::moveFocus(const RowWidget *row, int key)
-{
-    const int page = std::max(1, viewport()->height() / std::max(1, row->height()) - 1);
-    int target = row->index();
-    switch (key) {
-    case Qt::Key_Up:
-        target -= 1;
-        break;
-    case Qt::Key_Down:
-        target += 1;
-        break;
-    case Qt::Key_PageUp:
-        target -= page;
-        break;
-    case Qt::Key_PageDown:
-        target += page;
-        break;
-    case Qt::Key_Home:
-        target = 0;
-        break;
-    case Qt::Key_End:
-        target = count() - 1;
-        break;
-    default:
-        return false;
-    }
-    const int column = m_column;
-    this->row(std::clamp(target, 0, count() - 1))->focusButton(column, Qt::OtherFocusReason);
-    m_column = column;
-    return true;
-}
-
-RowWidget *RowList::focusedRow() const
-{
-    QWidget *focused = window()->focusWidget();
-    while (focused != nullptr && focused->parentWidget() != m_content)
-        focused = focused->parentWidget();
-    auto *row = qobject_cast<RowWidget *>(focused);
-    return row != nullptr && row->index() >= 0 ? row : nullptr;
 }

@@ -20,13 +20,15 @@ public:
     {
         if (index < 0 || index >= list().count())
             return nullptr;
-        return QAccessible::queryAccessibleInterface(list().row(index));
+        if (RowWidget *row = list().madeRow(index))
+            return QAccessible::queryAccessibleInterface(row);
+        return content().unmade().at(index);
     }
 
     int indexOfChild(const QAccessibleInterface *child) const override
     {
         const auto *row = child != nullptr ? qobject_cast<const RowWidget *>(child->object()) : nullptr;
-        return row != nullptr ? row->index() : -1;
+        return row != nullptr ? row->index() : content().unmade().indexOf(child);
     }
 
     QAccessibleInterface *childAt(int x, int y) const override
@@ -36,7 +38,8 @@ public:
     }
 
 private:
-    RowList &list() const { return static_cast<RowListContent *>(widget())->list(); }
+    RowListContent &content() const { return *static_cast<RowListContent *>(widget()); }
+    RowList &list() const { return content().list(); }
 };
 
 QAccessibleInterface *interfaceFor(const QString &className, QObject *object)

@@ -2,6 +2,8 @@
 
 // What assistive technology sees of a RowList: a list with all its rows, also those that are no widgets yet.
 
+#include "Look/Rows/UnmadeRows.h"
+
 #include <QWidget>
 
 class RowList;
@@ -13,12 +15,14 @@ class RowListContent : public QWidget
 
 public:
     /// `list` must outlive it.
-    explicit RowListContent(RowList &list) : m_list(list) {}
+    explicit RowListContent(RowList &list) : m_list(list), m_unmade(list) {}
 
     RowList &list() const { return m_list; }
+    UnmadeRows &unmade() { return m_unmade; }
 
 private:
     RowList &m_list;
+    UnmadeRows m_unmade;
 };
 
 namespace RowListAccessibility

@@ -120,6 +120,9 @@ void RowWidget::showLines()
                 new PlainLabel(QString(), fontOf(line.style), colourOf(line.style), PlainLabel::Fit::elideEnd, this);
             m_column->addWidget(label);
             m_lines.append(label);
+            // Read before the buttons, also when it comes later.
+            if (!m_buttons.isEmpty())
+                label->stackUnder(m_buttons.first());
         }
         if (isOwn)
             m_lines[index]->setOwnText(line.text);

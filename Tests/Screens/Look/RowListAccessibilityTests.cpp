@@ -50,3 +50,83 @@ TEST_F(RowListTest, FindsTheRowAtAPointOfTheScreen)
     const QPoint point = list->row(3)->mapToGlobal(QPoint(5, 5));
     EXPECT_EQ(interface->childAt(point.x(), point.y()), interface->child(3));
 }
+
+TEST_F(RowListTest, AnswersForAllRowsWithoutMakingThem)
+{
+    list->setRows(rowsNumbered(0, 3000));
+    const int made = list->widgetCount();
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(list->widget());
+    QElapsedTimer timer;
+    timer.start();
+    for (int index = 0; index < 3000; ++index) {
+        QAccessibleInterface *row = interface->child(index);
+        ASSERT_EQ(row->text(QAccessible::Name), u"row%1"_s.arg(index));
+        EXPECT_EQ(row->role(), QAccessible::Grouping);
+        EXPECT_EQ(row->parent(), interface);
+        for (int part = 0; part < row->childCount(); ++part)
+            EXPECT_FALSE(row->child(part)->text(QAccessible::Name).isEmpty());
+    }
+    RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
+    EXPECT_LT(timer.elapsed(), 1000); // 50 ms for 1,000 where nothing else runs; a widget each took 5.5 s
+    EXPECT_EQ(list->widgetCount(), made);
+}
+
+TEST_F(RowListTest, ShowsARowAlikeWhetherItIsAWidgetOrNot)
+{
+    QList<RowContent> rows = rowsNumbered(0, 1000);
+    rows[700].lines.append({u"own\u200ftext"_s, RowContent::TextStyle::smallestCaption, RowContent::Origin::own});
+    rows[700].lines.append({u"hidden\u202e"_s, RowContent::TextStyle::smallestCaption});
+    list->setRows(rows);
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(list->widget());
+    const auto described = [interface] {
+        QAccessibleInterface *row = interface->child(700);
+        QStringList parts{row->text(QAccessible::Name), row->text(QAccessible::Description)};
+        for (int index = 0; index < row->childCount(); ++index) {
+            QAccessibleInterface *part = row->child(index);
+            EXPECT_EQ(part->parent(), row);
+            EXPECT_EQ(row->indexOfChild(part), index);
+            parts.append(part->text(QAccessible::Name) + u'|' + part->text(QAccessible::Description) + u'|' +
+                         QString::number(part->role()) + u'|' + QString::number(part->state().disabled));
+        }
+        return parts;
+    };
+    const QStringList unmade = described();
+    const QRect place = interface->child(700)->rect();
+    EXPECT_EQ(list->madeRow(700), nullptr);
+    list->row(700);
+    EXPECT_EQ(described(), unmade);
+    EXPECT_EQ(interface->child(700)->rect(), place);
+    EXPECT_EQ(interface->child(700)->object(), list->row(700));
+}
+
+TEST_F(RowListTest, PressesAndFocusesAButtonOfARowThatIsNoWidget)
+{
+    list->setRows(rowsNumbered(0, 1000));
+    QSignalSpy pressed(list, &RowList::pressed);
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(list->widget());
+    const auto buttonOf = [interface](int row, const QString &name) -> QAccessibleInterface * {
+        for (int index = 0; index < interface->child(row)->childCount(); ++index) {
+            if (interface->child(row)->child(index)->text(QAccessible::Name) == name)
+                return interface->child(row)->child(index);
+        }
+        return nullptr;
+    };
+    EXPECT_EQ(list->madeRow(700), nullptr);
+    EXPECT_TRUE(buttonOf(700, u"Stop"_s)->actionInterface()->actionNames().isEmpty()) << "it is disabled";
+    buttonOf(700, u"Delete"_s)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    ASSERT_TRUE(waitUntil([&pressed] { return pressed.count() == 1; }));
+    EXPECT_EQ(pressed[0], (QVariantList{700, deleteThing}));
+    buttonOf(400, u"Start"_s)->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+    EXPECT_EQ(focusedText(), u"Start row400"_s);
+}
+
+TEST_F(RowListTest, ForgetsRowsThatWereNoWidgetsWhenOthersCome)
+{
+    list->setRows(rowsNumbered(0, 1000));
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(list->widget());
+    const QAccessible::Id id = QAccessible::uniqueId(interface->child(700));
+    EXPECT_EQ(QAccessible::uniqueId(interface->child(700)), id) << "the same while nothing changes";
+    list->setRows(rowsNumbered(1, 800));
+    EXPECT_EQ(interface->child(700)->text(QAccessible::Name), u"row701"_s);
+    EXPECT_TRUE(waitUntil([id] { return QAccessible::accessibleInterface(id) == nullptr; }));
+}

@@ -199,3 +199,21 @@ TEST_F(RowListTest, ShowsTheFocusOnARowWhateverTheStyle)
     EXPECT_TRUE(isRinged());
     row->setStyle(nullptr); // which the row outlives
 }
+
+TEST_F(RowListTest, TellsWhenTheFocusHasNoRowLeft)
+{
+    QSignalSpy left(list, &RowList::focusLeft);
+    list->setRows(rowsNumbered(0, 2));
+    list->setRows({});
+    EXPECT_EQ(left.count(), 0) << "the focus was elsewhere";
+    list->setRows(rowsNumbered(0, 2));
+    button(1, 0)->setFocus();
+    list->setRows(rowsNumbered(0, 1));
+    EXPECT_EQ(left.count(), 0);
+    list->setRows({});
+    EXPECT_EQ(left.count(), 1);
+    list->setRows(rowsNumbered(0, 2));
+    button(1, 0)->setFocus();
+    list->hide();
+    EXPECT_EQ(left.count(), 2);
+}
