@@ -153,6 +153,9 @@ void SetupHeader::showNote()
         m_note = new NoteText(Typography::callout(), Colours::secondary, this);
         auto *column = static_cast<QVBoxLayout *>(layout());
         column->insertWidget(column->indexOf(m_progress) + 1, m_note);
+        setTabOrder(m_cancel, m_note);
+        if (m_log != nullptr)
+            m_note->stackUnder(m_log); // which is the order of reading, too
     }
     if (m_note != nullptr)
         m_note->setText(note);
@@ -165,6 +168,7 @@ void SetupHeader::showLog()
     } else if (!m_setup.log().isEmpty()) {
         m_log = new LogBox(u"Setup log"_s, logHeight, [&setup = m_setup] { return setup.log(); }, this);
         layout()->addWidget(m_log);
+        setTabOrder(m_note != nullptr ? static_cast<QWidget *>(m_note) : m_cancel, m_log);
         m_log->hideWhileEmpty();
     }
 }

@@ -1,5 +1,6 @@
 #include "Screens/KeyboardWalk.h"
 
+#include "Look/NoteText.h"
 #include "Screens/ContentView/ContainersViewTest.h"
 #include "Screens/ContentView/RunViewSteps.h"
 
@@ -27,6 +28,22 @@ TEST(KeyboardWalk, VisitsTheRunScreenWithOrbStackStopped)
     ContentView &content = window.show();
     EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
     expectGoodFor(content);
+}
+
+TEST(KeyboardWalk, VisitsTheNoteAndTheLogOfOrbStackInTheirPlaces)
+{
+    TestWindow window;
+    window.orbStack.tools().addTool(u"orb"_s, u"[ \"$1\" = start ] && { seq 50; exec sleep 60; }; echo Stopped"_s);
+    ContentView &content = window.show();
+    EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
+    press(content, u"Start"_s, u"Start OrbStack"_s);
+    EXPECT_TRUE(waitUntil([&] { return shows(content, u"Setup log"_s); }));
+    auto *note = content.findChild<NoteText *>();
+    auto *log = find<QWidget>(content, u"Setup log"_s);
+    ASSERT_TRUE(note != nullptr && note->isVisible());
+    note->setText(u"a note that scrolls\n"_s.repeated(20));
+    expectGoodFor(content);
+    EXPECT_LT(note->parentWidget()->children().indexOf(note), log->parentWidget()->children().indexOf(log));
 }
 
 TEST(KeyboardWalk, VisitsTheRunScreenWithEverythingFilledIn)
