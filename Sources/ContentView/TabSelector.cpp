@@ -5,6 +5,7 @@
 #include "Look/RoundedFrame.h"
 
 #include <QPainter>
+#include <QWheelEvent>
 
 namespace
 {
@@ -80,6 +81,11 @@ void TabSelector::followSelection()
     setFocusProxy(selected);
     if (isFocused)
         selected->setFocus(Qt::OtherFocusReason);
+}
+
+void TabSelector::wheelEvent(QWheelEvent *event)
+{
+    event->ignore();
 }
 
 void TabSelector::paintEvent(QPaintEvent *)

@@ -1,7 +1,7 @@
 #pragma once
 
 // The row of tabs as a segmented control: a rounded strip whose selected segment is raised; it takes its own width
-// only.
+// only. The wheel selects nothing here: another tab discards what was typed.
 //
 // To the keyboard and to assistive technology it is a list of tabs named by their labels, of which the selected one has
 // the focus: a tab bar of Qt's keeps the focus to itself, so that a screen reader speaks neither tab nor place.
@@ -37,6 +37,7 @@ protected:
     QSize minimumTabSizeHint(int index) const override;
     void tabInserted(int index) override;
     void tabLayoutChange() override;
+    void wheelEvent(QWheelEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
