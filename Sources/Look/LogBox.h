@@ -3,7 +3,7 @@
 // A scrolling box of fixed height with what a tool printed, in small monospaced type on a faint tint, filling the
 // width. However often its text changes it is redrawn once per frame at most.
 
-#include "Look/PlainTextBox.h"
+#include "Look/PlainText/PlainTextBox.h"
 
 #include <QTimer>
 

@@ -5,7 +5,7 @@
 // is its text, which is announced when it appears.
 
 #include "Look/Colours.h"
-#include "Look/PlainTextBox.h"
+#include "Look/PlainText/PlainTextBox.h"
 
 class NoteText : public PlainTextBox
 {

@@ -52,7 +52,7 @@ class Heard(WindowCase):
     def test_the_run_tab_is_walked_through(self):
         self.start_listening(before=lambda tidewell: tidewell.orb("create", "debian", "box"))
         self.tidewell.wait_for_choice("Machine", "box")
-        self.press("Tab", "Machine combo box.", "box.")
+        self.press("ctrl+Tab", "Machine combo box.", "box.")
         self.press("Tab", "Disposable mode check box not checked.")
         self.press("Tab", "Share a folder… push button.")
         self.press("Tab", "10 minute time limit check box checked.")
@@ -73,7 +73,7 @@ class Heard(WindowCase):
     def test_a_run_in_a_disposable_machine_is_heard_from_its_start_to_its_end_and_found_in_the_history(self):
         self.start_listening()
         self.write("Script", "seq 1000; exit 3")
-        self.press("Tab", "Machine combo box.", "No machines.")
+        self.press("ctrl+Tab", "Machine combo box.", "No machines.")
         self.press("Tab", "Disposable mode check box not checked.")
         question = (
             "alert Use disposable mode?",
@@ -103,7 +103,7 @@ class Heard(WindowCase):
         self.press("Tab", "Clear all push button.", "Delete all entries of the history.")
         self.press("Tab", *row, "Load push button.", "Load seq 1000; exit 3.")
         self.press("Tab", "Delete push button.", "Delete seq 1000; exit 3.")
-        self.press("space", *STOP_ORBSTACK)
+        self.press("space", *tab(3))
 
     def test_a_machine_is_created_and_deleted(self):
         self.start_listening()
@@ -131,7 +131,7 @@ class Heard(WindowCase):
         self.press("shift+Tab", "Delete push button.")
         self.keyboard.press("space")
         # Where the keyboard is while the machine is being deleted may be heard, too.
-        self.reader.expect_each_of("notification Deleted box.", *STOP_ORBSTACK)
+        self.reader.expect_each_of("notification Deleted box.", "Name (e.g. scratch) text.")
 
     def test_the_fields_for_a_container_and_why_there_is_none_are_heard(self):
         self.start_listening()

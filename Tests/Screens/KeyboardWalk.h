@@ -1,7 +1,8 @@
 #pragma once
 
-// A window walked through by Tab, as somebody does who does not see it.
+// A window walked through by Tab (and Control-Tab out of the script), as somebody does who does not see it.
 
+#include "ContentView/Screens/ScriptEditor.h"
 #include "ContentView/TabSelector.h"
 #include "OutputPane/OutputPane.h"
 #include "Screens/ByName.h"
@@ -68,7 +69,10 @@ inline QList<QWidget *> stops(const QWidget &window, Qt::Key key)
     for (QWidget *widget = window.focusWidget(); widget != nullptr && !visited.contains(widget);
          widget = window.focusWidget()) {
         visited.append(widget);
-        QTest::keyClick(widget, key, key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier);
+        // In the script a Tab is a tab.
+        const Qt::KeyboardModifiers goingOn =
+            qobject_cast<ScriptEditor *>(widget) != nullptr ? Qt::ControlModifier : Qt::NoModifier;
+        QTest::keyClick(widget, key, key == Qt::Key_Backtab ? Qt::ShiftModifier : goingOn);
     }
     EXPECT_EQ(window.focusWidget(), visited.value(0)) << "Tab does not come back";
     return visited;

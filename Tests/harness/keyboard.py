@@ -33,14 +33,15 @@ class Keyboard:
         self._tidewell.desktop.type_text(text)
 
     def tab_to(self, name, description=None):
-        """Presses Tab until the thing has the keyboard."""
+        """Presses Tab (Control-Tab in the script) until the thing has the keyboard."""
         visited = []
         for _ in range(_MOST_STEPS):
             node = self.focused()
             if node and node.name == name and description in (None, node.description):
                 return node
             visited.append(repr(node))
-            self.press("Tab")
+            # In the script a Tab is a tab.
+            self.press("ctrl+Tab" if node and node.name == "Script" else "Tab")
             try:
                 wait_until(lambda before=node: self.focused() != before, "Tab moves on", limit=2)
             except NotInTime:

@@ -1,10 +1,17 @@
 #include "ContentView/Screens/ScriptEditor.h"
+#include "Look/Colours.h"
 #include "RunController/RunController.h"
 
+#include <QClipboard>
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QMimeData>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
+#include <QTextBlock>
+#include <QUrl>
+#include <QVBoxLayout>
 
 #include <gtest/gtest.h>
 
@@ -70,11 +77,80 @@ TEST(ScriptEditor, TakesPlainTextOnly)
     EXPECT_EQ(run.script(), u"plain one\ntwo"_s);
 }
 
-TEST(ScriptEditor, LetsTheTabKeyMoveOn)
+TEST(ScriptEditor, TypesATabAndIsLeftByControlTabAndShiftTab)
+{
+    RunController run;
+    QWidget window;
+    auto *layout = new QVBoxLayout(&window);
+    auto *before = new QPushButton(u"before"_s);
+    auto *editor = new ScriptEditor(run);
+    auto *after = new QPushButton(u"after"_s);
+    for (QWidget *widget : std::initializer_list<QWidget *>{before, editor, after})
+        layout->addWidget(widget);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    editor->setFocus();
+    QTest::keyClicks(editor, u"if"_s);
+    QTest::keyClick(editor, Qt::Key_Tab);
+    EXPECT_EQ(run.script(), u"if\t"_s);
+    EXPECT_EQ(window.focusWidget(), editor);
+    editor->undo();
+    EXPECT_EQ(run.script(), u"if"_s);
+    for (const Qt::KeyboardModifier control : {Qt::ControlModifier, Qt::MetaModifier}) {
+        QTest::keyClick(editor, Qt::Key_Tab, control);
+        EXPECT_EQ(window.focusWidget(), after);
+        editor->setFocus();
+        QTest::keyClick(editor, Qt::Key_Backtab, control | Qt::ShiftModifier);
+        EXPECT_EQ(window.focusWidget(), before);
+        editor->setFocus();
+    }
+    QTest::keyClick(editor, Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(window.focusWidget(), before);
+    EXPECT_EQ(run.script(), u"if"_s);
+}
+
+TEST(ScriptEditor, TypesThePathOfADroppedFile)
+{
+    RunController run;
+    OpenEditor editor(run);
+    QMimeData one;
+    one.setUrls({QUrl::fromLocalFile(u"/Users/ann/notes.txt"_s)});
+    EXPECT_TRUE(editor.canInsertFromMimeData(&one));
+    editor.insertFromMimeData(&one);
+    EXPECT_EQ(run.script(), u"/Users/ann/notes.txt"_s);
+    editor.clear();
+    QMimeData several;
+    several.setUrls({QUrl::fromLocalFile(u"/tmp/a b"_s), QUrl::fromLocalFile(u"/tmp/it's"_s)});
+    editor.insertFromMimeData(&several);
+    EXPECT_EQ(run.script(), u"'/tmp/a b' '/tmp/it'\\''s'"_s) << "each one word of a shell";
+    editor.clear();
+    QMimeData link;
+    link.setUrls({QUrl(u"https://example.org/"_s)});
+    editor.insertFromMimeData(&link);
+    EXPECT_EQ(run.script(), u"https://example.org/"_s);
+}
+
+TEST(ScriptEditor, KeepsItsOutlineWhileFocusedAndShowsTheFocusWithin)
 {
     RunController run;
     ScriptEditor editor(run);
-    EXPECT_TRUE(editor.tabChangesFocus());
+    QPalette palette = editor.palette();
+    palette.setColor(QPalette::Highlight, Qt::magenta);
+    editor.setPalette(palette);
+    editor.resize(400, 120);
+    editor.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&editor));
+    const auto pixel = [&editor](int x) { return editor.grab().toImage().pixelColor(x, 60).rgb(); };
+    const QRgb outline = Colours::line(palette, 0.4F).rgb();
+    const QRgb ring = QColor(Qt::magenta).rgb();
+    for (const bool isFocused : {false, true}) {
+        isFocused ? editor.setFocus() : editor.clearFocus();
+        EXPECT_EQ(pixel(0), outline);
+        EXPECT_EQ(pixel(399), outline);
+        EXPECT_EQ(pixel(1) == ring, isFocused);
+        EXPECT_EQ(pixel(2) == ring, isFocused);
+        EXPECT_NE(pixel(3), ring);
+    }
 }
 
 TEST(ScriptEditor, IsAtLeast120AndAtMost200High)

@@ -2,8 +2,7 @@
 
 // Read-only text of any length that the user can select, copy and scroll: the common part of LogBox and NoteText.
 //
-// Showing a text that only grew costs what is new. A line of any length is as cheap as short ones: it is held as a
-// chain of short paragraphs, which are joined again when they are copied.
+// Showing a text that only grew costs what is new. A line of any length is as cheap as short ones (see LongLines).
 
 #include <QPlainTextEdit>
 
@@ -32,8 +31,6 @@ protected:
     QMimeData *createMimeDataFromSelection() const override;
 
 private:
-    void append(QStringView tail);
-
     const WhenGrowing m_whenGrowing;
     QString m_shown;
     bool m_hidesWhileEmpty = false;
