@@ -23,6 +23,7 @@ namespace
 {
 
 constexpr std::chrono::milliseconds untilPainted(20);
+constexpr QMargins padding(12, 12, 12, 12);
 
 // A task may wake after the window, and at the application's end after a controller, is gone.
 
@@ -68,7 +69,7 @@ ContentView::ContentView(const Controllers &controllers, QWidget *parent, std::c
     layout->setSpacing(0);
 
     auto *header = new SetupHeader(controllers.setup, this);
-    header->layout()->setContentsMargins(12, 12, 12, 12);
+    header->layout()->setContentsMargins(padding);
     layout->addWidget(header);
     layout->addWidget(new Divider(this));
 
@@ -163,7 +164,8 @@ QWidget *ContentView::makeScreen()
         return new MachinesView(m_controllers);
     case AppTab::history: {
         auto *history = new HistoryView(m_controllers);
-        connect(history, &HistoryView::tabRequested, this, &ContentView::setTab);
+        connect(history, &HistoryView::loadRequested, this, &ContentView::replaceScript);
+        connect(history, &HistoryView::focusLeft, this, &ContentView::focusScreen);
         return history;
     }
     case AppTab::containers:
@@ -189,7 +191,9 @@ void ContentView::showScreen()
         before->deleteLater();
 
     QWidget *screen = makeScreen();
-    screen->layout()->setContentsMargins(12, 12, 12, 12);
+    // Around whatever padding is the screen's own, which depends on where it stands.
+    screen->setParent(m_screen->viewport());
+    screen->layout()->setContentsMargins(screen->layout()->contentsMargins() + padding);
     screen->setAutoFillBackground(false);
     m_screen->setWidget(screen);
 }

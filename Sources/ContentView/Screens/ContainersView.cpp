@@ -53,6 +53,7 @@ ContainersView::ContainersView(const Controllers &controllers, QWidget *parent)
       m_setup(controllers.setup)
 {
     auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(10);
     layout->addLayout(makeHeader());
     layout->addWidget(makeForm());
@@ -68,6 +69,7 @@ ContainersView::ContainersView(const Controllers &controllers, QWidget *parent)
     layout->addWidget(m_list, 1);
 
     connect(m_list, &RowList::pressed, this, &ContainersView::press);
+    connect(m_list, &RowList::focusLeft, m_image, [this] { m_image->setFocus(Qt::OtherFocusReason); });
     for (const auto changed : {&ContainerStore::containersChanged, &ContainerStore::errorChanged,
                                &ContainerStore::busyChanged, &ContainerStore::messageChanged})
         connect(&m_containers, changed, this, &ContainersView::showFields);

@@ -9,7 +9,6 @@
 #include "Look/PlainLabel.h"
 #include "Look/Rows/RowList.h"
 #include "Look/Typography.h"
-#include "RunController/RunController.h"
 #include "Text/Duration.h"
 #include "Text/VisibleText.h"
 
@@ -58,11 +57,9 @@ QString saveErrorText(const std::optional<QString> &reason)
 
 HistoryView::HistoryView(const Controllers &controllers, QWidget *parent)
     : QWidget(parent),
-      m_history(controllers.history),
-      m_run(controllers.run)
+      m_history(controllers.history)
 {
     auto *layout = new QVBoxLayout(this);
-    layout->setSpacing(10);
     auto *header = new QHBoxLayout;
     header->addWidget(
         new PlainLabel(u"Last 50 runs"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this));
@@ -80,6 +77,7 @@ HistoryView::HistoryView(const Controllers &controllers, QWidget *parent)
 
     connect(m_clear, &QPushButton::clicked, this, [this] { m_history.clear(); });
     connect(m_list, &RowList::pressed, this, &HistoryView::press);
+    connect(m_list, &RowList::focusLeft, this, &HistoryView::focusLeft);
     for (const auto changed : {&HistoryStore::entriesChanged, &HistoryStore::saveErrorChanged})
         connect(&m_history, changed, this, &HistoryView::showFields);
     showFields();
@@ -95,6 +93,8 @@ void HistoryView::showFields()
     m_list->setRows(rows);
     m_list->setVisible(!rows.isEmpty());
     m_hint->setVisible(rows.isEmpty());
+    if (rows.isEmpty() && window()->focusWidget() == m_clear)
+        Q_EMIT focusLeft();
     m_clear->setEnabled(!rows.isEmpty());
     m_saveError->setText(saveErrorText(m_history.saveError()));
 }
@@ -104,8 +104,7 @@ void HistoryView::press(int row, int action)
     const HistoryEntry entry = m_history.entries().at(row);
     switch (action) {
     case loadCommand:
-        m_run.setScript(entry.command);
-        Q_EMIT tabRequested(AppTab::run);
+        Q_EMIT loadRequested(entry.command);
         break;
     case deleteEntry:
         m_history.remove(entry);

@@ -4,7 +4,6 @@
 // all, at once and without a question. Says so while the list cannot be saved. Shows the fields of HistoryStore and
 // keeps nothing of its own.
 
-#include "ContentView/AppTab.h"
 #include "ContentView/Controllers.h"
 
 #include <QWidget>
@@ -22,15 +21,17 @@ public:
     explicit HistoryView(const Controllers &controllers, QWidget *parent = nullptr);
 
 Q_SIGNALS:
-    /// The window is to show this tab; the screen may be discarded by it.
-    void tabRequested(AppTab tab);
+    /// This command is to stand in the editor of the Run screen; this screen may be discarded by it.
+    void loadRequested(const QString &command);
+
+    /// What had the focus is about to go, and nothing here can take it.
+    void focusLeft();
 
 private:
     void showFields();
     void press(int row, int action);
 
     HistoryStore &m_history;
-    RunController &m_run;
     QPushButton *m_clear;
     NoteText *m_saveError;
     PlainLabel *m_hint;

@@ -75,6 +75,7 @@ MachinesView::MachinesView(const Controllers &controllers, QWidget *parent)
     layout->addStretch();
 
     connect(m_list, &RowList::pressed, this, &MachinesView::press);
+    connect(m_list, &RowList::focusLeft, m_name, [this] { m_name->setFocus(Qt::OtherFocusReason); });
     connect(&m_machines, &MachineStore::logChanged, m_log, &LogBox::reload);
     for (const auto changed : {&MachineStore::logChanged, &MachineStore::busyChanged})
         connect(&m_machines, changed, this, &MachinesView::announceOutcome);

@@ -46,6 +46,7 @@ RunView::RunView(const Controllers &controllers, const RunActions &actions, QWid
       m_controllers(controllers)
 {
     auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(sectionSpacing);
     m_editor = new ScriptEditor(controllers.run, this);
     setFocusProxy(m_editor);
@@ -240,14 +241,18 @@ void RunView::showFields()
     const bool isRunning = m_controllers.run.isRunning();
     const QWidget *focused = window()->focusWidget();
     const bool handsOnFocus = focused == m_run || focused == m_status->focusProxy();
+    const bool canInstall = !isRunning && orbRuns && !isDisposable && selectedMachine() != nullptr &&
+                            !TrimmedText::withoutSpacesAndTabs(m_packages->text()).isEmpty();
 
     m_machine->setEnabled(!isDisposable);
     m_machineLabel->setEnabled(!isDisposable);
     m_distribution->setVisible(isDisposable);
     m_disposableCaption->setVisible(isDisposable);
     m_folderWarning->setVisible(m_folder->folder().has_value());
-    m_install->setEnabled(!isRunning && orbRuns && !isDisposable && selectedMachine() != nullptr &&
-                          !TrimmedText::withoutSpacesAndTabs(m_packages->text()).isEmpty());
+    // Not on to Run or Stop, which the next press would then be for.
+    if (!canInstall && focused == m_install)
+        m_packages->setFocus(Qt::OtherFocusReason);
+    m_install->setEnabled(canInstall);
     m_run->setEnabled(canRun());
     m_run->setVisible(!isRunning);
     m_status->setVisible(isRunning);

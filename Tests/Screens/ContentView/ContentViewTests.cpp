@@ -8,6 +8,8 @@
 #include <QScrollArea>
 #include <QSignalSpy>
 #include <QTabBar>
+#include <QVBoxLayout>
+#include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -78,7 +80,15 @@ TEST(ContentView, PadsHeaderTabsAndScreen)
     EXPECT_EQ(screen.bottom(), content.rect().bottom());
     for (const AppTab tab : allAppTabs) {
         content.setTab(tab);
-        EXPECT_EQ(content.findChild<QScrollArea *>()->widget()->layout()->contentsMargins(), QMargins(12, 12, 12, 12));
+        const QWidget *shown = content.findChild<QScrollArea *>()->widget();
+        // These two have the toolkit's own padding, beside the window's.
+        QMargins padding(12, 12, 12, 12);
+        if (tab == AppTab::machines || tab == AppTab::history) {
+            QWidget *within = new QWidget(content.findChild<QScrollArea *>()->viewport());
+            padding += (new QVBoxLayout(within))->contentsMargins();
+            EXPECT_GT(padding.top(), 12);
+        }
+        EXPECT_EQ(shown->layout()->contentsMargins(), padding);
     }
 }
 
@@ -130,6 +140,19 @@ TEST(ContentView, ChangesTabsByKeyboardAndByMouse)
     EXPECT_EQ(content.tab(), AppTab::containers);
     QTest::keyClick(tabs(content), Qt::Key_Left);
     EXPECT_EQ(content.tab(), AppTab::history);
+}
+
+TEST(ContentView, KeepsItsScreenWhenTheWheelTurnsOverTheTabs)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    ByName::find<QLineEdit>(content, u"Packages, e.g. git curl"_s)->setText(u"git"_s);
+    const QPoint middle = tabs(content)->rect().center();
+    QWheelEvent down(middle, tabs(content)->mapToGlobal(middle), {}, QPoint(0, -120), Qt::NoButton, {},
+                     Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(tabs(content), &down);
+    EXPECT_EQ(content.tab(), AppTab::run);
+    EXPECT_EQ(ByName::find<QLineEdit>(content, u"Packages, e.g. git curl"_s)->text(), u"git"_s);
 }
 
 TEST(ContentView, BuildsTheSelectedScreenFreshAndNoOther)
@@ -276,7 +299,8 @@ TEST(ContentView, ReadsFromTopToBottomWithTheTabKey)
     QStringList order;
     for (int step = 0; step < 14; ++step) {
         order.append(ByName::nameOf(content.focusWidget()));
-        QTest::keyClick(content.focusWidget(), Qt::Key_Tab);
+        const bool isScript = order.last() == u"Script"_s;
+        QTest::keyClick(content.focusWidget(), Qt::Key_Tab, isScript ? Qt::ControlModifier : Qt::NoModifier);
     }
     EXPECT_EQ(order,
               QStringList({u"Stop"_s, u"Run"_s, u"Script"_s, u"Machine"_s, u"Disposable mode"_s, u"Share a folder…"_s,

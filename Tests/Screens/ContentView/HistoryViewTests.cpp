@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
 
@@ -142,8 +143,10 @@ TEST_F(HistoryViewTest, DeletesOneEntryAtOnce)
     ASSERT_EQ(window.history.entries().size(), 2);
     EXPECT_EQ(rowTexts(0)[0], u"echo 2"_s);
     EXPECT_EQ(rowTexts(1)[0], u"echo 0"_s);
-    press(view(), u"Delete"_s, u"Delete echo 2"_s);
-    press(view(), u"Delete"_s, u"Delete echo 0"_s);
+    for (const QString &each : {u"echo 2"_s, u"echo 0"_s}) {
+        ByName::find<QPushButton>(view(), u"Delete"_s, u"Delete "_s + each)->setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    }
     EXPECT_TRUE(shows(view(), noRuns));
     EXPECT_FALSE(isOffered(view(), u"Clear all"_s));
     EXPECT_FALSE(list().isVisible());
@@ -292,6 +295,54 @@ TEST_F(HistoryViewTest, LeavesTheKeyboardSomewhereUsefulWhenTheLastEntryGoes)
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
     EXPECT_TRUE(window.history.entries().isEmpty());
     ASSERT_NE(QApplication::focusWidget(), nullptr);
-    EXPECT_TRUE(QApplication::focusWidget()->isVisible());
-    EXPECT_TRUE(QApplication::focusWidget()->isEnabled());
+    EXPECT_EQ(ByName::nameOf(QApplication::focusWidget()), u"History"_s) << "the tab";
+    addNumbered(2);
+    ByName::find<QPushButton>(view(), u"Clear all"_s)->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_EQ(ByName::nameOf(QApplication::focusWidget()), u"History"_s);
+}
+
+TEST_F(HistoryViewTest, DeletesOneRunByTwoQuickClicks)
+{
+    addNumbered(5);
+    show();
+    QPushButton *first = list().row(0)->buttons()[1];
+    const QPoint place = first->mapToGlobal(first->rect().center());
+    QTest::mouseClick(first, Qt::LeftButton);
+    EXPECT_EQ(window.history.entries().size(), 4);
+    const auto clickThere = [&](QPoint offset) {
+        QPushButton *there = list().row(0)->buttons()[1];
+        EXPECT_EQ(there->mapToGlobal(there->rect().center()), place);
+        QTest::mouseClick(there, Qt::LeftButton, {}, there->rect().center() + offset);
+    };
+    clickThere({});
+    QTest::mouseDClick(list().row(0)->buttons()[1], Qt::LeftButton);
+    EXPECT_EQ(window.history.entries().size(), 4);
+    clickThere({QApplication::startDragDistance(), 0});
+    EXPECT_EQ(window.history.entries().size(), 3) << "the pointer has moved";
+    EXPECT_TRUE(waitUntil([&] {
+        clickThere({QApplication::startDragDistance(), 0});
+        return window.history.entries().size() == 2;
+    })) << "a moment has passed";
+}
+
+TEST_F(HistoryViewTest, LoadsACommandSoThatItCanBeUndone)
+{
+    window.history.add(entryOf(u"make test"_s));
+    window.run.setScript(u"not saved anywhere"_s);
+    show();
+    press(view(), u"Load"_s, u"Load make test"_s);
+    EXPECT_EQ(window.run.script(), u"make test"_s);
+    auto *editor = ByName::find<QPlainTextEdit>(window.content(), u"Script"_s);
+    QTest::keySequence(editor, QKeySequence::Undo);
+    EXPECT_EQ(window.run.script(), u"not saved anywhere"_s);
+}
+
+TEST_F(HistoryViewTest, LoadsACommandAsItWasAlsoWithLineEndsThatTheEditorHasNot)
+{
+    const QString command = u"printf 'a\r\nb\u2028c\u00a0'\r"_s;
+    window.history.add(entryOf(command));
+    show();
+    press(view(), u"Load"_s);
+    EXPECT_EQ(window.run.script(), command);
 }

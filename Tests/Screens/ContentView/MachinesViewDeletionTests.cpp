@@ -71,6 +71,25 @@ TEST_F(MachinesViewTest, TellsOfAMachineThatWentAwayWhileItsDeletionWasAskedFor)
     EXPECT_TRUE(shows(view(), noMachines));
 }
 
+TEST_F(MachinesViewTest, GivesTheKeyboardToTheNameWhenTheLastMachineOrOrbStackGoes)
+{
+    show();
+    const auto focusRow = [this] { list().row(list().count() - 1)->buttons().last()->setFocus(); };
+    focusRow();
+    window.orbStack.setRunning(false);
+    window.content().refresh();
+    ASSERT_TRUE(waitUntil([this] { return window.setup.state() == OrbState::stopped; }));
+    EXPECT_EQ(window.content().focusWidget(), &nameField());
+    window.orbStack.setRunning(true);
+    window.content().refresh();
+    ASSERT_TRUE(waitUntil([this] { return list().isVisible(); }));
+    focusRow();
+    window.orbStack.setMachines({});
+    window.content().refresh();
+    ASSERT_TRUE(waitUntil([this] { return list().count() == 0; }));
+    EXPECT_EQ(window.content().focusWidget(), &nameField());
+}
+
 TEST_F(MachinesViewTest, GoesAwayWithItsQuestion)
 {
     show();

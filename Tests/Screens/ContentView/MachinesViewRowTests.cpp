@@ -1,5 +1,7 @@
 #include "Screens/ContentView/MachinesViewTest.h"
 
+#include <QLayout>
+
 TEST_F(MachinesViewTest, ShowsTwoMachinesOfTheSameName)
 {
     window.orbStack.setRunning(true);
@@ -30,7 +32,7 @@ TEST_F(MachinesViewTest, SetsItsTextsInTheTypeOfTheirRank)
     auto *log = find<LogBox>(view(), u"Machine log"_s);
     ASSERT_NE(log, nullptr);
     EXPECT_EQ(log->font(), Typography::monospaced(11));
-    EXPECT_EQ(log->width(), view().contentsRect().width() - 24);
+    EXPECT_EQ(log->width(), view().layout()->contentsRect().width());
 }
 
 TEST_F(MachinesViewTest, ShowsHostileNamesAsTheyAre)
