@@ -15,6 +15,11 @@ endif()
 if(TIDEWELL_SANITIZER STREQUAL "address")
   target_compile_options(TidewellOptions INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all)
   target_link_options(TidewellOptions INTERFACE -fsanitize=address,undefined)
+elseif(TIDEWELL_SANITIZER STREQUAL "fuzzer")
+  # Qt and QCoro are not built with the sanitizers, so what is told of calls through their pointers would mean nothing.
+  target_compile_options(TidewellOptions INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+                                                   -fno-sanitize=vptr,function -fno-sanitize-recover=all)
+  target_link_options(TidewellOptions INTERFACE -fsanitize=address,undefined)
 elseif(TIDEWELL_SANITIZER STREQUAL "thread")
   target_compile_options(TidewellOptions INTERFACE -fsanitize=thread)
   target_link_options(TidewellOptions INTERFACE -fsanitize=thread)
