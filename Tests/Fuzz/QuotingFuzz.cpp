@@ -8,8 +8,10 @@
 #include <spawn.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <deque>
 #include <initializer_list>
+#include <vector>
 
 using Fuzzing::require;
 using namespace Qt::StringLiterals;
@@ -57,7 +59,10 @@ public:
         QByteArray output;
         while (output.count('\0') < nuls) {
             pollfd entries[] = {{m_output, POLLIN, 0}, {written < script.size() ? m_input : -1, POLLOUT, 0}};
-            if (::poll(entries, 2, 5000) <= 0)
+            const int ready = ::poll(entries, 2, 5000);
+            if (ready < 0 && errno == EINTR) // the fuzzer's own alarm
+                continue;
+            if (ready <= 0)
                 break;
             if (entries[1].revents != 0) {
                 // So much always fits into a pipe that can be written to.
