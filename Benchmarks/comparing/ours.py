@@ -50,7 +50,7 @@ APPENDING = Program("AppendingChunks")
 STARTING_AND_IDLING = Program("start-and-idle", is_long=True)
 # A little less than the ten minutes after which the application itself ends a script.
 YES = Program("RunningYes", options=("595",), is_long=True)
-# What cannot be compressed fills the memory that a transcript may take within seconds, and then waits.
+# What hardly compresses goes to the disk within seconds.
 RANDOM_TEXT = Program("RunningYes", "of random text", ("60", "exec base64 -w 76 /dev/urandom"), is_long=True)
 PROGRAMS = (
     SHOWING, STORING, STOCK, *FURTHER_TEXTS, LINE_BY_LINE, WRITING_LINES, LEAVING, COPYING, APPENDING,

@@ -19,7 +19,7 @@ constexpr int chunksPerRound = 2000;
 
 struct Watched {
     RunController run;
-    OutputPane pane{run};
+    OutputPane pane{run, run.transcript().text()};
 
     Watched()
     {

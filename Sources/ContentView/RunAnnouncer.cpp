@@ -32,7 +32,7 @@ void RunAnnouncer::tellOwnLines()
     const Transcript::Position seen = std::exchange(m_seen, transcript.end());
     if (!QAccessible::isActive() || transcript.isEmpty())
         return;
-    const Transcript::Run last = transcript.runAt(transcript.end());
+    const TextView::Run last = transcript.text().runAt(transcript.end());
     if (isOwn(last.kind))
         Announcement::say(m_window, transcript.text().text(std::max(last.begin, seen), last.end));
 }

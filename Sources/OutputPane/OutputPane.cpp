@@ -28,11 +28,12 @@ constexpr qint64 mostSteps = 1'000'000'000;
 
 } // namespace
 
-OutputPane::OutputPane(RunController &controller, QWidget *parent)
+OutputPane::OutputPane(RunController &controller, const TextView &text, QWidget *parent)
     : QAbstractScrollArea(parent),
       m_transcript(controller.transcript()),
+      m_text(text),
       m_font(Typography::monospaced(fontSize)),
-      m_rows(m_transcript.text()),
+      m_rows(m_text),
       m_view(m_rows),
       m_navigation(m_rows, m_font),
       m_cursor(m_rows, m_navigation),
@@ -60,10 +61,16 @@ OutputPane::OutputPane(RunController &controller, QWidget *parent)
         m_cursor.standAtEnd();
         requestFrame();
     });
+    connect(&controller, &RunController::outputLossChanged, this, &OutputPane::requestFrame);
     connect(&m_mouse, &OutputPaneMouse::selected, this, &OutputPane::selectionMoved);
     connect(&m_mouse, &OutputPaneMouse::scrolled, this, &OutputPane::updateScrollBar);
     connect(verticalScrollBar(), &QScrollBar::actionTriggered, this, &OutputPane::scrollByStep);
     connect(verticalScrollBar(), &QScrollBar::sliderReleased, this, &OutputPane::requestFrame);
+}
+
+bool OutputPane::isBlank() const
+{
+    return m_transcript.isEmpty();
 }
 
 QSize OutputPane::sizeHint() const
@@ -109,7 +116,7 @@ void OutputPane::updateScrollBar()
     if (bar->isSliderDown())
         return;
     // Always there when there is something to show, so that no line is broken anew because it comes or goes.
-    setVerticalScrollBarPolicy(transcript().isEmpty() ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAlwaysOn);
+    setVerticalScrollBarPolicy(isBlank() ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAlwaysOn);
     const QScopedValueRollback updating(m_updatesScrollBar, true);
     const qint64 most = m_view.mostAbove();
     m_pixelsPerStep = 1 + most / mostSteps;
@@ -203,7 +210,7 @@ void OutputPane::changeEvent(QEvent *event)
 void OutputPane::paintEvent(QPaintEvent *event)
 {
     QPainter painter(viewport());
-    if (!transcript().isEmpty()) {
+    if (!isBlank()) {
         paintRows(painter, event->rect());
         return;
     }
@@ -222,12 +229,12 @@ void OutputPane::paintRows(QPainter &painter, const QRect &area)
             continue;
         const Position begin = m_rows.begin(visible.row);
         const OutputPaneRow row = m_rows.layOut(visible.row, m_font);
-        Transcript::Run run = transcript().runAt(begin);
+        TextView::Run run = m_text.runAt(begin);
         styles.clear();
         for (const DisplayCluster &cluster : row.clusters()) {
             const Position position = begin + cluster.begin;
             if (position >= run.end)
-                run = transcript().runAt(position);
+                run = m_text.runAt(position);
             styles.push_back({run.kind, position >= m_cursor.begin() && position < m_cursor.end()});
         }
         rowPainter.draw(row, m_rows.bytes(visible.row), styles, QPointF(OutputPaneViewport::padding, visible.y));
@@ -251,7 +258,7 @@ void OutputPane::paintCaret(QPainter &painter)
 OutputPane::Position OutputPane::positionAt(QPoint point)
 {
     if (m_rows.isEmpty())
-        return transcript().begin();
+        return m_text.begin();
     return m_navigation.positionIn(m_view.rowAt(point.y()), point.x() - OutputPaneViewport::padding);
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
-// The scrolling view of a run's transcript: one selectable text, each piece coloured by its kind, wrapped at the pane's
-// width. It is a view only: it draws the rows that are visible straight from the transcript, keeps no copy, and never
-// writes to the controller. Every append brings the end into view, unless the user holds a mouse button here: then as
-// soon as the button is released. However much arrives, the pane is brought up to date at most once a frame.
+// The scrolling view of runs' output: one selectable text, each piece coloured by its kind, wrapped at the pane's
+// width. It is a view only: it draws the rows that are visible straight from the store of text, keeps no copy, and
+// never writes to the controller. Every append brings the end into view, unless the user holds a mouse button here:
+// then as soon as the button is released. However much arrives, the pane is brought up to date at most once a frame.
 
 #include "Look/CellFont.h"
 #include "OutputPane/OutputPaneAccessible.h"
@@ -25,12 +25,14 @@ class OutputPane : public QAbstractScrollArea
     Q_OBJECT
 
 public:
-    using Position = TextStore::Position;
+    using Position = TextView::Position;
 
-    /// `controller` must outlive the pane.
-    explicit OutputPane(RunController &controller, QWidget *parent = nullptr);
+    /// `text` is one of the views of the controller's transcript; `controller` must outlive the pane.
+    OutputPane(RunController &controller, const TextView &text, QWidget *parent = nullptr);
 
-    const Transcript &transcript() const { return m_transcript; }
+    const TextView &text() const { return m_text; }
+    /// Nothing was ever appended: one line says where output appears.
+    bool isBlank() const;
 
     const OutputPaneCursor &selection() const { return m_cursor; }
     /// Selects from one position to another, where the caret comes to stand.
@@ -87,6 +89,7 @@ private:
     bool isSliderHeld();
 
     const Transcript &m_transcript;
+    const TextView &m_text;
     CellFont m_font;
     OutputPaneRows m_rows;
     OutputPaneViewport m_view;

@@ -2,7 +2,7 @@
 
 #include "OutputPane/OutputPane.h"
 #include "OutputPane/OutputPanePainter.h"
-#include "Transcript/Transcript.h"
+#include "Transcript/TextView.h"
 
 #include <QAccessibleWidget>
 
@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-using Position = TextStore::Position;
+using Position = TextView::Position;
 
 /// Of a flood of output, this much is read out at a time.
 constexpr Position mostAnnounced = Position{16} * 1024;
@@ -60,7 +60,7 @@ public:
 
     QString text(QAccessible::Text kind) const override
     {
-        if (kind == QAccessible::Description && pane().transcript().isEmpty())
+        if (kind == QAccessible::Description && pane().isBlank())
             return u"Output appears here."_s;
         return QAccessibleWidget::text(kind);
     }
@@ -139,11 +139,11 @@ public:
 
     QString attributes(int offset, int *start, int *end) const override
     {
-        if (pane().transcript().isEmpty()) {
+        if (store().isEmpty()) {
             *start = *end = 0;
             return {};
         }
-        const Transcript::Run run = pane().transcript().runAt(position(offset));
+        const TextView::Run run = store().runAt(position(offset));
         *start = this->offset(run.begin);
         *end = this->offset(run.end);
         const QColor colour = OutputPanePainter::colourOf(run.kind, pane().palette());
@@ -152,7 +152,7 @@ public:
 
 private:
     OutputPane &pane() const { return *static_cast<OutputPane *>(widget()); }
-    const TextStore &store() const { return pane().transcript().text(); }
+    const TextView &store() const { return pane().text(); }
     int offset(Position position) const { return asOffset(store().utf16Offset(position)); }
     /// -1 means the end, as assistive technology uses it.
     Position position(int offset) const
@@ -222,15 +222,15 @@ OutputPaneAccessible::Range OutputPaneAccessible::readable(Range range, Position
 
 OutputPaneAccessible::Announcer::Announcer(OutputPane &pane)
     : m_pane(pane),
-      m_begin(pane.transcript().begin()),
-      m_end(pane.transcript().end()),
+      m_begin(pane.text().begin()),
+      m_end(pane.text().end()),
       m_throttle(announcementPause, [this] { announceNow(); })
 {
 }
 
 void OutputPaneAccessible::Announcer::announceNow()
 {
-    const TextStore &text = m_pane.transcript().text();
+    const TextView &text = m_pane.text();
     if (QAccessible::isActive() && text.begin() > m_begin) {
         // What was dropped is gone, so its text cannot be told.
         QAccessibleTextRemoveEvent removed(&m_pane, 0, QString());
@@ -250,7 +250,7 @@ void OutputPaneAccessible::Announcer::announceSelection() const
 {
     if (!QAccessible::isActive())
         return;
-    const TextStore &text = m_pane.transcript().text();
+    const TextView &text = m_pane.text();
     const auto offset = [&](Position position) { return asOffset(text.utf16Offset(position)); };
     const OutputPaneCursor &selection = m_pane.selection();
     QAccessibleTextSelectionEvent selected(&m_pane, offset(selection.begin()), offset(selection.end()));

@@ -4,7 +4,7 @@
 // the transcript. Offsets are UTF-16 code units from the transcript's first character.
 
 #include "OutputPane/Throttle.h"
-#include "Transcript/TextStore.h"
+#include "Transcript/TextView.h"
 
 class OutputPane;
 
@@ -15,13 +15,13 @@ namespace OutputPaneAccessible
 void install();
 
 struct Range {
-    TextStore::Position begin = 0;
-    TextStore::Position end = 0;
+    TextView::Position begin = 0;
+    TextView::Position end = 0;
 };
 
 /// What of a range is handed out at once, when that may be `most` bytes: all of it, or else a stretch of it that lies
 /// around `view`, a position on the screen, as far as the range reaches there. Pure.
-Range readable(Range range, TextStore::Position view, TextStore::Position most);
+Range readable(Range range, TextView::Position view, TextView::Position most);
 
 /// Tells assistive technology, if any listens, what changed since it last did: of arriving text at most twice a second,
 /// because it looks at the whole text after each time. Main thread.
@@ -40,8 +40,8 @@ private:
     void announceNow();
 
     OutputPane &m_pane;
-    TextStore::Position m_begin;
-    TextStore::Position m_end;
+    TextView::Position m_begin;
+    TextView::Position m_end;
     Throttle m_throttle;
 };
 

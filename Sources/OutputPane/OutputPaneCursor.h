@@ -15,7 +15,7 @@ class QKeyEvent;
 class OutputPaneCursor
 {
 public:
-    using Position = TextStore::Position;
+    using Position = TextView::Position;
 
     /// Both must outlive the cursor.
     OutputPaneCursor(OutputPaneRows &rows, const OutputPaneNavigation &navigation);
@@ -70,7 +70,7 @@ private:
     void set(OutputRange held, OutputCaret caret);
     OutputCaret target(Goal goal, int page) const;
     OutputCaret rowsAway(int rows) const;
-    const TextStore &text() const { return m_rows.text(); }
+    const TextView &text() const { return m_rows.text(); }
 
     OutputPaneRows &m_rows;
     const OutputPaneNavigation &m_navigation;

@@ -3,7 +3,6 @@
 #include "OutputPane/OutputPane.h"
 
 #include "OutputPane/OutputCopy.h"
-#include "Transcript/Transcript.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -20,7 +19,7 @@ using namespace Qt::StringLiterals;
 
 QString OutputPane::selectedText() const
 {
-    return transcript().text().text(m_cursor.begin(), m_cursor.end());
+    return m_text.text(m_cursor.begin(), m_cursor.end());
 }
 
 void OutputPane::select(Position from, Position to)
@@ -32,13 +31,13 @@ void OutputPane::select(Position from, Position to)
 
 void OutputPane::selectAll()
 {
-    select(transcript().begin(), transcript().end());
+    select(m_text.begin(), m_text.end());
 }
 
 void OutputPane::copy()
 {
     if (!m_cursor.isEmpty())
-        OutputCopy::copy(this, transcript(), m_cursor.begin(), m_cursor.end());
+        OutputCopy::copy(this, m_text, m_cursor.begin(), m_cursor.end());
 }
 
 void OutputPane::selectionMoved()

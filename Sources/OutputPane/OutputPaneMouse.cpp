@@ -129,7 +129,7 @@ OutputCaret OutputPaneMouse::caretAt(QPoint point)
 
 OutputRange OutputPaneMouse::unitAt(QPoint point)
 {
-    const TextStore::Position position =
+    const TextView::Position position =
         m_navigation.positionIn(m_view.rowAt(point.y()), point.x() - OutputPaneViewport::padding);
     return m_unit == Unit::line ? m_navigation.lineAt(position) : m_navigation.wordAt(position);
 }

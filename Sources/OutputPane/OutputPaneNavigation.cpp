@@ -71,7 +71,7 @@ OutputCaret OutputPaneNavigation::nearest(const Row &row, double x) const
     return caretIn(row, layOut(row).byteNearest(x));
 }
 
-TextStore::Position OutputPaneNavigation::positionIn(const Row &row, double x) const
+TextView::Position OutputPaneNavigation::positionIn(const Row &row, double x) const
 {
     return m_rows.begin(row) + layOut(row).byteAt(x);
 }
@@ -83,44 +83,49 @@ OutputCaret OutputPaneNavigation::caretIn(const Row &row, qint64 byte) const
     return {position, byte > 0 && position == m_rows.end(row)};
 }
 
-TextStore::Position OutputPaneNavigation::nextCharacter(Position position) const
+TextView::Position OutputPaneNavigation::nextCharacter(Position position) const
 {
     const Row row = m_rows.at(position);
     const OutputPaneRow laidOut = layOut(row);
     const std::size_t index = laidOut.indexOf(position - m_rows.begin(row));
-    return index < laidOut.clusters().size() ? m_rows.begin(row) + laidOut.clusters()[index].end() : position;
+    if (index < laidOut.clusters().size())
+        return m_rows.begin(row) + laidOut.clusters()[index].end();
+    return m_rows.text().block(row.block).end();
 }
 
-TextStore::Position OutputPaneNavigation::previousCharacter(Position position) const
+TextView::Position OutputPaneNavigation::previousCharacter(Position position) const
 {
     Row row = m_rows.at(position);
     if (m_rows.begin(row) == position && !m_rows.previous(row))
         return position;
     const OutputPaneRow laidOut = layOut(row);
-    return m_rows.begin(row) + laidOut.clusters()[laidOut.indexOf(position - m_rows.begin(row) - 1)].begin;
+    if (laidOut.clusters().empty())
+        return m_rows.begin(row);
+    const std::size_t index = laidOut.indexOf(position - m_rows.begin(row) - 1);
+    return m_rows.begin(row) + laidOut.clusters()[std::min(index, laidOut.clusters().size() - 1)].begin;
 }
 
-TextStore::Position OutputPaneNavigation::nextWord(Position position) const
+TextView::Position OutputPaneNavigation::nextWord(Position position) const
 {
-    const TextStore &text = m_rows.text();
-    const TextStore::BlockNumber number = text.blockAt(position);
+    const TextView &text = m_rows.text();
+    const TextView::BlockNumber number = text.blockAt(position);
     const QByteArrayView bytes = text.bytes(number);
     const Position begin = text.block(number).begin();
     qsizetype at = position - begin;
     if (at >= bytes.size())
-        return position;
+        return text.block(number).end();
     const Class kind = classAt(bytes, at);
     at = kind == Class::lineEnd ? nextCharacter(position) - begin : runEnd(bytes, at, kind);
     return begin + runEnd(bytes, at, Class::blank);
 }
 
-TextStore::Position OutputPaneNavigation::previousWord(Position position) const
+TextView::Position OutputPaneNavigation::previousWord(Position position) const
 {
-    const TextStore &text = m_rows.text();
-    const TextStore::BlockNumber number = text.blockAt(std::max(text.begin(), position - 1));
+    const TextView &text = m_rows.text();
+    const TextView::BlockNumber number = text.blockAt(std::max(text.begin(), position - 1));
     const QByteArrayView bytes = text.bytes(number);
     const Position begin = text.block(number).begin();
-    const qsizetype at = runBegin(bytes, position - begin, Class::blank);
+    const qsizetype at = runBegin(bytes, std::min(position - begin, bytes.size()), Class::blank);
     if (at == 0)
         return begin;
     const qsizetype last = before(bytes, at);
@@ -150,8 +155,8 @@ OutputCaret OutputPaneNavigation::lineEnd(Position position) const
 
 OutputRange OutputPaneNavigation::wordAt(Position position) const
 {
-    const TextStore &text = m_rows.text();
-    const TextStore::BlockNumber number = text.blockAt(position);
+    const TextView &text = m_rows.text();
+    const TextView::BlockNumber number = text.blockAt(position);
     const QByteArrayView bytes = text.bytes(number);
     const Position begin = text.block(number).begin();
     const qsizetype at = position - begin;

@@ -8,22 +8,22 @@
 
 /// A place for the caret.
 struct OutputCaret {
-    TextStore::Position position = 0;
+    TextView::Position position = 0;
     /// At a soft wrap: at the end of the row before, not at the start of the row that begins here.
     bool endsRow = false;
 };
 
 /// A stretch of the text, half open.
 struct OutputRange {
-    TextStore::Position begin = 0;
-    TextStore::Position end = 0;
+    TextView::Position begin = 0;
+    TextView::Position end = 0;
 };
 
 /// Asked only while there is text. Positions may lie anywhere in it.
 class OutputPaneNavigation
 {
 public:
-    using Position = TextStore::Position;
+    using Position = TextView::Position;
     using Row = OutputPaneRows::Row;
 
     /// Both must outlive the navigation.

@@ -26,13 +26,13 @@ void OutputPaneRows::setColumns(int columns)
 
 OutputPaneRows::Row OutputPaneRows::last()
 {
-    const TextStore::BlockNumber number = m_text.endBlock() - 1;
+    const TextView::BlockNumber number = m_text.endBlock() - 1;
     return {number, static_cast<int>(layout(number).starts.size()) - 1};
 }
 
 OutputPaneRows::Row OutputPaneRows::at(Position position)
 {
-    const TextStore::BlockNumber number = m_text.blockAt(position);
+    const TextView::BlockNumber number = m_text.blockAt(position);
     const Layout &found = layout(number);
     const auto after = std::upper_bound(found.starts.begin(), found.starts.end(), position - found.begin);
     return {number, std::max(0, static_cast<int>(std::distance(found.starts.begin(), after)) - 1)};
@@ -78,12 +78,15 @@ OutputPaneRows::Position OutputPaneRows::end(const Row &row)
 QByteArrayView OutputPaneRows::bytes(const Row &row)
 {
     const Position blockBegin = m_text.block(row.block).begin();
-    const Position rowBegin = begin(row);
-    return m_text.bytes(row.block).sliced(rowBegin - blockBegin, end(row) - rowBegin);
+    const QByteArrayView text = m_text.bytes(row.block);
+    // The block may have gone missing since its rows were found.
+    const Position rowBegin = std::min<Position>(begin(row) - blockBegin, text.size());
+    const Position rowEnd = std::min<Position>(end(row) - blockBegin, text.size());
+    return text.sliced(rowBegin, rowEnd - rowBegin);
 }
 
 /// The rows of a stretch of blocks, as far as can be told without looking at them.
-qint64 OutputPaneRows::estimate(TextStore::BlockNumber from, TextStore::BlockNumber to) const
+qint64 OutputPaneRows::estimate(TextView::BlockNumber from, TextView::BlockNumber to) const
 {
     const TextCount size = m_text.before(to) - m_text.before(from);
     const bool endsText = to == m_text.endBlock(); // whose last line has no line feed
@@ -100,12 +103,12 @@ qint64 OutputPaneRows::stretchLength() const
     return length;
 }
 
-qint64 OutputPaneRows::estimateBefore(TextStore::BlockNumber number) const
+qint64 OutputPaneRows::estimateBefore(TextView::BlockNumber number) const
 {
     const qint64 length = stretchLength();
     qint64 rows = 0;
-    for (TextStore::BlockNumber at = m_text.firstBlock(); at < number;) {
-        const TextStore::BlockNumber next = std::min(number, at - at % length + length);
+    for (TextView::BlockNumber at = m_text.firstBlock(); at < number;) {
+        const TextView::BlockNumber next = std::min(number, at - at % length + length);
         rows += estimate(at, next);
         at = next;
     }
@@ -123,10 +126,10 @@ double OutputPaneRows::estimateBefore(const Place &place)
 OutputPaneRows::Place OutputPaneRows::atEstimate(double rows)
 {
     // The last block that has no more than so many rows before it.
-    TextStore::BlockNumber block = m_text.firstBlock();
-    TextStore::BlockNumber end = m_text.endBlock();
+    TextView::BlockNumber block = m_text.firstBlock();
+    TextView::BlockNumber end = m_text.endBlock();
     while (end - block > 1) {
-        const TextStore::BlockNumber middle = block + (end - block) / 2;
+        const TextView::BlockNumber middle = block + (end - block) / 2;
         (static_cast<double>(estimateBefore(middle)) <= rows ? block : end) = middle;
     }
     const qint64 before = estimateBefore(block);
@@ -139,7 +142,7 @@ OutputPaneRows::Place OutputPaneRows::atEstimate(double rows)
     return {{block, static_cast<int>(index)}, std::max(0.0, inside) - index};
 }
 
-const OutputPaneRows::Layout &OutputPaneRows::layout(TextStore::BlockNumber number)
+const OutputPaneRows::Layout &OutputPaneRows::layout(TextView::BlockNumber number)
 {
     auto found =
         std::find_if(m_layouts.begin(), m_layouts.end(), [number](const Layout &each) { return each.block == number; });
@@ -151,7 +154,7 @@ const OutputPaneRows::Layout &OutputPaneRows::layout(TextStore::BlockNumber numb
     m_layouts.splice(m_layouts.begin(), m_layouts, found);
 
     Layout &layout = m_layouts.front();
-    const TextStore::Block block = m_text.block(number);
+    const TextView::Block block = m_text.block(number);
     const bool endsText = number + 1 == m_text.endBlock();
     if (layout.begin == block.begin() && layout.size == block.size.bytes && layout.endsText == endsText)
         return layout;

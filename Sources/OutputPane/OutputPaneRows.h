@@ -7,7 +7,7 @@
 // Main thread only. Everything is asked of the text as it is at that moment; nothing needs to be told of changes.
 
 #include "OutputPane/OutputPaneRow.h"
-#include "Transcript/TextStore.h"
+#include "Transcript/TextView.h"
 
 #include <QtGlobal>
 
@@ -17,20 +17,20 @@
 class OutputPaneRows
 {
 public:
-    using Position = TextStore::Position;
+    using Position = TextView::Position;
 
     /// A row by its block and its place therein; good until the text or the number of columns changes.
     struct Row {
-        TextStore::BlockNumber block = 0;
+        TextView::BlockNumber block = 0;
         int index = 0;
 
         friend bool operator==(const Row &, const Row &) = default;
     };
 
     /// `text` must outlive the rows.
-    explicit OutputPaneRows(const TextStore &text) : m_text(text) {}
+    explicit OutputPaneRows(const TextView &text) : m_text(text) {}
 
-    const TextStore &text() const { return m_text; }
+    const TextView &text() const { return m_text; }
     int columns() const { return m_columns; }
     /// At least one.
     void setColumns(int columns);
@@ -48,7 +48,7 @@ public:
     Position begin(const Row &row);
     /// Behind the row's last character, which may be a line end.
     Position end(const Row &row);
-    /// The row's text, valid as long as what TextStore::bytes gives: to be used at once.
+    /// The row's text, valid as long as what TextView::bytes gives: to be used at once.
     QByteArrayView bytes(const Row &row);
     /// The row, laid out. `font` must outlive what is returned.
     OutputPaneRow layOut(const Row &row, const CellFont &font) { return {bytes(row), m_columns, font}; }
@@ -67,20 +67,20 @@ public:
 
 private:
     struct Layout {
-        TextStore::BlockNumber block = 0;
+        TextView::BlockNumber block = 0;
         Position begin = 0;
         qsizetype size = 0;
         /// The row starts, in bytes from the block's begin.
         std::vector<qint32> starts = {};
         bool endsText = false;
     };
-    const Layout &layout(TextStore::BlockNumber number);
-    qint64 estimate(TextStore::BlockNumber from, TextStore::BlockNumber to) const;
+    const Layout &layout(TextView::BlockNumber number);
+    qint64 estimate(TextView::BlockNumber from, TextView::BlockNumber to) const;
     qint64 stretchLength() const;
-    qint64 estimateBefore(TextStore::BlockNumber number) const;
+    qint64 estimateBefore(TextView::BlockNumber number) const;
     void extend(Layout &layout, QByteArrayView text) const;
 
-    const TextStore &m_text;
+    const TextView &m_text;
     int m_columns = 80;
     /// The layouts used last, newest first.
     std::list<Layout> m_layouts;

@@ -25,11 +25,12 @@ double secondsSince(const QDateTime &moment)
 
 } // namespace
 
-RunController::RunController(RunTimeLimits limits, OutputPace pace, DisposableMachines written, QObject *parent)
+RunController::RunController(RunTimeLimits limits, const TextStorage &storage, DisposableMachines written,
+                             QObject *parent)
     : QObject(parent),
       m_limits(limits),
-      m_pace(pace),
-      m_written(std::move(written))
+      m_written(std::move(written)),
+      m_transcript(storage, [this] { QMetaObject::invokeMethod(this, &RunController::takeLoss, Qt::QueuedConnection); })
 {
 }
 
@@ -47,8 +48,7 @@ void RunController::append(const QString &text, OutputKind kind)
 void RunController::clearTranscript()
 {
     m_transcript.clear();
-    if (const ProcessHandlePointer &tool = m_currentTool.handle())
-        tool->resumeOutput();
+    takeLoss();
     Q_EMIT transcriptCleared();
 }
 
@@ -75,6 +75,8 @@ void RunController::start(const RunJob &job, HistoryStore *history)
                       .disposableMachine = disposable};
     m_undeletedMachine.clear();
     m_isRunning = true;
+    m_transcript.beginRecord();
+    takeLoss();
     m_currentTool.beginOperation();
     m_startedAt = now;
     execute(job);
@@ -110,21 +112,15 @@ OutputHandler RunController::outputHandler(OutputKind kindOfOutput)
 {
     return [self = QPointer(this), kindOfOutput](QUtf8StringView text, bool isError) {
         if (self)
-            self->appendOutput(text, isError ? OutputKind::err : kindOfOutput);
+            self->append(text, isError ? OutputKind::err : kindOfOutput);
     };
 }
 
-void RunController::appendOutput(QUtf8StringView text, OutputKind kind)
+/// Output could not be kept.
+void RunController::takeLoss()
 {
-    const std::int64_t before = m_transcript.memory();
-    append(text, kind);
-    const std::int64_t now = m_transcript.memory();
-    const ProcessHandlePointer &tool = m_currentTool.handle();
-    if (!tool)
-        return;
-    if (now < before)
-        tool->resumeOutput();
-    tool->pauseOutput(m_pace.pauseAfter(before, now));
+    m_transcript.dropLost();
+    m_outputLoss = m_transcript.loss();
 }
 
 QCoro::Task<> RunController::execute(RunJob job)

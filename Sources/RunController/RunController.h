@@ -9,13 +9,11 @@
 // A stop only sets a flag and asks the tool that runs now to terminate; the run reports it when the step returns.
 // Deletion and history are never skipped once a run began, not even when the application cannot wait for them
 // (abandon). A disposable machine's name is written down from before it is made until it is deleted
-// (DisposableMachines.h). When the transcript has grown very large, the tool is made to wait (OutputPace.h). Destroyed
-// during a run, the controller leaves the tool to itself: the run ends there.
+// (DisposableMachines.h). Destroyed during a run, the controller leaves the tool to itself: the run ends there.
 
 #include "HistoryStore/HistoryStore.h"
 #include "OrbCLI/CurrentTool.h"
 #include "OrbCLI/DisposableMachines.h"
-#include "RunController/OutputPace.h"
 #include "Transcript/Transcript.h"
 
 #include <QDateTime>
@@ -58,14 +56,15 @@ class RunController : public QObject
 
 public:
     /// `written` is where the names of disposable machines are written down.
-    explicit RunController(RunTimeLimits limits = {}, OutputPace pace = {}, DisposableMachines written = {},
+    explicit RunController(RunTimeLimits limits = {}, const TextStorage &storage = {}, DisposableMachines written = {},
                            QObject *parent = nullptr);
 
     /// The text being edited on the Run screen.
     QString script() const { return m_script; }
     void setScript(const QString &script) { m_script = script; }
 
-    /// All output of all runs since it was last cleared. Screens read it; append and clearTranscript change it.
+    /// All output of all runs since it was last cleared, and the record of the last one. Screens read it; append and
+    /// clearTranscript change it.
     const Transcript &transcript() const { return m_transcript; }
     /// Grows by one with every append.
     qint64 revision() const { return m_revision; }
@@ -84,7 +83,10 @@ public:
     void append(QUtf8StringView text, OutputKind kind);
     void append(const QString &text, OutputKind kind);
 
-    /// Empties the transcript.
+    /// How much of the current or last run's output could not be kept, and why, as a sentence; empty for nothing.
+    QString outputLoss() const { return m_outputLoss; }
+
+    /// Empties the transcript and the record.
     void clearTranscript();
 
     /// Starts the job and returns at once; ignored while a run is going. The run is added to `history` at its end; a
@@ -115,6 +117,8 @@ Q_SIGNALS:
     void isRunningChanged();
     void startedAtChanged();
     void phaseChanged();
+    /// The transcript may have lost its front, too.
+    void outputLossChanged();
 
 private:
     /// How a run ended, as the history keeps it.
@@ -139,10 +143,9 @@ private:
     void addToHistory(const Outcome &outcome);
     /// Appends what a tool prints, its standard output as this kind.
     OutputHandler outputHandler(OutputKind kindOfOutput);
-    void appendOutput(QUtf8StringView text, OutputKind kind);
+    void takeLoss();
 
     const RunTimeLimits m_limits;
-    const OutputPace m_pace;
     const DisposableMachines m_written;
     /// None when idle, and once the run is in the history.
     std::optional<Record> m_record;
@@ -154,4 +157,5 @@ private:
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(RunController, bool, m_isRunning, false, &RunController::isRunningChanged)
     Q_OBJECT_BINDABLE_PROPERTY(RunController, std::optional<QDateTime>, m_startedAt, &RunController::startedAtChanged)
     Q_OBJECT_BINDABLE_PROPERTY(RunController, QString, m_phase, &RunController::phaseChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(RunController, QString, m_outputLoss, &RunController::outputLossChanged)
 };

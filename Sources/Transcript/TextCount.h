@@ -21,6 +21,7 @@ struct TextCount {
         lineFeeds += other.lineFeeds;
         return *this;
     }
+    friend TextCount operator+(TextCount one, const TextCount &other) { return one += other; }
     friend TextCount operator-(const TextCount &one, const TextCount &other)
     {
         return {one.bytes - other.bytes, one.utf16 - other.utf16, one.lineFeeds - other.lineFeeds};

@@ -3,10 +3,10 @@
 #include "Text/GraphemeBreaker.h"
 #include "Text/Utf8.h"
 
-#include <QStringDecoder>
-
 #include <algorithm>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -30,27 +30,38 @@ qsizetype characterStart(QByteArrayView text, qsizetype limit)
     return start;
 }
 
-/// The first of the numbers below `size` for which the condition holds, which holds for all behind it; else `size`.
-template <typename Condition>
-std::int64_t firstWhere(std::int64_t size, Condition condition)
+/// Takes the marks from `begin` on off a block, for the one that begins there.
+std::vector<KindMark> takeKinds(TextBlock &block, std::int32_t begin)
 {
-    std::int64_t begin = 0;
-    while (begin < size) {
-        const std::int64_t middle = begin + (size - begin) / 2;
-        if (condition(middle))
-            size = middle;
-        else
-            begin = middle + 1;
+    std::vector<KindMark> taken;
+    while (block.kinds.back().begin > begin || (block.kinds.back().begin == begin && block.kinds.size() > 1)) {
+        taken.insert(taken.begin(), {block.kinds.back().begin - begin, block.kinds.back().kind});
+        block.kinds.pop_back();
     }
-    return begin;
+    if (taken.empty() || taken.front().begin > 0)
+        taken.insert(taken.begin(), {0, block.kinds.back().kind});
+    return taken;
 }
 
 } // namespace
 
-void TextStore::append(QByteArrayView text)
+TextStore::TextStore(const TextStorage &storage, std::function<void()> onLoss)
+    : m_blocks(BlockStore::make(storage, std::move(onLoss)))
 {
-    if (m_blocks.isEmpty() && !text.isEmpty())
+}
+
+TextStore::~TextStore()
+{
+    m_blocks->stop();
+}
+
+void TextStore::append(QByteArrayView text, OutputKind kind)
+{
+    m_kind = kind;
+    if (!m_last && !text.isEmpty())
         startBlock(text);
+    if (m_last)
+        markKind();
     while (!text.isEmpty()) {
         text = text.sliced(fill(text));
         if (!text.isEmpty())
@@ -58,36 +69,55 @@ void TextStore::append(QByteArrayView text)
     }
 }
 
+/// What is added to the last block from here on is of the kind appended last.
+void TextStore::markKind()
+{
+    std::vector<KindMark> &kinds = m_last->kinds;
+    if (!kinds.empty() && kinds.back().kind == m_kind)
+        return;
+    if (!kinds.empty() && kinds.back().begin == m_last->size)
+        kinds.pop_back();
+    if (kinds.empty() || kinds.back().kind != m_kind)
+        kinds.push_back({m_last->size, m_kind});
+}
+
 /// Adds as much of the text to the last block as belongs there, and returns how much that was.
 qsizetype TextStore::fill(QByteArrayView text)
 {
-    const BlockNumber last = endBlock() - 1;
-    const qsizetype room = blockCapacity - droppedOf(last) - block(last).size.bytes;
+    if (m_last->kinds.size() >= TextBlock::mostKinds)
+        return 0;
+    const qsizetype room = blockCapacity - m_last->size;
     qsizetype taken = text.size();
     if (taken > room) {
         taken = text.first(room).lastIndexOf('\n') + 1;
-        if (taken == 0 && !openLineMovesOn(last))
+        if (taken == 0 && !openLineMovesOn())
             taken = characterStart(text, room);
     }
     addToLast(text.first(taken));
     return taken;
 }
 
-/// Whether the unfinished last line goes to the next block when this one is full.
-bool TextStore::openLineMovesOn(BlockNumber number) const
+/// The bytes of the last block's unfinished last line. Exact up to `longestMovedLine`; more is not looked at.
+qsizetype TextStore::openLineBytes() const
 {
-    const qsizetype openLine = openLineBytes(number);
-    return openLine <= longestMovedLine && openLine < block(number).size.bytes;
+    const QByteArrayView tail = m_last->text().last(std::min<qsizetype>(m_last->size, longestMovedLine + 1));
+    return tail.size() - 1 - tail.lastIndexOf('\n');
+}
+
+/// Whether the unfinished last line goes to the next block when this one is full.
+bool TextStore::openLineMovesOn() const
+{
+    const qsizetype openLine = openLineBytes();
+    return openLine <= longestMovedLine && openLine < m_last->size;
 }
 
 /// How much of the end of the last block, which is full, goes to the next: its unfinished last line, or where that is
 /// too long, the character that goes on in the text to come.
 qsizetype TextStore::bytesThatMoveOn(QByteArrayView next) const
 {
-    const BlockNumber full = endBlock() - 1;
-    if (openLineMovesOn(full))
-        return openLineBytes(full);
-    const QByteArrayView tail = bytes(full).last(std::min<qsizetype>(block(full).size.bytes, stretch));
+    if (openLineMovesOn())
+        return openLineBytes();
+    const QByteArrayView tail = m_last->text().last(std::min<qsizetype>(m_last->size, stretch));
     const QByteArray joined = tail.toByteArray().append(next.first(Utf8::lengthOf(next.front())));
     const qsizetype start = characterStart(joined, tail.size());
     return start == 0 ? 0 : tail.size() - start;
@@ -96,181 +126,68 @@ qsizetype TextStore::bytesThatMoveOn(QByteArrayView next) const
 /// Makes a new last block for `next`, and moves what belongs together with it from the one before.
 void TextStore::startBlock(QByteArrayView next)
 {
-    PageMemory memory = takeMemory();
-    TextCount begin = m_end;
-    if (!m_blocks.isEmpty()) {
-        const QByteArrayView moved = bytes(endBlock() - 1).last(bytesThatMoveOn(next));
-        std::copy(moved.begin(), moved.end(), memory.data());
-        begin = m_end - TextCount::of(moved);
+    QByteArray moved;
+    std::vector<KindMark> kinds;
+    if (m_last) {
+        moved = m_last->text().last(bytesThatMoveOn(next)).toByteArray();
+        m_last->size -= static_cast<std::int32_t>(moved.size());
+        kinds = takeKinds(*m_last, m_last->size);
     }
-    m_blocks.append(begin);
-    m_plain.push_back(std::move(memory));
-}
-
-/// Memory for another block: that of the oldest plain block, which is compressed, when there are enough of them.
-PageMemory TextStore::takeMemory()
-{
-    if (m_plain.size() < m_plainBlocks)
-        return PageMemory(blockCapacity);
-    m_compressed.append(bytes(firstPlainBlock()));
-    if (m_compressed.size() == 1)
-        m_droppedOfFront = 0; // what was dropped of it did not go with it
-    PageMemory memory = std::move(m_plain.front());
-    m_plain.pop_front();
-    return memory;
+    m_last = m_blocks->startBlock(m_end - TextCount::of(moved));
+    std::copy(moved.begin(), moved.end(), m_last->memory.data());
+    m_last->size = static_cast<std::int32_t>(moved.size());
+    m_last->kinds = std::move(kinds);
+    markKind();
 }
 
 void TextStore::addToLast(QByteArrayView text)
 {
     if (text.isEmpty())
         return;
-    const BlockNumber last = endBlock() - 1;
-    std::memcpy(m_plain.back().data() + droppedOf(last) + block(last).size.bytes, text.data(),
-                static_cast<std::size_t>(text.size()));
+    std::memcpy(m_last->memory.data() + m_last->size, text.data(), static_cast<std::size_t>(text.size()));
+    m_last->size += static_cast<std::int32_t>(text.size());
     m_end += TextCount::of(text);
 }
 
-void TextStore::dropFront(Position newBegin)
+void TextStore::dropBefore(Position position)
 {
-    const auto dropped = firstWhere(
-        m_blocks.size(), [&](std::int64_t index) { return before(m_firstBlock + index + 1).bytes > newBegin; });
-    if (dropped > 0) {
-        const std::int64_t compressed = std::min(dropped, m_compressed.size());
-        m_blocks.dropFront(dropped);
-        m_compressed.dropFront(compressed);
-        PageMemory::giveBackFront(m_plain, static_cast<std::size_t>(dropped - compressed));
-        m_firstBlock += dropped;
-        m_droppedOfFront = 0;
-    }
-    if (isEmpty())
+    const bool isAll = position >= end();
+    if (firstBlock() == endBlock())
         return;
-    const TextCount cut = TextCount::of(bytesBetween(m_firstBlock, begin(), newBegin));
-    m_blocks[0] += cut;
-    m_droppedOfFront += static_cast<std::int32_t>(cut.bytes);
+    if (isAll)
+        m_last.reset();
+    m_blocks->dropFront(isAll ? endBlock() : blockAt(position));
+    m_held.remove_if([this](const Held &held) { return held.number < firstBlock(); });
 }
 
-QByteArrayView TextStore::bytes(BlockNumber number) const
+TextCount TextStore::before(Position position, BlockNumber number) const
 {
-    const std::int32_t dropped = droppedOf(number);
-    if (number < firstPlainBlock())
-        return m_compressed.read(number - m_firstBlock).sliced(dropped);
-    const PageMemory &memory = m_plain[static_cast<std::size_t>(number - firstPlainBlock())];
-    return {memory.data() + dropped, block(number).size.bytes};
+    if (position >= end())
+        return m_end;
+    const TextBlock &block = read(number);
+    const Position inside = position - before(number).bytes;
+    if (block.isMissing)
+        return before(number) + TextCount{inside, inside, 0};
+    return before(number) + TextCount::of(block.text().first(inside));
 }
 
-TextStore::BlockNumber TextStore::blockAt(Position position) const
+const TextBlock &TextStore::read(BlockNumber number) const
 {
-    const auto after =
-        firstWhere(m_blocks.size(), [&](std::int64_t index) { return m_blocks[index].bytes > position; });
-    return m_firstBlock + std::max<std::int64_t>(0, after - 1);
-}
-
-/// The part of a block's text that lies between two positions.
-QByteArrayView TextStore::bytesBetween(BlockNumber number, Position from, Position to) const
-{
-    const Block whole = block(number);
-    const Position first = std::clamp(from, whole.begin(), whole.end());
-    const Position last = std::clamp(to, first, whole.end());
-    return bytes(number).sliced(first - whole.begin(), last - first);
-}
-
-/// The position itself or the next at which a code point begins, within the text.
-TextStore::Position TextStore::codePointAt(Position position) const
-{
-    position = std::clamp(position, begin(), end());
-    if (isEmpty())
-        return position;
-    const BlockNumber number = blockAt(position);
-    if (block(number).isAscii())
-        return position;
-    const QByteArrayView after = bytesBetween(number, position, block(number).end());
-    const auto start = std::find_if_not(after.begin(), after.end(), Utf8::isContinuation);
-    return position + (start - after.begin());
-}
-
-QString TextStore::text(Position from, Position to) const
-{
-    from = codePointAt(from);
-    to = codePointAt(to);
-    if (from >= to)
-        return {};
-    QString result(utf16Offset(to) - utf16Offset(from), Qt::Uninitialized);
-    // A zero-width no-break space at the start is text like any other.
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    QChar *out = result.data();
-    for (BlockNumber number = blockAt(from); number < endBlock() && block(number).begin() < to; ++number)
-        out = decoder.appendToBuffer(out, bytesBetween(number, from, to));
-    return result;
-}
-
-qint64 TextStore::utf16Offset(Position position) const
-{
-    if (isEmpty())
-        return 0;
-    position = std::clamp(position, begin(), end());
-    const BlockNumber number = blockAt(position);
-    const Block whole = block(number);
-    const qint64 inside =
-        whole.isAscii() ? position - whole.begin() : TextCount::of(bytesBetween(number, whole.begin(), position)).utf16;
-    return whole.before.utf16 + inside - m_blocks[0].utf16;
-}
-
-TextStore::Position TextStore::positionAtUtf16(qint64 offset) const
-{
-    if (isEmpty() || offset <= 0)
-        return begin();
-    const qint64 absolute = offset + m_blocks[0].utf16;
-    if (absolute >= m_end.utf16)
-        return end();
-    const auto after =
-        firstWhere(m_blocks.size(), [&](std::int64_t index) { return m_blocks[index].utf16 > absolute; });
-    const BlockNumber number = m_firstBlock + after - 1;
-    const Block whole = block(number);
-    const qint64 inside = absolute - whole.before.utf16;
-    if (whole.isAscii())
-        return whole.begin() + inside;
-    const QByteArrayView text = bytes(number);
-    qsizetype at = 0;
-    for (qint64 units = 0; units < inside;) {
-        const int length = Utf8::lengthOf(text[at]);
-        units += length == 4 ? 2 : 1;
-        if (units <= inside)
-            at += length;
+    if (m_last && number + 1 == endBlock())
+        return *m_last;
+    const auto found =
+        std::find_if(m_held.begin(), m_held.end(), [number](const Held &held) { return held.number == number; });
+    if (found != m_held.end()) {
+        m_held.splice(m_held.begin(), m_held, found);
+        return *m_held.front().block;
     }
-    return whole.begin() + at;
-}
-
-TextStore::Position TextStore::lineBegin(Position position) const
-{
-    if (isEmpty())
-        return begin();
-    for (BlockNumber number = blockAt(position); number >= firstBlock(); --number) {
-        if (block(number).size.lineFeeds == 0)
-            continue;
-        const qsizetype lineFeed = bytesBetween(number, block(number).begin(), position).lastIndexOf('\n');
-        if (lineFeed >= 0)
-            return block(number).begin() + lineFeed + 1;
-    }
-    return begin();
-}
-
-TextStore::Position TextStore::lineEnd(Position position) const
-{
-    if (isEmpty())
-        return end();
-    for (BlockNumber number = blockAt(position); number < endBlock(); ++number) {
-        if (block(number).size.lineFeeds == 0)
-            continue;
-        const QByteArrayView after = bytesBetween(number, position, block(number).end());
-        const qsizetype lineFeed = after.indexOf('\n');
-        if (lineFeed >= 0)
-            return block(number).end() - after.size() + lineFeed + 1;
-    }
-    return end();
+    if (m_held.size() == mostHeld)
+        m_held.pop_back();
+    m_held.push_front({number, m_blocks->read(number)});
+    return *m_held.front().block;
 }
 
 std::int64_t TextStore::memory() const
 {
-    return m_blocks.memory() + m_compressed.memory() + static_cast<std::int64_t>(m_plain.size()) * blockCapacity;
+    return m_blocks->memory() + static_cast<std::int64_t>(m_held.size()) * blockCapacity;
 }

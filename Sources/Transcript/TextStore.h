@@ -1,9 +1,10 @@
 #pragma once
 
-// An append-only store of UTF-8 text in blocks. Main thread only.
+// An append-only store of UTF-8 text in blocks, and of which kind of output each piece is. Main thread only; who reads
+// does so through a TextView, or on another thread through a TextSnapshot.
 //
-// A position is a byte offset counted from the first byte ever appended; dropping the front or clearing moves begin()
-// and renumbers nothing, so a position never comes to mean another place.
+// A position is a byte offset counted from the first byte ever appended; forgetting the front renumbers nothing, so a
+// position never comes to mean another place.
 //
 // There is no index of lines: of each block it is known how much text comes before it (bytes, UTF-16 units, line
 // feeds), a search among the blocks finds the right one, and a scan inside one block is a matter of microseconds. A
@@ -11,21 +12,20 @@
 // Only a line longer than `longestMovedLine` continues in another block. A block never cuts a code point, nor a
 // character as a reader sees it unless that is monstrous.
 //
-// Who reads asks for the bytes of one block at a time, so where a block's bytes really are is this class's own affair:
-// those near the end as they are, for speed, all others compressed (CompressedBlocks.h), so that hours of a chatty
-// script fit into memory. What is known of a block, its bytes apart, is always at hand.
+// Where the bytes of a block really are is BlockStore's affair. What is known of a block, its bytes apart, is always at
+// hand.
 
-#include "Transcript/CompressedBlocks.h"
-#include "Transcript/PageMemory.h"
-#include "Transcript/PagedList.h"
+#include "Transcript/BlockStore.h"
+#include "Transcript/OutputSegment.h"
 #include "Transcript/TextCount.h"
+#include "Transcript/TextStorage.h"
 
 #include <QByteArrayView>
-#include <QString>
 
-#include <algorithm>
 #include <cstdint>
-#include <deque>
+#include <functional>
+#include <list>
+#include <memory>
 
 class TextStore
 {
@@ -34,101 +34,72 @@ public:
     /// Blocks are numbered from the first ever made; a block keeps its number.
     using BlockNumber = qint64;
 
-    static constexpr std::int32_t blockCapacity = 128 * 1024;
+    static constexpr std::int32_t blockCapacity = TextBlock::capacity;
     static constexpr std::int32_t longestMovedLine = 16 * 1024;
+    /// So many blocks can be read at the same time.
+    static constexpr std::size_t mostHeld = 8;
 
-    /// What is known of a block without looking at its bytes.
-    struct Block {
-        /// All text before the block, since the first byte ever appended.
-        TextCount before;
-        TextCount size;
-
-        Position begin() const { return before.bytes; }
-        Position end() const { return before.bytes + size.bytes; }
-        bool isAscii() const { return size.utf16 == size.bytes; }
-
-        friend bool operator==(const Block &, const Block &) = default;
-    };
-
-    /// So many blocks at the end are left uncompressed: what a run of common size prints never is compressed.
-    static constexpr std::size_t usualPlainBlocks = 1024;
-    /// At least two: one fills up while the one before it hands on its unfinished line.
-    explicit TextStore(std::size_t plainBlocks = usualPlainBlocks)
-        : m_plainBlocks(std::max<std::size_t>(2, plainBlocks))
-    {
-    }
+    /// `onLoss` is called on any thread when text could not be kept.
+    explicit TextStore(const TextStorage &storage = {}, std::function<void()> onLoss = {});
+    ~TextStore();
+    TextStore(const TextStore &) = delete;
+    TextStore &operator=(const TextStore &) = delete;
 
     /// Adds valid UTF-8 that holds whole code points. Views of bytes become invalid.
-    void append(QByteArrayView text);
-    /// Forgets everything before `newBegin`, the first byte of a code point. Views of bytes become invalid.
-    void dropFront(Position newBegin);
-    /// Forgets everything and gives the memory back to the system.
-    void clear() { dropFront(end()); }
+    void append(QByteArrayView text, OutputKind kind = OutputKind::out);
+    /// Forgets the blocks that are wholly before a position. Views of bytes become invalid.
+    void dropBefore(Position position);
 
-    Position begin() const { return m_blocks.isEmpty() ? end() : m_blocks[0].bytes; }
     Position end() const { return m_end.bytes; }
-    bool isEmpty() const { return m_blocks.isEmpty(); }
+    /// The kind of what was appended last, if only an empty text.
+    OutputKind lastKind() const { return m_kind; }
 
     /// The block numbers, as a half-open range; none of them is empty.
-    BlockNumber firstBlock() const { return m_firstBlock; }
-    BlockNumber endBlock() const { return m_firstBlock + m_blocks.size(); }
-    Block block(BlockNumber number) const { return {before(number), before(number + 1) - before(number)}; }
+    BlockNumber firstBlock() const { return m_blocks->first(); }
+    BlockNumber endBlock() const { return m_blocks->end(); }
     /// All text before a block, since the first byte ever appended; before endBlock(), all text.
     const TextCount &before(BlockNumber number) const
     {
-        return number == endBlock() ? m_end : m_blocks[number - m_firstBlock];
+        return number == endBlock() ? m_end : m_blocks->before(number);
     }
-    /// The block's text, valid until the store changes or the bytes of `CompressedBlocks::mostDecompressed` other
-    /// blocks have been asked for, by whichever call: a reader holds no more than one or two at a time.
-    QByteArrayView bytes(BlockNumber number) const;
-    /// The block that holds `position`; the last one for the end. The store must not be empty.
-    BlockNumber blockAt(Position position) const;
+    /// All text before a position, which must not be before the first block.
+    TextCount before(Position position, BlockNumber number) const;
+    /// The block that holds `position`; the last one for the end. There must be one.
+    BlockNumber blockAt(Position position) const { return m_blocks->blockAt(position); }
 
-    /// A copy of the text between two positions.
-    QString text(Position from, Position to) const;
+    /// The block's bytes and kinds, valid until the store changes or `mostHeld` other blocks have been read. Where the
+    /// block is missing it is a sentence, no longer than the block was.
+    const TextBlock &read(BlockNumber number) const;
+    QByteArrayView bytes(BlockNumber number) const { return read(number).text(); }
 
-    /// UTF-16 code units between begin() and `position`.
-    qint64 utf16Offset(Position position) const;
-    /// The position that many UTF-16 code units behind begin(); the code point's start when that is inside a pair, and
-    /// end() past the end.
-    Position positionAtUtf16(qint64 offset) const;
-
-    /// The start of the line that holds `position`.
-    Position lineBegin(Position position) const;
-    /// Behind the line feed of the line that holds `position`; end() when it has none.
-    Position lineEnd(Position position) const;
+    /// What could not be kept.
+    BlockStore::Loss loss() const { return m_blocks->loss(); }
+    /// The blocks, for reading on another thread, also when this store is no more.
+    const std::shared_ptr<BlockStore> &blocks() const { return m_blocks; }
 
     /// Bytes of memory that all of it takes.
     std::int64_t memory() const;
 
 private:
-    /// Bytes of the front block's memory that were dropped.
-    std::int32_t droppedOf(BlockNumber number) const { return number == m_firstBlock ? m_droppedOfFront : 0; }
-    BlockNumber firstPlainBlock() const { return m_firstBlock + m_compressed.size(); }
-    /// Exact up to `longestMovedLine`; more is not looked at.
-    qsizetype openLineBytes(BlockNumber number) const
-    {
-        const QByteArrayView tail =
-            bytes(number).last(std::min<qsizetype>(block(number).size.bytes, longestMovedLine + 1));
-        return tail.size() - 1 - tail.lastIndexOf('\n');
-    }
-    bool openLineMovesOn(BlockNumber number) const;
+    struct Held {
+        BlockNumber number = 0;
+        BlockStore::BlockPointer block;
+    };
+
+    qsizetype openLineBytes() const;
+    bool openLineMovesOn() const;
     qsizetype bytesThatMoveOn(QByteArrayView next) const;
     qsizetype fill(QByteArrayView text);
     void startBlock(QByteArrayView next);
-    PageMemory takeMemory();
     void addToLast(QByteArrayView text);
-    Position codePointAt(Position position) const;
-    QByteArrayView bytesBetween(BlockNumber number, Position from, Position to) const;
+    void markKind();
 
-    const std::size_t m_plainBlocks;
-    /// The text before each block.
-    PagedList<TextCount> m_blocks;
-    // The first blocks are compressed, the others plain.
-    mutable CompressedBlocks m_compressed{blockCapacity};
-    std::deque<PageMemory> m_plain;
-    std::int32_t m_droppedOfFront = 0;
-    BlockNumber m_firstBlock = 0;
+    const std::shared_ptr<BlockStore> m_blocks;
+    /// The block that is being filled; none when there is no block.
+    std::shared_ptr<TextBlock> m_last;
+    /// The blocks that were read last, newest first.
+    mutable std::list<Held> m_held;
     /// All text ever appended.
     TextCount m_end;
+    OutputKind m_kind = OutputKind::out;
 };

@@ -20,9 +20,9 @@
 class TestWindow
 {
 public:
-    explicit TestWindow(bool macSupported = true, RunTimeLimits limitsOfRuns = {})
+    explicit TestWindow(bool macSupported = true, RunTimeLimits limitsOfRuns = {}, const TextStorage &storage = {})
         : setup(SetupTimeLimits{}, macSupported),
-          run(limitsOfRuns),
+          run(limitsOfRuns, storage),
           history(orbStack.tools().path(QStringLiteral("support")))
     {
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, orbStack.tools().path(QStringLiteral("set")));

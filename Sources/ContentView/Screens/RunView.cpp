@@ -59,7 +59,9 @@ RunView::RunView(const Controllers &controllers, const RunActions &actions, QWid
     auto *output = new QVBoxLayout;
     output->setSpacing(6);
     output->addLayout(makeOutputHeader(actions));
-    output->addWidget(new OutputPane(controllers.run, this), 1);
+    m_outputLoss = caption(QString(), Colours::secondary, this);
+    output->addWidget(m_outputLoss);
+    output->addWidget(new OutputPane(controllers.run, controllers.run.transcript().text(), this), 1);
     layout->addLayout(output, 2);
 
     followControllers();
@@ -190,8 +192,8 @@ QLayout *RunView::makeOutputHeader(const RunActions &actions)
     QPushButton *copy = Controls::button(u"Copy output"_s, {}, this);
     QPushButton *clear = Controls::button(u"Clear"_s, u"Clear the output"_s, this);
     connect(copy, &QPushButton::clicked, this, [this] {
-        const Transcript &transcript = m_controllers.run.transcript();
-        OutputCopy::copy(this, transcript, transcript.begin(), transcript.end());
+        const TextView &text = m_controllers.run.transcript().text();
+        OutputCopy::copy(this, text, text.begin(), text.end());
     });
     connect(clear, &QPushButton::clicked, &m_controllers.run, &RunController::clearTranscript);
     actions.copyOutput->setButton(copy);
@@ -211,6 +213,7 @@ void RunView::followControllers()
     connect(&m_controllers.setup, &SetupController::stateChanged, this, &RunView::showFields);
     connect(&m_controllers.run, &RunController::scriptChanged, this, &RunView::showFields);
     connect(&m_controllers.run, &RunController::isRunningChanged, this, &RunView::showFields);
+    connect(&m_controllers.run, &RunController::outputLossChanged, this, &RunView::showFields);
     connect(&m_controllers.machines, &MachineStore::machinesChanged, this, &RunView::showMachines);
     showMachines();
 }
@@ -257,6 +260,8 @@ void RunView::showFields()
     m_run->setVisible(!isRunning);
     m_status->setVisible(isRunning);
     m_startHint->setVisible(!orbRuns);
+    m_outputLoss->setText(m_controllers.run.outputLoss());
+    m_outputLoss->setVisible(!m_controllers.run.outputLoss().isEmpty());
     // Run and Stop take each other's place, also for the keyboard.
     if (handsOnFocus)
         (isRunning ? static_cast<QWidget *>(m_status) : m_run)->setFocus();

@@ -73,4 +73,5 @@ private:
     QPushButton *m_run = nullptr;
     RunStatus *m_status = nullptr;
     PlainLabel *m_startHint = nullptr;
+    PlainLabel *m_outputLoss = nullptr;
 };

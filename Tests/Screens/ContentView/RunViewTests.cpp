@@ -1,4 +1,5 @@
 #include "Screens/ContentView/RunViewSteps.h"
+#include "Unit/Transcript/RandomText.h"
 
 TEST(RunView, RunsAScriptInTheChosenMachineAndRecordsIt)
 {
@@ -204,4 +205,30 @@ TEST(RunView, ShowsItsTextsAsPlainText)
     ContentView &content = window.show();
     for (const QLabel *label : content.findChildren<QLabel *>())
         EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
+}
+
+TEST(RunView, SaysUnderItsHeaderHowMuchOfTheOutputCouldNotBeKept)
+{
+    TextStorage storage;
+    storage.plainBlocks = 4;
+    storage.packedBytes = 1024 * 1024;
+    storage.folder = "/nowhere";
+    TestWindow window(true, {}, storage);
+    ContentView &content = window.showRunning({u"box"_s});
+    const int width = window.content().width();
+    window.run.append(u"x"_s, OutputKind::out);
+    EXPECT_EQ(window.run.outputLoss(), QString());
+    RandomText random(5);
+    QByteArray noise(8'000'000, Qt::Uninitialized);
+    for (char &byte : noise)
+        byte = static_cast<char>(' ' + random.below(64));
+    window.run.append(QUtf8StringView(noise), OutputKind::out);
+    EXPECT_TRUE(waitUntil([&] { return !window.run.outputLoss().isEmpty(); }));
+    const QString told = window.run.outputLoss();
+    EXPECT_TRUE(told.startsWith(u"The first "_s));
+    EXPECT_TRUE(shows(content, told));
+    EXPECT_EQ(content.width(), width);
+    press(content, u"Clear"_s);
+    EXPECT_EQ(window.run.outputLoss(), QString());
+    EXPECT_FALSE(shows(content, told));
 }

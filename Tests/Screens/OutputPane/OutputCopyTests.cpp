@@ -2,6 +2,7 @@
 
 #include "Support/Printing.h"
 #include "Support/Waiting.h"
+#include "Transcript/Transcript.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -36,21 +37,21 @@ protected:
 
 TEST_F(OutputCopyTest, CopiesWhatStandsBetweenTwoPositions)
 {
-    OutputCopy::copy(&window, transcript, 2, transcript.end() - 3);
+    OutputCopy::copy(&window, transcript.text(), 2, transcript.end() - 3);
     EXPECT_EQ(copied(), u"e\n\u4e2d\nthr"_s);
     EXPECT_EQ(window.findChild<QMessageBox *>(), nullptr);
 }
 
 TEST_F(OutputCopyTest, CopiesExactlyTheMost)
 {
-    OutputCopy::copy(&window, transcript, transcript.begin(), transcript.end(), transcript.end());
+    OutputCopy::copy(&window, transcript.text(), transcript.begin(), transcript.end(), transcript.end());
     EXPECT_EQ(copied(), transcript.plainText());
     EXPECT_EQ(window.findChild<QMessageBox *>(), nullptr);
 }
 
 TEST_F(OutputCopyTest, RefusesMoreWithANoticeAndLeavesTheClipboardAlone)
 {
-    OutputCopy::copy(&window, transcript, transcript.begin(), transcript.end(), transcript.end() - 1);
+    OutputCopy::copy(&window, transcript.text(), transcript.begin(), transcript.end(), transcript.end() - 1);
     EXPECT_EQ(copied(), u"before"_s);
     auto *notice = window.findChild<QMessageBox *>();
     ASSERT_NE(notice, nullptr);

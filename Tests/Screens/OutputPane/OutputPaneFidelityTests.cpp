@@ -61,7 +61,7 @@ bool isFilled(const OutputPaneRow &row, qint64 size)
 QByteArray rowsJoined(OutputPane &pane)
 {
     const OutputPaneNavigation &navigation = pane.navigation();
-    const TextStore &store = pane.transcript().text();
+    const TextView &store = pane.text();
     QByteArray joined;
     for (TextStore::Position position = store.begin(); position < store.end();) {
         const OutputRange range = navigation.rowAt(position);
@@ -126,7 +126,7 @@ TEST_P(OutputPaneFidelity, ShowsCopiesAndTellsWhatArrived)
     const auto [kind, longestPiece] = GetParam();
     const QByteArray bytes = OutputTexts::text(kind, qsizetype{2} * 1024 * 1024);
     RunController run;
-    OutputPane pane(run);
+    OutputPane pane(run, run.transcript().text());
     pane.resize(640, 300);
     pane.show();
     pane.activateWindow();

@@ -2,6 +2,7 @@
 
 #include "OutputPane/OutputPaneRow.h"
 #include "Unit/Transcript/RandomText.h"
+#include "Unit/Transcript/ViewedText.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-QList<QByteArray> rowsOf(const TextStore &text, int columns)
+QList<QByteArray> rowsOf(const TextView &text, int columns)
 {
     OutputPaneRows rows(text);
     rows.setColumns(columns);
@@ -29,7 +30,7 @@ QList<QByteArray> rowsOf(const TextStore &text, int columns)
 
 QList<QByteArray> rowsOf(QByteArrayView bytes, int columns)
 {
-    TextStore text;
+    ViewedText text;
     text.append(bytes);
     return rowsOf(text, columns);
 }
@@ -70,7 +71,7 @@ TEST(OutputPaneRows, HoldTheWholeTextInRowsThatFitHoweverItArrived)
     RandomText random(5);
     for (const int columns : {1, 7, 40}) {
         const QString whole = random.text(3000);
-        TextStore text;
+        ViewedText text;
         OutputPaneRows grown(text);
         grown.setColumns(columns);
         for (const QByteArray &chunk : random.chunks(whole, 50)) {
@@ -105,7 +106,7 @@ TEST(OutputPaneRows, HoldTheWholeTextInRowsThatFitHoweverItArrived)
 
 TEST(OutputPaneRows, AreCountedExactlyWithoutBeingLookedAtWhereNothingWraps)
 {
-    TextStore text;
+    ViewedText text;
     for (int line = 0; line < 100'000; ++line)
         text.append("a line of the usual length, as programs print them\n");
     OutputPaneRows rows(text);
@@ -120,7 +121,7 @@ TEST(OutputPaneRows, AreCountedExactlyWithoutBeingLookedAtWhereNothingWraps)
 TEST(OutputPaneRows, AreCountedExactlyAsLongAsLinesHaveNoMoreUnitsThanColumns)
 {
     const auto estimateOf = [](const QByteArray &line) {
-        TextStore text;
+        ViewedText text;
         text.append(line.repeated(8000));
         OutputPaneRows rows(text);
         rows.setColumns(80);
@@ -133,7 +134,7 @@ TEST(OutputPaneRows, AreCountedExactlyAsLongAsLinesHaveNoMoreUnitsThanColumns)
 
 TEST(OutputPaneRows, AreEstimatedInProportionToTheLengthOfLinesThatWrap)
 {
-    TextStore text;
+    ViewedText text;
     text.append(QByteArray("short\n").repeated(200'000));
     const double before = 200'000;
     text.append(QByteArray(10'000'000, 'x'));
@@ -146,7 +147,7 @@ TEST(OutputPaneRows, AreEstimatedInProportionToTheLengthOfLinesThatWrap)
 TEST(OutputPaneRows, AreEstimatedToBeNeverFewerFurtherDownAndFoundAgain)
 {
     RandomText random(6);
-    TextStore text(4);
+    ViewedText text(4);
     OutputPaneRows rows(text);
     for (int round = 0; round < 12; ++round) {
         // Up to half a gigabyte, so that several blocks are estimated as one.

@@ -108,5 +108,5 @@ protected:
 
     const QPalette palette = QApplication::palette();
     RunController run;
-    OutputPane pane{run};
+    OutputPane pane{run, run.transcript().text()};
 };

@@ -98,7 +98,7 @@ TEST_F(OutputPaneTest, DrawsEveryKindInItsColourInLightAndDark)
         for (const OutputKind kind : kinds) {
             EXPECT_TRUE(draws(OutputPanePainter::colourOf(kind, shown), pane.characterRect(position)))
                 << "kind " << static_cast<int>(kind);
-            position = run.transcript().runAt(position).end;
+            position = run.transcript().text().runAt(position).end;
         }
     }
 }
@@ -164,8 +164,8 @@ TEST_F(OutputPaneTest, AnswersAccessibilityBeyondWhatItsOffsetsCount)
     text->selection(0, &start, &end);
     EXPECT_EQ(start, 0);
     EXPECT_EQ(end, most);
-    pane.scrollTo(pane.transcript().begin());
-    EXPECT_FALSE(pane.characterRect(pane.transcript().begin()).isEmpty());
+    pane.scrollTo(pane.text().begin());
+    EXPECT_FALSE(pane.characterRect(pane.text().begin()).isEmpty());
 }
 
 TEST_F(OutputPaneTest, NeverWidensForWhatItShows)

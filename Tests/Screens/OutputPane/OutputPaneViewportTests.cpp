@@ -3,6 +3,7 @@
 #include "OutputPane/OutputPaneRow.h"
 #include "Text/Utf8.h"
 #include "Unit/Transcript/RandomText.h"
+#include "Unit/Transcript/ViewedText.h"
 
 #include <gtest/gtest.h>
 
@@ -117,7 +118,7 @@ protected:
         return {rows.begin(first.row), first.y};
     }
 
-    TextStore text{2};
+    ViewedText text{2};
     OutputPaneRows rows{text};
     OutputPaneViewport view{rows};
     int height = 300;

@@ -82,26 +82,3 @@ TEST_F(RunControllerTest, IsNotHarmedByAStopWhileIdle)
     EXPECT_EQ(history.entries().size(), 1);
     EXPECT_EQ(history.entries().first().exitCode, 0);
 }
-
-TEST_F(RunControllerTest, LetsAScriptWaitThatPrintsTooMuchUntilTheOutputIsCleared)
-{
-    constexpr qint64 mebibyte = 1024 * 1024;
-    addOrb(u":"_s, u":"_s, u"exec yes"_s);
-    RunController paced(limits, OutputPace{.freely = mebibyte, .most = 2 * mebibyte});
-    const auto shown = [&] { return paced.transcript().end(); };
-    paced.start(job, &history);
-    EXPECT_TRUE(waitUntil([&] { return shown() > mebibyte; }));
-    const QDeadlineTimer later(300, Qt::PreciseTimer); // in which hundreds of megabytes might come
-    EXPECT_TRUE(waitUntil([&] { return later.hasExpired(); }));
-    EXPECT_LT(shown(), 16 * mebibyte);
-
-    const qint64 before = shown();
-    paced.clearTranscript();
-    EXPECT_TRUE(waitUntil([&] { return shown() > before + mebibyte / 2; }));
-
-    const QDeadlineTimer meanwhile(300, Qt::PreciseTimer);
-    EXPECT_TRUE(waitUntil([&] { return meanwhile.hasExpired(); }));
-    paced.stop();
-    EXPECT_TRUE(waitUntil([&] { return !paced.isRunning(); }));
-    EXPECT_EQ(history.entries().first().note, u"stopped"_s);
-}

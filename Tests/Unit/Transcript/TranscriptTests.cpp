@@ -1,12 +1,15 @@
 #include "Transcript/Transcript.h"
 
+#include "Support/Waiting.h"
 #include "Unit/Transcript/RandomText.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <deque>
 
 using namespace Qt::StringLiterals;
@@ -157,13 +160,13 @@ TEST(Transcript, TellsTheKindAtEveryPosition)
     transcript.append("out", OutputKind::out);
     transcript.append("", OutputKind::err);
     transcript.append("info", OutputKind::info);
-    EXPECT_EQ(transcript.runAt(0).kind, OutputKind::out);
-    EXPECT_EQ(transcript.runAt(2).end, 3);
-    EXPECT_EQ(transcript.runAt(3).kind, OutputKind::info);
-    EXPECT_EQ(transcript.runAt(7).kind, OutputKind::info);
+    EXPECT_EQ(transcript.text().runAt(0).kind, OutputKind::out);
+    EXPECT_EQ(transcript.text().runAt(2).end, 3);
+    EXPECT_EQ(transcript.text().runAt(3).kind, OutputKind::info);
+    EXPECT_EQ(transcript.text().runAt(7).kind, OutputKind::info);
     transcript.append("", OutputKind::ok);
-    EXPECT_EQ(transcript.runAt(7).kind, OutputKind::ok);
-    EXPECT_EQ(transcript.runAt(7).end, 7);
+    EXPECT_EQ(transcript.text().runAt(7).kind, OutputKind::ok);
+    EXPECT_EQ(transcript.text().runAt(7).end, 7);
 }
 
 TEST(Transcript, StartsAnewAfterAClear)
@@ -177,4 +180,118 @@ TEST(Transcript, StartsAnewAfterAClear)
     transcript.append("b", OutputKind::out);
     EXPECT_EQ(transcript.segmentCount(), 2U);
     EXPECT_EQ(transcript.plainText(), u"ab"_s);
+}
+
+TEST(Transcript, KeepsInItsRecordWhatItDropsOfARun)
+{
+    Transcript transcript;
+    transcript.append("before\n", OutputKind::info);
+    transcript.beginRecord();
+    EXPECT_TRUE(transcript.record().isEmpty());
+    transcript.append("$ run\n", OutputKind::info);
+    const QByteArray flood = QByteArray("0123456789\n").repeated(60'000);
+    transcript.append(flood, OutputKind::out);
+    transcript.append("\nexit status 0\n", OutputKind::ok);
+    EXPECT_EQ(transcript.plainText(), u"\nexit status 0\n"_s);
+    const TextView &record = transcript.record();
+    const QString all = u"$ run\n"_s + QString::fromLatin1(flood) + u"\nexit status 0\n"_s;
+    EXPECT_EQ(record.text(record.begin(), record.end()), all);
+    EXPECT_EQ(record.runAt(record.begin()).kind, OutputKind::info);
+    EXPECT_EQ(record.runAt(record.begin() + 6).kind, OutputKind::out);
+    EXPECT_EQ(record.runAt(record.end() - 1).kind, OutputKind::ok);
+    EXPECT_EQ(record.runAt(record.end() - 1).begin, record.end() - 15);
+}
+
+TEST(Transcript, BeginsAnotherRecordWithTheNextRunAndStillShowsTheRunBefore)
+{
+    Transcript transcript;
+    transcript.beginRecord();
+    transcript.append("first, without a line end", OutputKind::out);
+    transcript.beginRecord();
+    EXPECT_TRUE(transcript.record().isEmpty());
+    EXPECT_EQ(transcript.record().firstBlock(), transcript.record().endBlock());
+    EXPECT_EQ(transcript.plainText(), u"first, without a line end"_s);
+    // The line that both runs share moves on to the next block together.
+    transcript.append(QByteArray(TextStore::blockCapacity - 1000, 's'), OutputKind::err);
+    transcript.append(QByteArray(2000, 't') + '\n' + QByteArray(TextStore::blockCapacity, 'u'), OutputKind::err);
+    const TextView &record = transcript.record();
+    EXPECT_EQ(record.end() - record.begin(), 2 * TextStore::blockCapacity + 1001);
+    EXPECT_TRUE(record.text(record.begin(), record.end()).startsWith(u"sss"_s));
+    EXPECT_EQ(record.runAt(record.begin()).kind, OutputKind::err);
+    EXPECT_EQ(record.runAt(record.begin()).begin, record.begin());
+    EXPECT_EQ(record.utf16Offset(record.end()), record.end() - record.begin());
+    EXPECT_EQ(record.lineBegin(record.begin() + 5), record.begin());
+}
+
+TEST(Transcript, EndsItsRecordWithAClear)
+{
+    Transcript transcript;
+    transcript.beginRecord();
+    transcript.append(QByteArray(3'000'000, 'x'), OutputKind::out);
+    transcript.append("end", OutputKind::ok);
+    transcript.clear();
+    EXPECT_TRUE(transcript.record().isEmpty());
+    EXPECT_EQ(transcript.record().text(0, transcript.end()), QString());
+    transcript.append("more", OutputKind::out);
+    EXPECT_EQ(transcript.record().text(0, transcript.end()), u"more"_s);
+    EXPECT_LT(transcript.memory(), 1'000'000);
+}
+
+TEST(Transcript, KeepsTheKindOfEveryPieceOfItsRecordWhereverThatIs)
+{
+    RandomText random(12);
+    TextStorage storage;
+    storage.plainBlocks = 2;
+    Transcript transcript(storage);
+    QByteArray text;
+    QByteArray kinds; // of each byte
+    for (int round = 0; round < 30'000; ++round) {
+        const auto kind = static_cast<OutputKind>(random.below(6));
+        const QByteArray piece =
+            random.below(200) == 0 ? QByteArray(random.below(60'000), 'l') : random.text(random.below(8)).toUtf8();
+        transcript.append(piece, kind);
+        text += piece;
+        kinds += QByteArray(piece.size(), static_cast<char>(kind));
+    }
+    const TextView &record = transcript.record();
+    ASSERT_EQ(record.end(), text.size());
+    ASSERT_GT(record.endBlock(), 20);
+    for (TextView::Position at = 0; at < record.end();) {
+        const TextView::Run run = record.runAt(at);
+        ASSERT_EQ(run.begin, at);
+        ASSERT_GT(run.end, at);
+        ASSERT_EQ(kinds.sliced(at, run.end - at), QByteArray(run.end - at, static_cast<char>(run.kind))) << at;
+        at = run.end;
+    }
+    EXPECT_TRUE(record.text(0, record.end()).toUtf8() == text);
+}
+
+TEST(Transcript, TellsHowMuchOfTheRunWasDroppedWhereNothingCanBeFiled)
+{
+    constexpr std::int64_t mebibyte = 1024 * 1024;
+    TextStorage storage;
+    storage.plainBlocks = 4;
+    storage.packedBytes = mebibyte;
+    storage.folder = "/nowhere";
+    std::atomic<int> losses = 0;
+    Transcript transcript(storage, [&losses] { ++losses; });
+    transcript.append("from the run before\n", OutputKind::ok);
+    transcript.beginRecord();
+    EXPECT_EQ(transcript.loss(), QString());
+    RandomText random(13);
+    QByteArray noise(16 * mebibyte, Qt::Uninitialized);
+    for (char &byte : noise)
+        byte = static_cast<char>(' ' + random.below(64));
+    transcript.append(noise, OutputKind::out);
+    ASSERT_TRUE(waitUntil([&] { return losses >= 5; }));
+    transcript.dropLost();
+    EXPECT_GT(transcript.record().begin(), 5 * mebibyte);
+    EXPECT_EQ(transcript.begin(), transcript.record().begin());
+    EXPECT_EQ(transcript.segment(0).text, transcript.plainText());
+    const QRegularExpression sentence(
+        u"^The first [0-9]+\\.[0-9] MB of the output were dropped: no temporary file can be "
+        "written\\.$"_s);
+    EXPECT_TRUE(sentence.match(transcript.loss()).hasMatch()) << transcript.loss().toStdString();
+    transcript.beginRecord();
+    EXPECT_EQ(transcript.loss(), QString());
 }

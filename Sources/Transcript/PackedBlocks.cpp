@@ -1,0 +1,118 @@
+#include "Transcript/PackedBlocks.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+PackedBlocks::Place PackedBlocks::add(QByteArrayView packed, Number number)
+{
+    if (m_slabs.empty() || !m_slabs.back().memory || m_slabs.back().size + packed.size() > slabSize)
+        m_slabs.push_back(
+            {.memory = std::make_shared<PageMemory>(slabSize), .slot = -1, .size = 0, .numbers = {number, number}});
+    Slab &slab = m_slabs.back();
+    const std::int32_t offset = slab.size;
+    std::memcpy(slab.memory->data() + offset, packed.data(), static_cast<std::size_t>(packed.size()));
+    slab.size += static_cast<std::int32_t>(packed.size());
+    slab.numbers = {std::min(slab.numbers.begin, number), std::max(slab.numbers.end, number + 1)};
+    m_memory += packed.size();
+    return (m_firstSlab + static_cast<std::int64_t>(m_slabs.size()) - 1) * slabSize + offset;
+}
+
+PackedBlocks::Location PackedBlocks::find(Place place) const
+{
+    const std::int64_t index = place / slabSize - m_firstSlab;
+    if (index < 0)
+        return {};
+    const Slab &slab = m_slabs[static_cast<std::size_t>(index)];
+    if (slab.memory)
+        return {slab.memory, nullptr, place % slabSize};
+    if (slab.slot >= 0)
+        return {nullptr, m_file, slab.slot * slabSize + place % slabSize};
+    return {};
+}
+
+void PackedBlocks::dropFront(Number first, Unused &unused)
+{
+    while (!m_slabs.empty() && m_slabs.front().numbers.end <= first) {
+        letGo(m_slabs.front(), unused);
+        m_slabs.pop_front();
+        ++m_firstSlab;
+    }
+    closeEmptyFile(unused);
+}
+
+void PackedBlocks::closeEmptyFile(Unused &unused)
+{
+    if (m_filing >= 0 || !m_file || static_cast<std::int64_t>(m_freeSlots.size()) < m_slots)
+        return;
+    unused.push_back(std::exchange(m_file, nullptr));
+    m_slots = 0;
+    m_freeSlots.clear();
+}
+
+std::optional<PackedBlocks::Filing> PackedBlocks::startFiling()
+{
+    const auto oldest =
+        std::find_if(m_slabs.begin(), m_slabs.end(), [](const Slab &slab) { return slab.memory != nullptr; });
+    // The last one is not full yet.
+    if (oldest == m_slabs.end() || std::next(oldest) == m_slabs.end())
+        return std::nullopt;
+    m_filing = m_firstSlab + (oldest - m_slabs.begin());
+    Filing filing{.memory = oldest->memory, .size = oldest->size, .slab = m_filing, .file = m_file};
+    filing.grows = m_freeSlots.empty();
+    filing.slot = filing.grows ? m_slots : m_freeSlots.back();
+    if (!filing.grows)
+        m_freeSlots.pop_back();
+    return filing;
+}
+
+void PackedBlocks::filed(const Filing &filing, bool isWritten, Unused &unused)
+{
+    m_filing = -1;
+    m_file = filing.file;
+    if (isWritten && filing.grows)
+        ++m_slots;
+    const std::int64_t index = filing.slab - m_firstSlab;
+    Slab *const slab = index < 0 ? nullptr : &m_slabs[static_cast<std::size_t>(index)];
+    if (isWritten && slab != nullptr && slab->memory) {
+        m_memory -= slab->size;
+        unused.push_back(std::exchange(slab->memory, nullptr));
+        slab->slot = filing.slot;
+    } else if (isWritten || !filing.grows) {
+        // Dropped meanwhile; or a part of the disk that could not be written now, and is tried last.
+        m_freeSlots.push_front(filing.slot);
+    }
+    closeEmptyFile(unused);
+}
+
+PackedBlocks::Numbers PackedBlocks::letGoOldest(Unused &unused)
+{
+    const auto oldest =
+        std::find_if_not(m_slabs.begin(), m_slabs.end(), [](const Slab &slab) { return slab.isMissing(); });
+    if (oldest == m_slabs.end())
+        return {};
+    letGo(*oldest, unused);
+    return oldest->numbers;
+}
+
+PackedBlocks::Numbers PackedBlocks::letGoWaiting(Unused &unused)
+{
+    for (std::size_t index = 0; index + 1 < m_slabs.size(); ++index) {
+        Slab &slab = m_slabs[index];
+        if (!slab.memory || m_firstSlab + static_cast<std::int64_t>(index) == m_filing)
+            continue;
+        letGo(slab, unused);
+        return slab.numbers;
+    }
+    return {};
+}
+
+void PackedBlocks::letGo(Slab &slab, Unused &unused)
+{
+    if (slab.memory) {
+        m_memory -= slab.size;
+        unused.push_back(std::exchange(slab.memory, nullptr));
+    } else if (slab.slot >= 0) {
+        m_freeSlots.push_back(std::exchange(slab.slot, -1));
+    }
+}

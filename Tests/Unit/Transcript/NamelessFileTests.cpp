@@ -1,0 +1,110 @@
+#include "Transcript/NamelessFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <random>
+
+namespace
+{
+
+constexpr std::int64_t mebibyte = 1024 * 1024;
+
+QStringList filesIn(const QTemporaryDir &folder)
+{
+    return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
+}
+
+} // namespace
+
+TEST(NamelessFile, KeepsWhatIsWrittenAtItsPlaceAndHasNoName)
+{
+    const QTemporaryDir folder;
+    const std::shared_ptr<NamelessFile> file = NamelessFile::open(folder.path().toStdString());
+    ASSERT_TRUE(file);
+    EXPECT_EQ(filesIn(folder), QStringList());
+    EXPECT_EQ(file->write(3 * mebibyte, "later"), 0);
+    EXPECT_EQ(file->write(0, "first"), 0);
+    std::string read(5, '\0');
+    EXPECT_TRUE(file->read(3 * mebibyte, read.data(), read.size()));
+    EXPECT_EQ(read, "later");
+    EXPECT_TRUE(file->read(0, read.data(), read.size()));
+    EXPECT_EQ(read, "first");
+    EXPECT_FALSE(file->read(3 * mebibyte + 1, read.data(), read.size())) << "there are four bytes";
+}
+
+TEST(NamelessFile, IsNotToBeHadInAFolderThatIsMissingOrNone)
+{
+    const QTemporaryDir folder;
+    EXPECT_FALSE(NamelessFile::open(folder.path().toStdString() + "/missing"));
+    QFile file(folder.filePath(QStringLiteral("file")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    EXPECT_FALSE(NamelessFile::open(file.fileName().toStdString()));
+}
+
+TEST(NamelessFile, IsNotToBeHadInAFolderThatIsReadOnly)
+{
+    const QTemporaryDir folder;
+    QFile::setPermissions(folder.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    if (::access(folder.path().toLocal8Bit().constData(), W_OK) == 0)
+        GTEST_SKIP() << "This user may write everywhere.";
+    EXPECT_FALSE(NamelessFile::open(folder.path().toStdString()));
+}
+
+TEST(NamelessFile, LeavesSoMuchOfTheDiskFree)
+{
+    const QTemporaryDir folder;
+    const std::shared_ptr<NamelessFile> file = NamelessFile::open(folder.path().toStdString());
+    constexpr std::int64_t tooMuch = std::int64_t{1} << 60;
+    EXPECT_TRUE(file->mayGrow(mebibyte, 0, 0));
+    EXPECT_FALSE(file->mayGrow(tooMuch, 0, 0));
+    EXPECT_FALSE(file->mayGrow(mebibyte, tooMuch, 0));
+    EXPECT_FALSE(file->mayGrow(mebibyte, 0, 1));
+}
+
+TEST(NamelessFile, DoesNotGrowPastTheLimitForFilesAtWhichTheSystemEndsAProcess)
+{
+    const QTemporaryDir folder;
+    const std::shared_ptr<NamelessFile> file = NamelessFile::open(folder.path().toStdString());
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    rlimit lower = before;
+    lower.rlim_cur = 2 * mebibyte;
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &lower), 0);
+    EXPECT_TRUE(file->mayGrow(2 * mebibyte, 0, 0));
+    EXPECT_FALSE(file->mayGrow(2 * mebibyte + 1, 0, 0));
+    ::setrlimit(RLIMIT_FSIZE, &before);
+}
+
+TEST(NamelessFile, IsGoneWheneverItsProcessIsKilled)
+{
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "The thread sanitizer does not follow a fork.";
+#endif
+    const QTemporaryDir folder;
+    const std::string path = folder.path().toStdString();
+    const std::string bytes(64 * 1024, 'x');
+    std::mt19937 random(3);
+    for (int round = 0; round < 50; ++round) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            for (std::int64_t count = 0;; ++count) {
+                const std::shared_ptr<NamelessFile> file = NamelessFile::open(path);
+                file->write(0, {bytes.data(), static_cast<qsizetype>(bytes.size())});
+            }
+        }
+        ASSERT_GT(child, 0);
+        ::usleep(std::uniform_int_distribution<useconds_t>(0, 3000)(random));
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+        ASSERT_EQ(filesIn(folder), QStringList());
+    }
+}
