@@ -3,8 +3,6 @@
 #include "Process/Pipe.h"
 #include "Text/Utf8Repair.h"
 
-#include <poll.h>
-
 #include <cerrno>
 #include <utility>
 
@@ -18,12 +16,6 @@ constexpr qsizetype largestPipeSize = qsizetype{1024} * 1024;
 OutputReader::OutputReader(FileDescriptor end, OutputStream stream) : m_end(std::move(end)), m_stream(stream)
 {
     makeNonBlocking(m_end);
-}
-
-bool OutputReader::isComplete() const
-{
-    pollfd entry{m_end.number(), POLLIN, 0};
-    return isAtEnd() || (::poll(&entry, 1, 0) > 0 && (entry.revents & POLLHUP) != 0);
 }
 
 qsizetype OutputReader::read(QByteArray &block, OutputQueue &queue)

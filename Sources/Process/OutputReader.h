@@ -20,8 +20,6 @@ public:
     void close() { m_end.close(); }
     bool isAtEnd() const { return !m_end.isOpen(); }
     int descriptor() const { return m_end.number(); }
-    /// Nobody can write into the pipe any more: what it still holds is all that will come. Asks the system.
-    bool isComplete() const;
 
     /// Takes all that the pipe holds now, by way of `block`, which is shared by all readers and may be given away. At
     /// the end of file the reader closes. Returns the number of bytes.

@@ -15,8 +15,6 @@ enum Place : std::size_t { outputPlace, errorPlace, inputPlace, noticePlace };
 
 /// How often the system is asked whether a child still runs when it has no exit notice for it.
 constexpr auto exitCheckInterval = std::chrono::milliseconds(10);
-/// How often a pause of the output is checked for its end.
-constexpr auto pauseCheckInterval = std::chrono::milliseconds(50);
 
 constexpr double longestWait = 1e8; // seconds; far beyond any wait, and within what the clock can count
 
@@ -84,7 +82,6 @@ int RunningChild::start(const Launch &launch)
 
 void RunningChild::appendPollEntries(std::vector<pollfd> &entries)
 {
-    m_awaitsPause = isPaused();
     m_places = {};
     const auto append = [&](Place which, int descriptor, short events) {
         // poll() would skip what is closed, but the system takes no more entries than there may be descriptors.
@@ -93,23 +90,12 @@ void RunningChild::appendPollEntries(std::vector<pollfd> &entries)
         m_places[which] = entries.size();
         entries.push_back({descriptor, events, 0});
     };
-    if (!m_awaitsPause && m_queue->hasRoom()) {
+    if (m_queue->hasRoom()) {
         append(outputPlace, m_output.descriptor(), POLLIN);
         append(errorPlace, m_errorOutput.descriptor(), POLLIN);
     }
     append(inputPlace, m_input.descriptor(), POLLOUT);
     append(noticePlace, m_exitNotice.number(), POLLIN);
-}
-
-bool RunningChild::isPaused() const
-{
-    if (!m_handle->isOutputPaused())
-        return false;
-    const bool isEnding = !m_isRunning || m_handle->wasAskedToTerminate();
-    if (isEnding && m_lastOutput > 0)
-        return false;
-    // Once nobody is left who could print, what the pipes hold is no flood, and their end is to be noticed.
-    return !(m_output.isComplete() && m_errorOutput.isComplete());
 }
 
 RunningChild::Moment RunningChild::wakeTime() const
@@ -118,8 +104,6 @@ RunningChild::Moment RunningChild::wakeTime() const
     Moment wake = std::min(m_deadline, m_lastMoment);
     if (m_isRunning && !m_exitNotice.isOpen())
         wake = std::min(wake, now + exitCheckInterval);
-    if (m_awaitsPause)
-        wake = std::min(wake, now + pauseCheckInterval);
     return wake;
 }
 
@@ -134,14 +118,10 @@ qsizetype RunningChild::serve(std::span<const pollfd> entries, QByteArray &block
         m_output.close();
         m_errorOutput.close();
     }
-    // A pause may have begun while the thread waited.
-    const bool reads = !isPaused();
-    if (reads && isReported(outputPlace) && !m_output.isAtEnd())
+    if (isReported(outputPlace) && !m_output.isAtEnd())
         bytesRead += m_output.read(block, *m_queue);
-    if (reads && isReported(errorPlace) && !m_errorOutput.isAtEnd())
+    if (isReported(errorPlace) && !m_errorOutput.isAtEnd())
         bytesRead += m_errorOutput.read(block, *m_queue);
-    if (!m_isRunning || m_handle->wasAskedToTerminate())
-        m_lastOutput -= bytesRead;
     if (isReported(inputPlace))
         m_input.write();
 

@@ -36,7 +36,7 @@ public:
     /// before all that follows, which is for the background thread only.
     int start(const Launch &launch);
 
-    /// Appends what to wait for now; the output is left out while the queue is full or it is paused.
+    /// Appends what to wait for now; the output is left out while the queue is full.
     void appendPollEntries(std::vector<pollfd> &entries);
 
     /// When to serve the child even if nothing is reported, after appendPollEntries.
@@ -49,7 +49,6 @@ public:
     bool isFinished() const { return m_isEnded && !m_isRunning && m_input.isDone(); }
 
 private:
-    bool isPaused() const;
     void enforceTimeLimit();
     void leaveBehind();
     void end(int status);
@@ -64,11 +63,6 @@ private:
     /// From when on the child is not waited for; never before its deadline.
     Moment m_lastMoment = never;
     AwakeClock::duration m_graceTime{};
-    /// Bytes still read during a pause once the child has ended or was asked to terminate: all that its pipes can
-    /// hold, and what a grandchild may hurry to print. Not without end, for it may print on and on.
-    qsizetype m_lastOutput = qsizetype{64} * 1024 * 1024;
-    /// The pipes were left out because of a pause, whose end nothing reports.
-    bool m_awaitsPause = false;
     /// Where in the poll entries are standard output, standard error, standard input and the exit notice, if they are.
     std::array<std::optional<std::size_t>, 4> m_places;
     bool m_isRunning = true;
