@@ -11,6 +11,8 @@
 #include "Support/Seed.h"
 #include "Support/Waiting.h"
 
+#include <gtest/gtest.h>
+
 #include <random>
 
 using namespace Qt::StringLiterals;

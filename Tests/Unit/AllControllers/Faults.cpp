@@ -13,19 +13,27 @@ constexpr int floodSize = 3'000'000; // far more than a pipe holds
 
 CLIResult missing(const QString &reason)
 {
-    return {-1, {}, u"Could not start %1: "_s + reason + u'\n', false, reason};
+    CLIResult result = ended(-1, {}, u"Could not start %1: "_s + reason + u'\n');
+    result.launchError = reason;
+    return result;
 }
 
 CLIResult late()
 {
-    return {SIGTERM, {}, {}, true, std::nullopt};
+    CLIResult result = ended(SIGTERM);
+    result.timedOut = true;
+    return result;
 }
 
 } // namespace
 
 CLIResult ended(int status, const QString &output, const QString &errors)
 {
-    return {status, output, errors, false, std::nullopt};
+    CLIResult result;
+    result.status = status;
+    result.stdout = output;
+    result.stderr = errors;
+    return result;
 }
 
 const QList<Fault> &allFaults()
