@@ -42,6 +42,7 @@ TEST(KeyboardWalk, VisitsTheNoteAndTheLogOfOrbStackInTheirPlaces)
     auto *log = find<QWidget>(content, u"Setup log"_s);
     ASSERT_TRUE(note != nullptr && note->isVisible());
     note->setText(u"a note that scrolls\n"_s.repeated(20));
+    EXPECT_TRUE(waitUntil([&] { return log->y() > note->geometry().bottom(); }));
     expectGoodFor(content);
     EXPECT_LT(note->parentWidget()->children().indexOf(note), log->parentWidget()->children().indexOf(log));
 }
