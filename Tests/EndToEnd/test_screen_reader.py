@@ -79,10 +79,9 @@ class Heard(WindowCase):
             "alert Use disposable mode?",
             "Every run will create a brand new Linux machine, run your commands, and then delete the machine. This takes "
             "longer, and anything created inside is lost.",
-            "Cancel push button.",
+            "Turn on push button.",
         )
         self.press("space", *question)
-        self.press("shift+Tab", "Turn on push button.")
         self.press("space", "Tidewell frame.", "Disposable mode check box checked.")
         self.press("Tab", "Distribution combo box.", "ubuntu.")
         self.press("Down", "debian")
