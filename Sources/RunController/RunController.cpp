@@ -6,6 +6,9 @@
 #include "RunController/ScriptComposition.h"
 #include "Text/Duration.h"
 
+#include <QCoreApplication>
+#include <QEvent>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -30,7 +33,7 @@ RunController::RunController(RunTimeLimits limits, const TextStorage &storage, D
     : QObject(parent),
       m_limits(limits),
       m_written(std::move(written)),
-      m_transcript(storage, [this] { QMetaObject::invokeMethod(this, &RunController::takeLoss, Qt::QueuedConnection); })
+      m_transcript(storage, [this] { postLoss(); })
 {
 }
 
@@ -116,7 +119,27 @@ OutputHandler RunController::outputHandler(OutputKind kindOfOutput)
     };
 }
 
-/// Output could not be kept.
+/// Output could not be kept: the main thread is to hear of it. Any thread.
+void RunController::postLoss()
+{
+    const std::lock_guard guard(m_lossLock);
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+bool RunController::event(QEvent *event)
+{
+    bool isLoss = false;
+    {
+        // Orders the making of the event before its use for a thread checker, too, which does not see Qt's own locks.
+        const std::lock_guard guard(m_lossLock);
+        isLoss = event->type() == QEvent::User;
+    }
+    if (!isLoss)
+        return QObject::event(event);
+    takeLoss();
+    return true;
+}
+
 void RunController::takeLoss()
 {
     m_transcript.dropLost();

@@ -24,6 +24,7 @@
 #include <qcorotask.h>
 
 #include <cstdint>
+#include <mutex>
 #include <optional>
 
 /// One request to run a script.
@@ -109,6 +110,8 @@ public:
     /// Alpine.
     static std::optional<QString> packageScript(const QString &distro, const QStringList &packages);
 
+    bool event(QEvent *event) override;
+
 Q_SIGNALS:
     void scriptChanged();
     /// The transcript was cleared; every append is told by revisionChanged.
@@ -143,6 +146,7 @@ private:
     void addToHistory(const Outcome &outcome);
     /// Appends what a tool prints, its standard output as this kind.
     OutputHandler outputHandler(OutputKind kindOfOutput);
+    void postLoss();
     void takeLoss();
 
     const RunTimeLimits m_limits;
@@ -150,6 +154,7 @@ private:
     /// None when idle, and once the run is in the history.
     std::optional<Record> m_record;
     QString m_undeletedMachine;
+    std::mutex m_lossLock;
     Transcript m_transcript;
     CurrentTool m_currentTool;
     Q_OBJECT_BINDABLE_PROPERTY(RunController, QString, m_script, &RunController::scriptChanged)

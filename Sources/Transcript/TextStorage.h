@@ -20,6 +20,6 @@ struct TextStorage {
     std::int64_t waitingBytes = 128 * mebibyte;
     std::string folder = temporaryFolder();
     /// The free space of the disk that is never taken, in bytes and as a share of all of it.
-    std::int64_t diskReserve = 5 * 1024 * mebibyte;
+    std::int64_t diskReserve = 5120 * mebibyte;
     double diskReserveShare = 0.1;
 };

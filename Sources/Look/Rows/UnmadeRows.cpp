@@ -162,8 +162,7 @@ void discard(QAccessible::Id id)
 {
     QAccessibleEvent gone(QAccessible::accessibleInterface(id), QAccessible::ObjectDestroyed);
     QAccessible::updateAccessibility(&gone);
-    QMetaObject::invokeMethod(
-        qApp, [id] { QAccessible::deleteAccessibleInterface(id); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(qApp, [id] { QAccessible::deleteAccessibleInterface(id); }, Qt::QueuedConnection);
 }
 
 } // namespace

@@ -177,7 +177,8 @@ TEST_F(ScriptEditorLongLine, IsWhatAStringWouldBeAfterAnyEdits)
     editor.replaceText(expected);
     for (int edit = 0; edit < 300; ++edit) {
         // Often beside a joint.
-        QTextBlock block = editor.document()->findBlockByNumber(static_cast<int>(below(editor.document()->blockCount())));
+        QTextBlock block =
+            editor.document()->findBlockByNumber(static_cast<int>(below(editor.document()->blockCount())));
         QTextCursor cursor(block);
         if (below(2) == 0)
             cursor.setPosition(block.position() + static_cast<int>(below(block.length())));

@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 class FiledTextTest : public testing::Test
 {
 protected:
@@ -34,8 +36,11 @@ protected:
     {
         static const char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
         QByteArray text(size, Qt::Uninitialized);
-        for (qsizetype at = 0; at < text.size(); ++at)
-            text[at] = at % 77 == 76 ? '\n' : digits[random.below(64)];
+        std::uint64_t bits = 0;
+        for (qsizetype at = 0; at < text.size(); ++at) {
+            bits = at % 10 == 0 ? engine() : bits >> 6U;
+            text[at] = at % 77 == 76 ? '\n' : digits[bits % 64];
+        }
         return text;
     }
 
@@ -84,4 +89,5 @@ protected:
 
     QTemporaryDir folder;
     RandomText random{31};
+    std::mt19937_64 engine{32};
 };
