@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -28,10 +29,11 @@ constexpr qint64 mostSteps = 1'000'000'000;
 
 } // namespace
 
-OutputPane::OutputPane(RunController &controller, const TextView &text, QWidget *parent)
+OutputPane::OutputPane(RunController &controller, const TextView &text, QWidget *parent, Following following)
     : QAbstractScrollArea(parent),
       m_transcript(controller.transcript()),
       m_text(text),
+      m_following(following),
       m_font(Typography::monospaced(fontSize)),
       m_rows(m_text),
       m_view(m_rows),
@@ -53,7 +55,7 @@ OutputPane::OutputPane(RunController &controller, const TextView &text, QWidget 
     m_frame.setTimerType(Qt::PreciseTimer);
     connect(&m_frame, &QTimer::timeout, this, &OutputPane::showChanges);
     connect(&controller, &RunController::revisionChanged, this, [this] {
-        m_wantsEnd = true;
+        m_wantsEnd = m_wantsEnd || m_following == Following::always;
         requestFrame();
     });
     connect(&controller, &RunController::transcriptCleared, this, [this] {
@@ -63,6 +65,7 @@ OutputPane::OutputPane(RunController &controller, const TextView &text, QWidget 
     });
     connect(&controller, &RunController::outputLossChanged, this, &OutputPane::requestFrame);
     connect(&m_mouse, &OutputPaneMouse::selected, this, &OutputPane::selectionMoved);
+    connect(&m_mouse, &OutputPaneMouse::ended, this, &OutputPane::keepPlaceOfSelection);
     connect(&m_mouse, &OutputPaneMouse::scrolled, this, &OutputPane::updateScrollBar);
     connect(verticalScrollBar(), &QScrollBar::actionTriggered, this, &OutputPane::scrollByStep);
     connect(verticalScrollBar(), &QScrollBar::sliderReleased, this, &OutputPane::requestFrame);
@@ -91,6 +94,12 @@ void OutputPane::showChanges()
 {
     m_sinceFrame.start();
     const bool held = m_mouse.isHeld() || isSliderHeld();
+    // Nothing is left of what was read: that is a new text, followed anew.
+    if (m_following == Following::whileAtEnd && m_text.begin() >= m_shownEnd) {
+        m_wantsEnd = true;
+        m_cursor.standAtEnd();
+    }
+    m_shownEnd = m_text.end();
     if (m_wantsEnd && !held) {
         m_wantsEnd = false;
         m_view.scrollToEnd();
@@ -111,6 +120,7 @@ void OutputPane::updateView()
 
 void OutputPane::updateScrollBar()
 {
+    tellWhetherEndShows();
     QScrollBar *const bar = verticalScrollBar();
     // A slider in the user's hand stays where it is.
     if (bar->isSliderDown())
@@ -138,6 +148,7 @@ void OutputPane::scrollContentsBy(int /*dx*/, int dy)
         m_view.scrollToEnd();
     else
         m_view.scrollTo(bar->value() * m_pixelsPerStep);
+    tellWhetherEndShows();
     viewport()->update();
 }
 
@@ -276,10 +287,26 @@ QRect OutputPane::characterRect(Position position)
     return {};
 }
 
+void OutputPane::jumpToEnd()
+{
+    m_view.scrollToEnd();
+    if (m_cursor.isEmpty())
+        m_cursor.moveTo({m_text.end(), false});
+    updateView();
+}
+
+void OutputPane::tellWhetherEndShows()
+{
+    const bool showsEnd = m_view.showsEnd();
+    if (showsEnd != std::exchange(m_showsEnd, showsEnd))
+        Q_EMIT showsEndChanged(showsEnd);
+}
+
 void OutputPane::scrollTo(Position position)
 {
     if (m_rows.isEmpty())
         return;
     m_view.show(m_rows.at(position));
+    keepPlaceOfSelection();
     updateView();
 }

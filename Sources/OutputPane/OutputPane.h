@@ -2,8 +2,8 @@
 
 // The scrolling view of runs' output: one selectable text, each piece coloured by its kind, wrapped at the pane's
 // width. It is a view only: it draws the rows that are visible straight from the store of text, keeps no copy, and
-// never writes to the controller. Every append brings the end into view, unless the user holds a mouse button here:
-// then as soon as the button is released. However much arrives, the pane is brought up to date at most once a frame.
+// never writes to the controller. What an append does to the place in view is a matter of Following; while the user
+// holds a mouse button here, nothing moves. However much arrives, the pane is brought up to date at most once a frame.
 
 #include "Look/CellFont.h"
 #include "OutputPane/OutputPaneAccessible.h"
@@ -27,8 +27,15 @@ class OutputPane : public QAbstractScrollArea
 public:
     using Position = TextView::Position;
 
+    /// How the pane goes with the end of the text.
+    enum class Following {
+        always,     ///< every append brings the end into view
+        whileAtEnd, ///< the end stays in view, until the reader scrolls away from it or selects something
+    };
+
     /// `text` is one of the views of the controller's transcript; `controller` must outlive the pane.
-    OutputPane(RunController &controller, const TextView &text, QWidget *parent = nullptr);
+    OutputPane(RunController &controller, const TextView &text, QWidget *parent = nullptr,
+               Following following = Following::always);
 
     const TextView &text() const { return m_text; }
     /// Nothing was ever appended: one line says where output appears.
@@ -55,6 +62,12 @@ public Q_SLOTS:
     /// Copies the selection to the clipboard; does nothing when there is none, and says so when it is too long.
     void copy();
     void selectAll();
+    /// Brings the end into view, where it stays as Following says; without a selection the caret goes there, too.
+    void jumpToEnd();
+
+Q_SIGNALS:
+    /// The end has come into view, or is no longer there.
+    void showsEndChanged(bool showsEnd);
 
 Q_SIGNALS:
     /// The user selects something else.
@@ -85,11 +98,14 @@ private:
     void paintCaret(QPainter &painter);
 
     void selectionMoved();
+    void keepPlaceOfSelection();
+    void tellWhetherEndShows();
     /// The user holds the scroll bar's slider. Where the release went elsewhere, that ends here.
     bool isSliderHeld();
 
     const Transcript &m_transcript;
     const TextView &m_text;
+    const Following m_following;
     CellFont m_font;
     OutputPaneRows m_rows;
     OutputPaneViewport m_view;
@@ -102,6 +118,9 @@ private:
     QElapsedTimer m_sinceFrame;
     /// The end must come into view with the next frame in which no button is held.
     bool m_wantsEnd = true;
+    bool m_showsEnd = true;
+    /// The end of the text when it was last brought into the pane.
+    Position m_shownEnd = 0;
     bool m_updatesScrollBar = false;
     /// Content pixels for one step of the scroll bar, more than one where an int would not do.
     qint64 m_pixelsPerStep = 1;

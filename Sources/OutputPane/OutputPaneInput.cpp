@@ -43,8 +43,16 @@ void OutputPane::copy()
 void OutputPane::selectionMoved()
 {
     m_announcer.announceSelection();
+    keepPlaceOfSelection();
     viewport()->update();
     Q_EMIT selectionChanged();
+}
+
+/// Who selects reads there, also at the end.
+void OutputPane::keepPlaceOfSelection()
+{
+    if (m_following == Following::whileAtEnd && !m_cursor.isEmpty())
+        m_view.hold();
 }
 
 void OutputPane::keyPressEvent(QKeyEvent *event)

@@ -120,6 +120,7 @@ void OutputPaneMouse::endDrag()
     m_unit = Unit::none;
     m_autoScroll.stop();
     m_view.letGo();
+    Q_EMIT ended();
 }
 
 OutputCaret OutputPaneMouse::caretAt(QPoint point)

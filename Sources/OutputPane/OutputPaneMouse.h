@@ -37,6 +37,8 @@ public:
 Q_SIGNALS:
     /// The caret or the selection moved.
     void selected();
+    /// The button was released, or the drag ended without that.
+    void ended();
     /// The text moved by under a drag.
     void scrolled();
 

@@ -40,6 +40,11 @@ OutputPaneViewport::Row OutputPaneViewport::rowAt(int y)
     return found == visible.end() ? visible.back().row : found->row;
 }
 
+bool OutputPaneViewport::showsEnd()
+{
+    return m_isAtEnd || m_rows.isEmpty() || !isBefore(top(), topAtEnd());
+}
+
 void OutputPaneViewport::hold()
 {
     if (m_isAtEnd && !m_rows.isEmpty())

@@ -39,6 +39,8 @@ public:
     Row rowAt(int y);
 
     bool isAtEnd() const { return m_isAtEnd; }
+    /// The end is in view, whether or not that is so because it stays there.
+    bool showsEnd();
     void scrollToEnd() { m_isAtEnd = true; }
     /// Stays where it is, also at the end; whoever scrolls next, or lets go, may be at the end again.
     void hold();
