@@ -189,6 +189,10 @@ QLayout *RunView::makeOutputHeader(const RunActions &actions)
 {
     auto *title =
         new PlainLabel(u"Output"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this);
+    m_earlierOutput = new PlainLabel(u"Earlier output is kept: Run ▸ Show All Output"_s, Typography::caption(),
+                                     Colours::secondary, PlainLabel::Fit::elideEnd, this);
+    // Cut before anything else of the row is.
+    m_earlierOutput->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     QPushButton *copy = Controls::button(u"Copy output"_s, {}, this);
     QPushButton *clear = Controls::button(u"Clear"_s, u"Clear the output"_s, this);
     connect(copy, &QPushButton::clicked, this, [this] {
@@ -202,7 +206,8 @@ QLayout *RunView::makeOutputHeader(const RunActions &actions)
     auto *row = new QHBoxLayout;
     row->setSpacing(controlSpacing);
     row->addWidget(title);
-    row->addStretch();
+    row->addWidget(m_earlierOutput, mostOfTheRow);
+    row->addStretch(1);
     row->addWidget(copy);
     row->addWidget(clear);
     return row;
@@ -214,7 +219,11 @@ void RunView::followControllers()
     connect(&m_controllers.run, &RunController::scriptChanged, this, &RunView::showFields);
     connect(&m_controllers.run, &RunController::isRunningChanged, this, &RunView::showFields);
     connect(&m_controllers.run, &RunController::outputLossChanged, this, &RunView::showFields);
+    for (const auto changed :
+         {&RunController::revisionChanged, &RunController::transcriptCleared, &RunController::outputLossChanged})
+        connect(&m_controllers.run, changed, this, &RunView::showEarlierOutput);
     connect(&m_controllers.machines, &MachineStore::machinesChanged, this, &RunView::showMachines);
+    showEarlierOutput();
     showMachines();
 }
 
@@ -265,6 +274,12 @@ void RunView::showFields()
     // Run and Stop take each other's place, also for the keyboard.
     if (handsOnFocus)
         (isRunning ? static_cast<QWidget *>(m_status) : m_run)->setFocus();
+}
+
+void RunView::showEarlierOutput()
+{
+    const Transcript &transcript = m_controllers.run.transcript();
+    m_earlierOutput->setVisible(transcript.record().begin() < transcript.text().begin());
 }
 
 void RunView::start()

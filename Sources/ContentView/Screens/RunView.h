@@ -53,6 +53,7 @@ private:
     void pickDefault();
     void showMachines();
     void showFields();
+    void showEarlierOutput();
     void start();
     void installPackages();
 
@@ -74,4 +75,5 @@ private:
     RunStatus *m_status = nullptr;
     PlainLabel *m_startHint = nullptr;
     PlainLabel *m_outputLoss = nullptr;
+    PlainLabel *m_earlierOutput = nullptr;
 };

@@ -1,6 +1,20 @@
 #include "Screens/ContentView/RunViewSteps.h"
 #include "Unit/Transcript/RandomText.h"
 
+namespace
+{
+
+const auto earlierOutput = u"Earlier output is kept: Run ▸ Show All Output"_s;
+
+/// More than the screen keeps, in two pieces of different kinds, so that the first one goes.
+void appendTooMuch(RunController &run)
+{
+    run.append(QString(Transcript::characterBound + 1, u'x'), OutputKind::out);
+    run.append(u"\nthe rest\n"_s, OutputKind::err);
+}
+
+} // namespace
+
 TEST(RunView, RunsAScriptInTheChosenMachineAndRecordsIt)
 {
     TestWindow window;
@@ -231,4 +245,48 @@ TEST(RunView, SaysUnderItsHeaderHowMuchOfTheOutputCouldNotBeKept)
     press(content, u"Clear"_s);
     EXPECT_EQ(window.run.outputLoss(), QString());
     EXPECT_FALSE(shows(content, told));
+}
+
+TEST(RunView, TellsOfEarlierOutputOnlyWhileThereIsSome)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    EXPECT_FALSE(shows(content, earlierOutput));
+    window.run.append(u"a line\n"_s, OutputKind::out);
+    EXPECT_FALSE(shows(content, earlierOutput));
+    appendTooMuch(window.run);
+    EXPECT_TRUE(shows(content, earlierOutput));
+    const QPointer<QLabel> before = find<QLabel>(content, earlierOutput);
+    content.setTab(AppTab::machines);
+    EXPECT_TRUE(waitUntil([&before] { return before == nullptr; }));
+    content.setTab(AppTab::run);
+    EXPECT_TRUE(shows(content, earlierOutput));
+    window.run.clearTranscript();
+    EXPECT_FALSE(shows(content, earlierOutput));
+}
+
+TEST(RunView, TellsOfNoEarlierOutputOfARunBefore)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({u"box"_s});
+    appendTooMuch(window.run);
+    EXPECT_TRUE(shows(content, earlierOutput));
+    window.run.setScript(u"true"_s);
+    press(content, u"Run"_s);
+    EXPECT_FALSE(shows(content, earlierOutput));
+}
+
+TEST(RunView, IsNoWiderForTellingOfEarlierOutput)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    const QSize least = content.minimumSizeHint();
+    const QSize wanted = content.sizeHint();
+    appendTooMuch(window.run);
+    auto *label = find<QLabel>(content, earlierOutput);
+    ASSERT_NE(label, nullptr);
+    EXPECT_EQ(content.minimumSizeHint().width(), least.width());
+    EXPECT_EQ(content.sizeHint().width(), wanted.width());
+    content.resize(content.minimumSize());
+    EXPECT_TRUE(waitUntil([&] { return label->width() >= label->sizeHint().width(); })) << "and has room in it";
 }
