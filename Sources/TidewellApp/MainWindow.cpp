@@ -3,12 +3,11 @@
 #include "ContentView/ContentView.h"
 #include "RunController/RunController.h"
 #include "TidewellApp/Menus.h"
+#include "TidewellApp/OutputWindow.h"
 #include "TidewellApp/WindowIcon.h"
+#include "TidewellApp/WindowPlace.h"
 
 #include <QApplication>
-#include <QScreen>
-#include <QSettings>
-#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -19,13 +18,16 @@ const auto placeKey = u"windowPlace"_s;
 
 } // namespace
 
-MainWindow::MainWindow(const Controllers &controllers) : m_content(new ContentView(controllers, this))
+MainWindow::MainWindow(const Controllers &controllers)
+    : m_run(controllers.run),
+      m_content(new ContentView(controllers, this)),
+      m_saving(controllers.run, *this)
 {
     setWindowTitle(u"Tidewell"_s);
     setWindowIcon(WindowIcon::icon());
     setCentralWidget(m_content);
-    Menus::add(*this, *m_content, controllers);
-    restorePlace();
+    Menus::add(*this, controllers);
+    WindowPlace::restore(*this, placeKey, {960, 760});
     connect(&controllers.run, &RunController::isRunningChanged, this, [this, &run = controllers.run] {
         if (!run.isRunning() && QGuiApplication::applicationState() != Qt::ApplicationActive)
             Q_EMIT attentionWanted();
@@ -35,7 +37,8 @@ MainWindow::MainWindow(const Controllers &controllers) : m_content(new ContentVi
 
 MainWindow::~MainWindow()
 {
-    QSettings().setValue(placeKey, saveGeometry());
+    delete m_allOutput;
+    WindowPlace::remember(*this, placeKey);
 }
 
 void MainWindow::comeForward()
@@ -46,12 +49,11 @@ void MainWindow::comeForward()
     activateWindow();
 }
 
-void MainWindow::restorePlace()
+void MainWindow::showAllOutput()
 {
-    // The frame that the system will put around is not known yet.
-    const int titleBar =
-        style()->pixelMetric(QStyle::PM_TitleBarHeight) + 2 * style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
-    resize(QSize(960, 760).boundedTo(screen()->availableSize() - QSize(0, titleBar)));
-    // Brings a window whose screen is gone back onto one that is there.
-    restoreGeometry(QSettings().value(placeKey).toByteArray());
+    if (!m_allOutput)
+        m_allOutput = new OutputWindow(m_run, {m_saving.action()});
+    m_allOutput->show();
+    m_allOutput->raise();
+    m_allOutput->activateWindow();
 }

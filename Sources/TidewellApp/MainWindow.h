@@ -1,13 +1,17 @@
 #pragma once
 
-// The one window: the menu bar and the content. It remembers its size and place from one start to the next, and asks
-// for attention when a run has ended while the user was elsewhere.
+// The main window: the menu bar and the content; it holds the one window of all output, and what saves it. It remembers
+// its size and place from one start to the next, and asks for attention when a run has ended while the user was
+// elsewhere.
 
 #include "ContentView/Controllers.h"
+#include "TidewellApp/Files/OutputSaving.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 class ContentView;
+class OutputWindow;
 
 class MainWindow : public QMainWindow
 {
@@ -19,6 +23,10 @@ public:
     ~MainWindow() override;
 
     ContentView &content() { return *m_content; }
+    OutputSaving &saving() { return m_saving; }
+
+    /// Brings the window of all output forward; makes it when it is not there.
+    void showAllOutput();
 
     /// Shows the window, also one that is hidden or minimised, above others and with the keyboard.
     void comeForward();
@@ -28,7 +36,8 @@ Q_SIGNALS:
     void attentionWanted();
 
 private:
-    void restorePlace();
-
+    RunController &m_run;
     ContentView *m_content;
+    OutputSaving m_saving;
+    QPointer<OutputWindow> m_allOutput;
 };

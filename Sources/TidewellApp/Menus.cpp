@@ -7,10 +7,10 @@
 #include "TidewellApp/EditMenu.h"
 #include "TidewellApp/FileMenu.h"
 #include "TidewellApp/HelpWindow.h"
+#include "TidewellApp/MainWindow.h"
 
 #include <QActionGroup>
 #include <QApplication>
-#include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -37,13 +37,15 @@ void addViewMenu(QMainWindow &window, ContentView &content)
     refresh->setShortcut(Qt::CTRL | Qt::Key_R);
 }
 
-void addRunMenu(QMainWindow &window, const ContentView &content)
+void addRunMenu(MainWindow &window)
 {
     QMenu *run = window.menuBar()->addMenu(u"&Run"_s);
-    const RunActions &actions = content.runActions();
+    const RunActions &actions = window.content().runActions();
     run->addActions({actions.run, actions.stop});
     run->addSeparator();
     run->addActions({actions.copyOutput, actions.clearOutput});
+    QAction *showAll = run->addAction(u"Show &All Output"_s, &window, &MainWindow::showAllOutput);
+    showAll->setShortcut(Qt::CTRL | Qt::ALT | Qt::Key_O);
 }
 
 void addWindowMenu(QMainWindow &window)
@@ -91,12 +93,13 @@ void keepInPlace(QMenu &menu)
 
 } // namespace
 
-void Menus::add(QMainWindow &window, ContentView &content, const Controllers &controllers)
+void Menus::add(MainWindow &window, const Controllers &controllers)
 {
-    FileMenu::add(window, content, controllers.run);
+    ContentView &content = window.content();
+    FileMenu::add(window, content, controllers.run, window.saving().action());
     QMenu *edit = EditMenu::add(window);
     addViewMenu(window, content);
-    addRunMenu(window, content);
+    addRunMenu(window);
     addWindowMenu(window);
     addHelpMenu(window, controllers.setup);
     for (QMenu *menu : window.menuBar()->findChildren<QMenu *>(Qt::FindDirectChildrenOnly)) {

@@ -1,7 +1,7 @@
 #pragma once
 
 class ContentView;
-class QMainWindow;
+class MainWindow;
 struct Controllers;
 
 namespace Menus
@@ -9,6 +9,6 @@ namespace Menus
 
 /// Gives the window its menu bar: File, Edit, View, Run, Window and Help; on macOS the system adds the application's
 /// own menu with About and Quit, elsewhere those are under Help and File. All of it must outlive the window.
-void add(QMainWindow &window, ContentView &content, const Controllers &controllers);
+void add(MainWindow &window, const Controllers &controllers);
 
 } // namespace Menus

@@ -19,7 +19,7 @@ TidewellApp::TidewellApp(QuitGuard::Closing closing)
     : m_machines({}, DisposableMachines(HistoryStore::applicationSupportFolder())),
       m_run({}, {}, DisposableMachines(HistoryStore::applicationSupportFolder())),
       m_window(std::make_unique<MainWindow>(controllers())),
-      m_quitGuard(std::make_unique<QuitGuard>(controllers(), *m_window, closing)),
+      m_quitGuard(std::make_unique<QuitGuard>(controllers(), *m_window, m_window->saving(), closing)),
       m_abruptExit([this] {
           // No widget hears of it: what they draw with may be gone already.
           const QSignalBlocker blockers[]{QSignalBlocker(m_run), QSignalBlocker(m_history)};

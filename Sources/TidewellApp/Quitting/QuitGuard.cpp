@@ -5,8 +5,9 @@
 #include <QWidget>
 #include <QWindow>
 
-QuitGuard::QuitGuard(const Controllers &controllers, QWidget &window, Closing closing, Quitting::Times times)
-    : m_quitting(controllers, window, times),
+QuitGuard::QuitGuard(const Controllers &controllers, QWidget &window, OutputSaving &saving, Closing closing,
+                     Quitting::Times times)
+    : m_quitting(controllers, window, saving, times),
       m_window(window),
       m_closing(closing)
 {

@@ -17,7 +17,8 @@ public:
     enum class Closing { quits, hides };
 
     /// Guards the application's quitting and `window`'s closing; all must outlive it.
-    QuitGuard(const Controllers &controllers, QWidget &window, Closing closing, Quitting::Times times = {});
+    QuitGuard(const Controllers &controllers, QWidget &window, OutputSaving &saving, Closing closing,
+              Quitting::Times times = {});
 
     /// The habit of this platform: `hides` on macOS, else `quits`.
     static Closing platformClosing();

@@ -6,6 +6,7 @@
 #include "RunController/RunController.h"
 #include "SetupController/SetupController.h"
 #include "Text/VisibleText.h"
+#include "TidewellApp/Files/OutputSaving.h"
 
 #include <QCoreApplication>
 #include <QMessageBox>
@@ -23,9 +24,10 @@ constexpr qsizetype longestSentence = 200;
 
 } // namespace
 
-Quitting::Quitting(const Controllers &controllers, QWidget &window, Times times)
+Quitting::Quitting(const Controllers &controllers, QWidget &window, OutputSaving &saving, Times times)
     : m_controllers(controllers),
       m_window(window),
+      m_saving(saving),
       m_times(times)
 {
     m_patience.setSingleShot(true);
@@ -35,6 +37,7 @@ Quitting::Quitting(const Controllers &controllers, QWidget &window, Times times)
     connect(&controllers.setup, &SetupController::busyChanged, this, &Quitting::goOn, Qt::QueuedConnection);
     connect(&controllers.machines, &MachineStore::busyChanged, this, &Quitting::goOn, Qt::QueuedConnection);
     connect(&controllers.containers, &ContainerStore::busyChanged, this, &Quitting::goOn, Qt::QueuedConnection);
+    connect(&saving, &OutputSaving::ended, this, &Quitting::endSaving, Qt::QueuedConnection);
 }
 
 QString Quitting::operation() const
@@ -48,7 +51,7 @@ QString Quitting::operation() const
 
 bool Quitting::isSomethingGoingOn() const
 {
-    return m_controllers.run.isRunning() || !operation().isEmpty();
+    return m_controllers.run.isRunning() || !operation().isEmpty() || m_saving.isSaving();
 }
 
 bool Quitting::mayQuit()
@@ -59,8 +62,10 @@ bool Quitting::mayQuit()
         return false;
     if (m_controllers.run.isRunning())
         askAboutRun();
-    else
+    else if (!operation().isEmpty())
         askAboutOperation();
+    else
+        awaitSaving();
     return false;
 }
 
@@ -83,6 +88,13 @@ void Quitting::askAboutOperation()
     showWindow();
     m_question = Alert::open(&m_window, title, u"Quitting now cuts it off."_s, u"Quit when it is done"_s,
                              u"Keep open"_s, [this] { quitWhenDone(); });
+}
+
+/// Without a question: how far it has come tells why the application is still there, and can be cancelled.
+void Quitting::awaitSaving()
+{
+    m_awaited = Awaited::saving;
+    m_saving.showProgress();
 }
 
 void Quitting::askWhetherToQuitAnyway(const QString &title, const QString &message)
@@ -115,6 +127,7 @@ void Quitting::quitWithoutQuestion()
     m_patience.start(m_times.untilTheEnd);
     m_controllers.run.stop();
     m_controllers.setup.cancel();
+    m_saving.cancel();
     goOn();
 }
 
@@ -137,6 +150,15 @@ void Quitting::goOn()
         checkMachine();
     else if (m_awaited == Awaited::operations && operation().isEmpty())
         quit();
+}
+
+void Quitting::endSaving(bool isSaved)
+{
+    if (m_awaited == Awaited::saving && isSaved)
+        quit();
+    else if (m_awaited == Awaited::saving)
+        m_awaited = Awaited::nothing;
+    goOn();
 }
 
 /// A machine that could not be deleted is told, unless it was never made.

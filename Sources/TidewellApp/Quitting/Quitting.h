@@ -11,6 +11,8 @@
 //   an operation is going:    asks ──"Keep open"──▶ goes on
 //      └──"Quit when it is done"──done──▶ ends
 //            └──the wish again──▶ asks: "Quit anyway", "Keep open"
+//   output is being saved:    shows how far it has come ──saved────────────────▶ ends
+//                                                    └──failed or cancelled──▶ goes on
 //   without a question:       stops what can be stopped ──all over, or ten seconds──▶ ends
 
 #include "ContentView/Controllers.h"
@@ -22,6 +24,7 @@
 
 #include <chrono>
 
+class OutputSaving;
 class QMessageBox;
 class QWidget;
 
@@ -38,7 +41,7 @@ public:
     };
 
     /// Asks over `window`. All must outlive it.
-    Quitting(const Controllers &controllers, QWidget &window, Times times);
+    Quitting(const Controllers &controllers, QWidget &window, OutputSaving &saving, Times times);
 
     /// Whether the application may end now. If not, the user is asked, unless that is so already, and the application
     /// quits by itself when the answer allows it.
@@ -53,12 +56,13 @@ public:
     void showWindow();
 
 private:
-    enum class Awaited { nothing, run, machineGone, operations };
+    enum class Awaited { nothing, run, machineGone, operations, saving };
 
     /// What goes on beside a run, as a sentence; empty when nothing does.
     QString operation() const;
     void askAboutRun();
     void askAboutOperation();
+    void awaitSaving();
     void askWhetherToQuitAnyway(const QString &title, const QString &message);
     void stopAndQuit();
     void quitWhenDone();
@@ -66,12 +70,14 @@ private:
     void losePatience();
     /// What goes on has changed.
     void goOn();
+    void endSaving(bool isSaved);
     QCoro::Task<> checkMachine();
     void quit();
     void quitAnyway();
 
     const Controllers m_controllers;
     QWidget &m_window;
+    OutputSaving &m_saving;
     const Times m_times;
     Awaited m_awaited = Awaited::nothing;
     bool m_asksNoMore = false;

@@ -3,6 +3,7 @@
 // What all tests of quitting share: a guarded window over fake tools, and the wish to quit.
 
 #include "Screens/TestWindow.h"
+#include "TidewellApp/Files/OutputSaving.h"
 #include "TidewellApp/Quitting/QuitGuard.h"
 
 #include <QApplication>
@@ -15,7 +16,7 @@ class Guarded
 {
 public:
     explicit Guarded(QuitGuard::Closing closing, Quitting::Times times = {})
-        : guard(tools.controllers(), window, closing, times)
+        : guard(tools.controllers(), window, saving, closing, times)
     {
         window.show();
     }
@@ -41,6 +42,8 @@ public:
 
     TestWindow tools;
     QMainWindow window;
+    OutputSaving::Write write = OutputFile::write;
+    OutputSaving saving{tools.run, window, [this](auto &&...all) { return write(all...); }};
     QuitGuard guard;
 };
 

@@ -1,6 +1,6 @@
 #include "Screens/TestWindow.h"
+#include "TidewellApp/Files/ScriptFiles.h"
 #include "TidewellApp/MainWindow.h"
-#include "TidewellApp/ScriptFiles.h"
 
 #include <QAction>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "TidewellApp/ScriptFiles.h"
+#include "TidewellApp/Files/ScriptFiles.h"
 
 #include "Text/Utf8Repair.h"
 

@@ -1,0 +1,83 @@
+// Quitting while output is being saved.
+
+#include "QuittingTest.h"
+#include "TidewellApp/Files/SavingSheet.h"
+
+#include <QFile>
+#include <QFileDialog>
+
+#include <semaphore>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+class QuittingSavingTest : public QuittingTest
+{
+protected:
+    QuittingSavingTest()
+    {
+        guarded.write = [this](const QString &to, const TextSnapshot &text, OutputFile::Progress &progress) {
+            while (!progress.isCancelled && !mayGoOn.try_acquire())
+                std::this_thread::yield();
+            return failure.isEmpty() ? OutputFile::write(to, text, progress) : std::optional(failure);
+        };
+        run.append(u"all of it\n"_s, OutputKind::out);
+        guarded.saving.action()->trigger();
+        auto *dialog = guarded.window.findChild<QFileDialog *>();
+        Q_EMIT dialog->fileSelected(path);
+        delete dialog;
+    }
+
+    ~QuittingSavingTest() override { mayGoOn.release(); }
+
+    SavingSheet *sheet() const { return guarded.window.findChild<SavingSheet *>(); }
+
+    std::counting_semaphore<> mayGoOn{0};
+    QString failure;
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"output.txt"_s);
+};
+
+} // namespace
+
+TEST_F(QuittingSavingTest, WaitsUntilAllIsSavedAndShowsSo)
+{
+    EXPECT_FALSE(quit());
+    ASSERT_NE(sheet(), nullptr) << "at once, not after half a second";
+    EXPECT_TRUE(sheet()->isVisible());
+    EXPECT_FALSE(guarded.window.close());
+    EXPECT_EQ(guarded.question(), nullptr);
+    QTimer::singleShot(0, &guarded.window, [this] { mayGoOn.release(); });
+    EXPECT_TRUE(endsByItself());
+    QFile saved(path);
+    EXPECT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(saved.readAll(), "all of it\n");
+}
+
+TEST_F(QuittingSavingTest, StaysWhenTheSavingIsCancelledOrFails)
+{
+    EXPECT_FALSE(quit());
+    ASSERT_NE(sheet(), nullptr);
+    ByName::press(*sheet(), u"Cancel"_s);
+    EXPECT_TRUE(waitUntil([this] { return !guarded.saving.isSaving(); }));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(guarded.window.isVisible());
+    EXPECT_FALSE(QFile::exists(path));
+
+    failure = u"It cannot be written."_s;
+    guarded.saving.action()->trigger();
+    Q_EMIT guarded.window.findChild<QFileDialog *>()->fileSelected(path);
+    EXPECT_FALSE(quit());
+    mayGoOn.release();
+    EXPECT_NE(asked(u"“output.txt” was not saved."_s), nullptr);
+    EXPECT_TRUE(guarded.window.isVisible());
+}
+
+TEST_F(QuittingSavingTest, WithoutAQuestionCancelsItAndLeavesTheOldFile)
+{
+    QTimer::singleShot(0, &guarded.window, [this] { guarded.guard.quitWithoutQuestion(); });
+    EXPECT_TRUE(endsByItself());
+    EXPECT_FALSE(QFile::exists(path));
+}
