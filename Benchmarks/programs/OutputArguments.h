@@ -14,6 +14,7 @@
 struct OutputArguments {
     qint64 bytes = 0;
     int rounds = 15;
+    QString file;
     /// The shell script that prints the file and does nothing else.
     QString script;
 
@@ -32,6 +33,7 @@ struct OutputArguments {
         }
         const QFileInfo file(given.first());
         result.bytes = file.size();
+        result.file = file.absoluteFilePath();
         const QString writer = alternates || goesByLines ? QStringLiteral(ALTERNATING_WRITER) : QStringLiteral("cat");
         result.script = QStringLiteral("exec '%1' '%2'").arg(writer, file.absoluteFilePath());
         if (goesByLines)
