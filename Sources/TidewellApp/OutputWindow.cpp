@@ -21,8 +21,10 @@ const auto placeKey = u"outputWindowPlace"_s;
 } // namespace
 
 OutputWindow::OutputWindow(RunController &run, const QList<QAction *> &actions)
-    : m_pane(new OutputPane(run, run.transcript().record(), this, OutputPane::Following::whileAtEnd)),
-      m_jump(Controls::button(u"Jump to End"_s, {}, this))
+    // In the order of reading, which is also that of assistive technology.
+    : m_title(new PlainLabel(u"Output"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this)),
+      m_jump(Controls::button(u"Jump to End"_s, {}, this)),
+      m_pane(new OutputPane(run, run.transcript().record(), this, OutputPane::Following::whileAtEnd))
 {
     setAttribute(Qt::WA_DeleteOnClose);
     // Who closes the main window quits, whether or not this one is still open.
@@ -43,8 +45,7 @@ OutputWindow::OutputWindow(RunController &run, const QList<QAction *> &actions)
     connect(m_pane, &OutputPane::showsEndChanged, this, [this](bool isShown) { offerEnd(!isShown); });
 
     auto *header = new QHBoxLayout;
-    header->addWidget(
-        new PlainLabel(u"Output"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this));
+    header->addWidget(m_title);
     header->addStretch();
     header->addWidget(m_jump);
     auto *layout = new QVBoxLayout(this);
@@ -52,7 +53,6 @@ OutputWindow::OutputWindow(RunController &run, const QList<QAction *> &actions)
     layout->setSpacing(6);
     layout->addLayout(header);
     layout->addWidget(m_pane, 1);
-    setTabOrder(m_jump, m_pane);
     m_pane->setFocus();
     WindowPlace::restore(*this, placeKey, {900, 640});
 }

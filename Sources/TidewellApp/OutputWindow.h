@@ -25,6 +25,7 @@ public:
 private:
     void offerEnd(bool isOffered);
 
-    OutputPane *m_pane;
+    QWidget *m_title;
     QPushButton *m_jump;
+    OutputPane *m_pane;
 };

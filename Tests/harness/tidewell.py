@@ -253,6 +253,18 @@ class Tidewell:
         """What the output pane says now."""
         return "".join(node.text for node in self.root.find_all("Output", role="text"))
 
+    def show_all_output(self):
+        """The window of all output, opened by its shortcut."""
+        self.press_keys("ctrl+alt+o")
+        return self.wait_for("All Output")
+
+    def save_output(self, path):
+        """Saves all output by its shortcut."""
+        self.press_keys("ctrl+s")
+        self.find("File name:", role="text").set_text(path)
+        self.press("Save")
+        self.wait_until_gone("File name:")
+
     def wait_for_output(self, part):
         """The output, once it holds the part."""
         try:
