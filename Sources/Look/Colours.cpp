@@ -94,6 +94,11 @@ QColor Colours::pane(const QPalette &palette)
     return mixed(Qt::black, palette.color(QPalette::Window), 0.06F);
 }
 
+QColor Colours::found(const QPalette &palette)
+{
+    return toned(palette, 0xffe066, 0x403500);
+}
+
 ColourFollower::ColourFollower(QPalette::ColorRole role, ColourOfPalette colour, QWidget *widget)
     : QObject(widget),
       m_widget(*widget),

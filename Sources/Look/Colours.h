@@ -42,6 +42,8 @@ QColor mixed(const QColor &over, const QColor &under, float share);
 QColor line(const QPalette &palette, float share);
 /// The ground of the output pane and of log boxes: black covering 6 % of the window's colour, light and dark.
 QColor pane(const QPalette &palette);
+/// The ground of what was found in the output.
+QColor found(const QPalette &palette);
 
 } // namespace Colours
 

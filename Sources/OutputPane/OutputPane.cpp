@@ -40,6 +40,7 @@ OutputPane::OutputPane(RunController &controller, const TextView &text, QWidget 
       m_navigation(m_rows, m_font),
       m_cursor(m_rows, m_navigation),
       m_mouse(m_view, m_navigation, m_cursor),
+      m_marks(text),
       m_announcer(*this)
 {
     OutputPaneAccessible::install();
@@ -235,6 +236,9 @@ void OutputPane::paintRows(QPainter &painter, const QRect &area)
 {
     OutputPanePainter rowPainter(painter, m_font, palette());
     std::vector<OutputPanePainter::Style> styles;
+    const OutputRange shown = visibleRange();
+    const std::vector<TextMatch> matches = m_marks.between(shown.begin, shown.end);
+    auto match = matches.cbegin();
     for (const OutputPaneViewport::VisibleRow &visible : m_view.visibleRows()) {
         if (visible.y > area.bottom() || visible.y + m_font.rowHeight() <= area.top())
             continue;
@@ -246,7 +250,10 @@ void OutputPane::paintRows(QPainter &painter, const QRect &area)
             const Position position = begin + cluster.begin;
             if (position >= run.end)
                 run = m_text.runAt(position);
-            styles.push_back({run.kind, position >= m_cursor.begin() && position < m_cursor.end()});
+            while (match != matches.cend() && match->end <= position)
+                ++match;
+            const bool isFound = match != matches.cend() && match->begin < begin + cluster.end();
+            styles.push_back({run.kind, position >= m_cursor.begin() && position < m_cursor.end(), isFound});
         }
         rowPainter.draw(row, m_rows.bytes(visible.row), styles, QPointF(OutputPaneViewport::padding, visible.y));
     }

@@ -8,6 +8,7 @@
 #include "Look/CellFont.h"
 #include "OutputPane/OutputPaneAccessible.h"
 #include "OutputPane/OutputPaneCursor.h"
+#include "OutputPane/OutputPaneMarks.h"
 #include "OutputPane/OutputPaneMouse.h"
 #include "OutputPane/OutputPaneNavigation.h"
 #include "OutputPane/OutputPaneRows.h"
@@ -55,6 +56,13 @@ public:
     /// Where the character at a position is drawn in the viewport; empty when it is not in view.
     QRect characterRect(Position position);
     void scrollTo(Position position);
+    /// From the first character in view to behind the last.
+    OutputRange visibleRange();
+
+    /// Marks every match in view from now on; none with an empty pattern.
+    void mark(const TextPattern &pattern);
+    /// Selects a match, and brings it into view unless it is there, with what is around it.
+    void reveal(TextMatch match);
 
     QSize sizeHint() const override;
 
@@ -112,6 +120,7 @@ private:
     OutputPaneNavigation m_navigation;
     OutputPaneCursor m_cursor;
     OutputPaneMouse m_mouse;
+    OutputPaneMarks m_marks;
     OutputPaneAccessible::Announcer m_announcer;
 
     QTimer m_frame;

@@ -40,6 +40,30 @@ void OutputPane::copy()
         OutputCopy::copy(this, m_text, m_cursor.begin(), m_cursor.end());
 }
 
+OutputRange OutputPane::visibleRange()
+{
+    if (m_rows.isEmpty())
+        return {m_text.end(), m_text.end()};
+    const std::vector<OutputPaneViewport::VisibleRow> visible = m_view.visibleRows();
+    return {m_rows.begin(visible.front().row), m_rows.end(visible.back().row)};
+}
+
+void OutputPane::mark(const TextPattern &pattern)
+{
+    m_marks.setPattern(pattern);
+    viewport()->update();
+}
+
+void OutputPane::reveal(TextMatch match)
+{
+    select(match.begin, match.end);
+    const bool isAway = characterRect(match.begin).isEmpty();
+    scrollTo(match.begin);
+    if (isAway)
+        m_view.scrollBy(characterRect(match.begin).center().y() - viewport()->height() / 2);
+    updateView();
+}
+
 void OutputPane::selectionMoved()
 {
     m_announcer.announceSelection();

@@ -35,7 +35,8 @@ OutputPanePainter::OutputPanePainter(QPainter &painter, CellFont &font, const QP
     : m_painter(painter),
       m_font(font),
       m_highlight(palette.color(QPalette::Highlight)),
-      m_highlightedText(palette.color(QPalette::HighlightedText))
+      m_highlightedText(palette.color(QPalette::HighlightedText)),
+      m_found(Colours::found(palette))
 {
     for (std::size_t kind = 0; kind < m_kinds.size(); ++kind)
         m_kinds[kind] = colourOf(static_cast<OutputKind>(kind), palette);
@@ -44,7 +45,7 @@ OutputPanePainter::OutputPanePainter(QPainter &painter, CellFont &font, const QP
 void OutputPanePainter::draw(const OutputPaneRow &row, QByteArrayView text, const std::vector<Style> &styles,
                              QPointF place)
 {
-    drawSelection(row, styles, place);
+    drawGround(row, styles, place);
     drawClusters(row, text, styles, place);
     for (const OutputPaneRow::Joined &joined : row.joined())
         drawJoined(joined, styles, place);
@@ -55,23 +56,32 @@ const QColor &OutputPanePainter::colour(Style style) const
     return style.isSelected ? m_highlightedText : m_kinds[static_cast<std::size_t>(style.kind)];
 }
 
-void OutputPanePainter::drawSelection(const OutputPaneRow &row, const std::vector<Style> &styles, QPointF place)
+/// What stands behind the text; null for nothing but the pane itself.
+const QColor *OutputPanePainter::ground(Style style) const
+{
+    return style.isSelected ? &m_highlight : style.isFound ? &m_found : nullptr;
+}
+
+void OutputPanePainter::drawGround(const OutputPaneRow &row, const std::vector<Style> &styles, QPointF place)
 {
     const std::vector<DisplayCluster> &clusters = row.clusters();
-    // Joined text shows its own selection, which need not be one stretch.
-    const auto isMarked = [&](std::size_t index) { return styles[index].isSelected && row.joinedAt(index) == nullptr; };
+    // Joined text shows its own ground, which need not be one stretch.
+    const auto groundOf = [&](std::size_t index) {
+        return row.joinedAt(index) == nullptr ? ground(styles[index]) : nullptr;
+    };
     for (std::size_t index = 0; index < clusters.size(); ++index) {
-        if (!isMarked(index))
+        const QColor *const colour = groundOf(index);
+        if (colour == nullptr)
             continue;
         const std::size_t first = index;
-        while (index + 1 < clusters.size() && isMarked(index + 1))
+        while (index + 1 < clusters.size() && groundOf(index + 1) == colour)
             ++index;
         const DisplayCluster &last = clusters[index];
-        // A selected line end shows as half a blank.
+        // A line end shows as half a blank.
         const double lastWidth = last.look == Look::lineEnd ? 0.5 : last.cells;
         const double left = clusters[first].column * m_font.cellWidth();
         const double right = (last.column + lastWidth) * m_font.cellWidth();
-        m_painter.fillRect(QRectF(place.x() + left, place.y(), right - left, m_font.rowHeight()), m_highlight);
+        m_painter.fillRect(QRectF(place.x() + left, place.y(), right - left, m_font.rowHeight()), *colour);
     }
 }
 
@@ -156,8 +166,8 @@ void OutputPanePainter::drawJoined(const OutputPaneRow::Joined &joined, const st
         const int start = joined.starts[index - joined.first];
         QTextLayout::FormatRange range{start, joined.starts[index - joined.first + 1] - start, {}};
         range.format.setForeground(colour(styles[index]));
-        if (styles[index].isSelected)
-            range.format.setBackground(m_highlight);
+        if (const QColor *const behind = ground(styles[index]))
+            range.format.setBackground(*behind);
         formats.append(range);
     }
     m_painter.save();

@@ -1,7 +1,7 @@
 #pragma once
 
-// Draws rows of the output pane: selection, runs of ASCII straight from their glyph numbers, other characters from the
-// font's memory, joined scripts as shaped texts.
+// Draws rows of the output pane: selection and matches, runs of ASCII straight from their glyph numbers, other
+// characters from the font's memory, joined scripts as shaped texts.
 
 #include "OutputPane/OutputPaneRow.h"
 #include "Transcript/OutputSegment.h"
@@ -20,6 +20,8 @@ public:
     struct Style {
         OutputKind kind = OutputKind::out;
         bool isSelected = false;
+        /// It belongs to a match of what is being looked for.
+        bool isFound = false;
 
         friend bool operator==(const Style &, const Style &) = default;
     };
@@ -35,7 +37,8 @@ public:
 
 private:
     const QColor &colour(Style style) const;
-    void drawSelection(const OutputPaneRow &row, const std::vector<Style> &styles, QPointF place);
+    const QColor *ground(Style style) const;
+    void drawGround(const OutputPaneRow &row, const std::vector<Style> &styles, QPointF place);
     void drawClusters(const OutputPaneRow &row, QByteArrayView text, const std::vector<Style> &styles, QPointF place);
     void drawJoined(const OutputPaneRow::Joined &joined, const std::vector<Style> &styles, QPointF place);
     void addGlyph(char32_t character, QPointF place);
@@ -48,6 +51,7 @@ private:
     std::array<QColor, 6> m_kinds;
     QColor m_highlight;
     QColor m_highlightedText;
+    QColor m_found;
     /// The ASCII glyphs of one style that wait to be drawn together.
     QList<quint32> m_glyphs;
     QList<QPointF> m_places;

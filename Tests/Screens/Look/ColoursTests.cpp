@@ -73,7 +73,8 @@ TEST(Colours, AreReadableAsTextOnEveryGround)
                           {"green", Colours::green},     {"purple", Colours::purple}};
     for (const QPalette &palette : {lightPalette(), darkPalette(), slatePalette()}) {
         const QColor window = palette.color(QPalette::Window);
-        for (const QColor &ground : {window, Colours::pane(palette), palette.color(QPalette::Base)}) {
+        for (const QColor &ground :
+             {window, Colours::pane(palette), palette.color(QPalette::Base), Colours::found(palette)}) {
             for (const Text &text : texts) {
                 EXPECT_GE(Colours::contrast(text.colour(palette), ground), Colours::readable)
                     << text.name << " on " << ground.name().toStdString() << " in a window of "
