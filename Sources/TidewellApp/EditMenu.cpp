@@ -1,6 +1,7 @@
 #include "TidewellApp/EditMenu.h"
 
 #include "OutputPane/OutputPane.h"
+#include "TidewellApp/FindActions.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -132,7 +133,7 @@ private:
 
 } // namespace
 
-QMenu *EditMenu::add(QMainWindow &window)
+QMenu *EditMenu::add(QMainWindow &window, const FindActions &findActions)
 {
     const std::array edits{
         Edit{u"&Undo"_s, QKeySequence::Undo, "undo", true, canUndo},
@@ -151,5 +152,7 @@ QMenu *EditMenu::add(QMainWindow &window)
         action->setShortcut(edit.key);
         follower->add(action, edit);
     }
+    menu->addSeparator();
+    menu->addActions(findActions.all());
     return menu;
 }

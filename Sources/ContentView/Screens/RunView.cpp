@@ -7,6 +7,7 @@
 #include "ContentView/Screens/RunStatus.h"
 #include "ContentView/Screens/ScriptEditor.h"
 #include "ContentView/Screens/TrimmedText.h"
+#include "Find/FindablePane.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
 #include "Look/Picker.h"
@@ -61,7 +62,8 @@ RunView::RunView(const Controllers &controllers, const RunActions &actions, QWid
     output->addLayout(makeOutputHeader(actions));
     m_outputLoss = caption(QString(), Colours::secondary, this);
     output->addWidget(m_outputLoss);
-    output->addWidget(new OutputPane(controllers.run, controllers.run.transcript().text(), this), 1);
+    auto *pane = new OutputPane(controllers.run, controllers.run.transcript().text());
+    output->addWidget(new FindablePane(pane, controllers.run, this), 1);
     layout->addLayout(output, 2);
 
     followControllers();

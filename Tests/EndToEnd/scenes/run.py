@@ -2,6 +2,8 @@
 
 import os
 
+from harness.waiting import wait_until
+
 from .staging import HANGING, LONG, listing, run_in_box, scene, staged, with_machines
 
 
@@ -54,6 +56,18 @@ exit 2"""
     run_in_box(tidewell, script)
     tidewell.wait_for_output("exit status 2 · ")
     tidewell.button("Run")
+
+
+@scene(**with_machines("box"))
+def run_find_bar(tidewell):
+    script = r"""for i in $(seq 340); do echo "step $i: Warning, nothing to do"; echo "a warning as an error" >&2; done
+sleep 1000"""
+    run_in_box(tidewell, script)
+    tidewell.wait_for_output("step 340: ")
+    tidewell.press_keys("ctrl+f")
+    tidewell.find("Find in output").set_text("warning")
+    labels = lambda: [node.name for node in tidewell.root.find_all(role="label")]
+    wait_until(lambda: any(name.endswith(" of 680") for name in labels()), "the matches are counted")
 
 
 @scene()

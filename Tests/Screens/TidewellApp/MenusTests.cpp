@@ -103,6 +103,46 @@ TEST(Menus, EditWhatHasTheFocus)
     EXPECT_TRUE(action(window, u"Edit"_s, u"Paste"_s)->isEnabled());
 }
 
+TEST(Menus, FindInTheOutputByShortcutFromAnywhereInTheWindow)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const QAction *find = action(window, u"Edit"_s, u"Find…"_s);
+    const QAction *next = action(window, u"Edit"_s, u"Find Next"_s);
+    EXPECT_FALSE(find->isEnabled()) << "there is no output";
+    tools.run.append(u"one two One\n"_s, OutputKind::out);
+    EXPECT_TRUE(find->isEnabled());
+    const QPointer<OutputPane> pane = window.findChild<OutputPane *>();
+    ASSERT_EQ(ByName::nameOf(window.focusWidget()), u"Script"_s);
+    QTest::keyClick(window.focusWidget(), Qt::Key_F, Qt::ControlModifier);
+    ASSERT_EQ(ByName::nameOf(window.focusWidget()), u"Find in output"_s);
+    QTest::keyClicks(window.focusWidget(), u"one"_s);
+    EXPECT_TRUE(waitUntil([&] { return ByName::shows(window, u"1 of 2"_s); }));
+    QTest::keyClick(window.focusWidget(), Qt::Key_G, Qt::ControlModifier);
+    EXPECT_TRUE(waitUntil([&] { return pane->selectedText() == u"One"_s; }));
+    QTest::keyClick(window.focusWidget(), Qt::Key_G, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(waitUntil([&] { return pane->selectedText() == u"one"_s; }));
+    QTest::keyClick(window.focusWidget(), Qt::Key_Escape);
+    EXPECT_EQ(ByName::nameOf(window.focusWidget()), u"Script"_s);
+
+    pane->setFocus();
+    pane->select(4, 7);
+    QTest::keyClick(window.focusWidget(), Qt::Key_E, Qt::ControlModifier);
+    EXPECT_TRUE(waitUntil([&] { return ByName::shows(window, u"1 of 1"_s); }));
+    EXPECT_EQ(ByName::find<QLineEdit>(window, u"Find in output"_s)->text(), u"two"_s);
+
+    window.content().setTab(AppTab::machines);
+    EXPECT_FALSE(find->isEnabled()) << "no output is shown";
+    EXPECT_FALSE(next->isEnabled());
+    EXPECT_TRUE(waitUntil([&] { return pane.isNull(); }));
+    window.content().setTab(AppTab::run);
+    EXPECT_TRUE(find->isEnabled());
+    tools.run.clearTranscript();
+    EXPECT_FALSE(find->isEnabled());
+}
+
 TEST(Menus, OpenTheWebsiteAndTheAboutBoxWithoutBlocking)
 {
     TestWindow tools;
