@@ -1,7 +1,7 @@
 #pragma once
 
 // The items of the menu Edit for finding a text in the output of the window in front, whichever that is. They are
-// enabled while there is output in it. Belongs to the main window.
+// enabled while there is output in it.
 
 #include <QAction>
 #include <QObject>
@@ -15,7 +15,7 @@ class FindActions : public QObject
 
 public:
     /// `content` and `run` must outlive the actions.
-    FindActions(const ContentView &content, const RunController &run, QObject *parent);
+    FindActions(const ContentView &content, const RunController &run, QObject *parent = nullptr);
 
     /// In their order.
     QList<QAction *> all() const { return m_actions; }

@@ -21,7 +21,8 @@ const auto placeKey = u"windowPlace"_s;
 MainWindow::MainWindow(const Controllers &controllers)
     : m_run(controllers.run),
       m_content(new ContentView(controllers, this)),
-      m_saving(controllers.run, *this)
+      m_saving(controllers.run, *this),
+      m_findActions(*m_content, controllers.run)
 {
     setWindowTitle(u"Tidewell"_s);
     setWindowIcon(WindowIcon::icon());
@@ -52,7 +53,7 @@ void MainWindow::comeForward()
 void MainWindow::showAllOutput()
 {
     if (!m_allOutput)
-        m_allOutput = new OutputWindow(m_run, {m_saving.action()});
+        m_allOutput = new OutputWindow(m_run, m_findActions.all() << m_saving.action());
     m_allOutput->show();
     m_allOutput->raise();
     m_allOutput->activateWindow();

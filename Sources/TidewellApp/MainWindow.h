@@ -6,6 +6,7 @@
 
 #include "ContentView/Controllers.h"
 #include "TidewellApp/Files/OutputSaving.h"
+#include "TidewellApp/FindActions.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -24,6 +25,7 @@ public:
 
     ContentView &content() { return *m_content; }
     OutputSaving &saving() { return m_saving; }
+    const FindActions &findActions() const { return m_findActions; }
 
     /// Brings the window of all output forward; makes it when it is not there.
     void showAllOutput();
@@ -39,5 +41,6 @@ private:
     RunController &m_run;
     ContentView *m_content;
     OutputSaving m_saving;
+    const FindActions m_findActions;
     QPointer<OutputWindow> m_allOutput;
 };

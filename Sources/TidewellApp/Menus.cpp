@@ -6,7 +6,6 @@
 #include "SetupController/SetupController.h"
 #include "TidewellApp/EditMenu.h"
 #include "TidewellApp/FileMenu.h"
-#include "TidewellApp/FindActions.h"
 #include "TidewellApp/HelpWindow.h"
 #include "TidewellApp/MainWindow.h"
 
@@ -98,7 +97,7 @@ void Menus::add(MainWindow &window, const Controllers &controllers)
 {
     ContentView &content = window.content();
     FileMenu::add(window, content, controllers.run, window.saving().action());
-    QMenu *edit = EditMenu::add(window, *new FindActions(content, controllers.run, &window));
+    QMenu *edit = EditMenu::add(window, window.findActions());
     addViewMenu(window, content);
     addRunMenu(window);
     addWindowMenu(window);

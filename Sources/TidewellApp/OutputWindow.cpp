@@ -1,5 +1,6 @@
 #include "TidewellApp/OutputWindow.h"
 
+#include "Find/FindablePane.h"
 #include "Look/Controls.h"
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
@@ -24,7 +25,7 @@ OutputWindow::OutputWindow(RunController &run, const QList<QAction *> &actions)
     // In the order of reading, which is also that of assistive technology.
     : m_title(new PlainLabel(u"Output"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this)),
       m_jump(Controls::button(u"Jump to End"_s, {}, this)),
-      m_pane(new OutputPane(run, run.transcript().record(), this, OutputPane::Following::whileAtEnd))
+      m_pane(new OutputPane(run, run.transcript().record(), nullptr, OutputPane::Following::whileAtEnd))
 {
     setAttribute(Qt::WA_DeleteOnClose);
     // Who closes the main window quits, whether or not this one is still open.
@@ -52,7 +53,7 @@ OutputWindow::OutputWindow(RunController &run, const QList<QAction *> &actions)
     layout->setContentsMargins(12, 12, 12, 12);
     layout->setSpacing(6);
     layout->addLayout(header);
-    layout->addWidget(m_pane, 1);
+    layout->addWidget(new FindablePane(m_pane, run, this), 1);
     m_pane->setFocus();
     WindowPlace::restore(*this, placeKey, {900, 640});
 }
