@@ -2,7 +2,7 @@
 
 #include "Screens/TestWindow.h"
 #include "TidewellApp/MainWindow.h"
-#include "TidewellApp/ScriptFiles.h"
+#include "TidewellApp/Files/ScriptFiles.h"
 
 #include <QApplication>
 #include <QDesktopServices>
