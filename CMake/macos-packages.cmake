@@ -52,6 +52,7 @@ macro(find_stub METHOD PACKAGE)
     stub(nlohmann_json::nlohmann_json "" HEADERS .)
   elseif("${PACKAGE}" STREQUAL GTest)
     stub(GTest::gtest "" HEADERS .)
+    stub(GTest::gtest_main "" HEADERS . USES GTest::gtest)
   elseif("${PACKAGE}" STREQUAL Threads)
     # A part of macOS itself.
     stub(Threads::Threads "" HEADERS .)
