@@ -89,7 +89,7 @@ public:
     }
 
 private:
-    const IgnoredBrokenPipe m_ignoredBrokenPipe;
+    const IgnoredSignals m_ignoredSignals;
     FakeOrbStack m_orbStack;
     SetupController m_setup{SetupTimeLimits{}, true};
     MachineStore m_machines;
