@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -227,8 +226,16 @@ bool BlockStore::packOne(Lock &lock, BlockPacker &packer)
     lock.lock();
     if (number < m_firstPlain)
         return true; // forgotten meanwhile
+    const PackedBlocks::Room room = m_packed.makeRoom(packed.size(), number);
+    // Without the lock, which the window may wait for: the pages are touched for the first time.
+    lock.unlock();
+    std::copy(packed.begin(), packed.end(), room.memory->data() + room.offset);
+    lock.lock();
+    m_packed.fill(room);
+    if (number < m_firstPlain)
+        return true;
     Entry &packedEntry = entry(number);
-    packedEntry.place = m_packed.add(packed, number);
+    packedEntry.place = room.place;
     packedEntry.packedSize = static_cast<std::int32_t>(packed.size());
     packedEntry.contentSize = static_cast<std::int32_t>(content.size());
     m_plain[static_cast<std::size_t>(number - m_firstPlain)].reset();
@@ -277,21 +284,14 @@ bool BlockStore::fileOne(Lock &lock)
     return true;
 }
 
-/// All threads of a process share one lock on its memory: without a gap the window's would hardly get it.
 bool BlockStore::giveBack(Lock &lock)
 {
     if (m_unused.empty())
         return false;
-    constexpr std::size_t step = 16;
-    constexpr auto nap = std::chrono::microseconds(200);
     PackedBlocks::Unused unused = std::exchange(m_unused, {});
     lock.unlock();
-    const bool isMany = unused.size() > step;
-    while (!unused.empty()) {
-        unused.pop_back();
-        if (isMany && unused.size() % step == 0)
-            std::this_thread::sleep_for(nap);
-    }
+    const bool isMany = unused.size() > TextBlockPool::mostFree;
+    PackedBlocks::giveBack(std::move(unused));
     if (isMany)
         m_pool->clear();
     lock.lock();

@@ -1,21 +1,48 @@
 #include "Transcript/PackedBlocks.h"
 
 #include <algorithm>
-#include <cstring>
+#include <chrono>
+#include <thread>
 #include <utility>
 
-PackedBlocks::Place PackedBlocks::add(QByteArrayView packed, Number number)
+void PackedBlocks::giveBack(Unused unused)
 {
-    if (m_slabs.empty() || !m_slabs.back().memory || m_slabs.back().size + packed.size() > slabSize)
-        m_slabs.push_back(
-            {.memory = std::make_shared<PageMemory>(slabSize), .slot = -1, .size = 0, .numbers = {number, number}});
+    constexpr std::size_t step = 16;
+    constexpr auto nap = std::chrono::microseconds(200);
+    while (!unused.empty()) {
+        unused.pop_back();
+        // All threads of a process share one lock on its memory: without a gap the window's would hardly get it.
+        if (unused.size() % step == step - 1)
+            std::this_thread::sleep_for(nap);
+    }
+}
+
+PackedBlocks::Room PackedBlocks::makeRoom(qsizetype size, Number number)
+{
+    if (m_slabs.empty() || !m_slabs.back().memory || m_slabs.back().size + size > slabSize) {
+        Slab &slab = m_slabs.emplace_back();
+        slab.memory = std::make_shared<PageMemory>(slabSize);
+        slab.numbers = {number, number};
+    }
     Slab &slab = m_slabs.back();
     const std::int32_t offset = slab.size;
-    std::memcpy(slab.memory->data() + offset, packed.data(), static_cast<std::size_t>(packed.size()));
-    slab.size += static_cast<std::int32_t>(packed.size());
+    slab.size += static_cast<std::int32_t>(size);
+    ++slab.unfilled;
     slab.numbers = {std::min(slab.numbers.begin, number), std::max(slab.numbers.end, number + 1)};
-    m_memory += packed.size();
-    return (m_firstSlab + static_cast<std::int64_t>(m_slabs.size()) - 1) * slabSize + offset;
+    m_memory += size;
+    return {slab.memory, offset, (m_firstSlab + static_cast<std::int64_t>(m_slabs.size()) - 1) * slabSize + offset};
+}
+
+void PackedBlocks::fill(const Room &room)
+{
+    if (Slab *const slab = slabOf(room.place))
+        --slab->unfilled;
+}
+
+PackedBlocks::Slab *PackedBlocks::slabOf(Place place)
+{
+    const std::int64_t index = place / slabSize - m_firstSlab;
+    return index < 0 ? nullptr : &m_slabs[static_cast<std::size_t>(index)];
 }
 
 PackedBlocks::Location PackedBlocks::find(Place place) const
@@ -52,12 +79,15 @@ void PackedBlocks::closeEmptyFile(Unused &unused)
 
 std::optional<PackedBlocks::Filing> PackedBlocks::startFiling()
 {
-    const auto oldest =
-        std::find_if(m_slabs.begin(), m_slabs.end(), [](const Slab &slab) { return slab.memory != nullptr; });
+    m_oldestInMemory = std::max(m_oldestInMemory, m_firstSlab);
+    const std::int64_t end = m_firstSlab + static_cast<std::int64_t>(m_slabs.size());
+    while (m_oldestInMemory < end && !slabOf(m_oldestInMemory * slabSize)->memory)
+        ++m_oldestInMemory;
     // The last one is not full yet.
-    if (oldest == m_slabs.end() || std::next(oldest) == m_slabs.end())
+    if (m_oldestInMemory + 1 >= end || slabOf(m_oldestInMemory * slabSize)->unfilled > 0)
         return std::nullopt;
-    m_filing = m_firstSlab + (oldest - m_slabs.begin());
+    const Slab *const oldest = slabOf(m_oldestInMemory * slabSize);
+    m_filing = m_oldestInMemory;
     Filing filing{.memory = oldest->memory, .size = oldest->size, .slab = m_filing, .file = m_file};
     filing.grows = m_freeSlots.empty();
     filing.slot = filing.grows ? m_slots : m_freeSlots.back();
@@ -72,8 +102,7 @@ void PackedBlocks::filed(const Filing &filing, bool isWritten, Unused &unused)
     m_file = filing.file;
     if (isWritten && filing.grows)
         ++m_slots;
-    const std::int64_t index = filing.slab - m_firstSlab;
-    Slab *const slab = index < 0 ? nullptr : &m_slabs[static_cast<std::size_t>(index)];
+    Slab *const slab = slabOf(filing.slab * slabSize);
     if (isWritten && slab != nullptr && slab->memory) {
         m_memory -= slab->size;
         unused.push_back(std::exchange(slab->memory, nullptr));

@@ -28,6 +28,9 @@ public:
     /// Things to be released without the lock.
     using Unused = std::vector<std::shared_ptr<const void>>;
 
+    /// Releases them, and lets other threads have the process's memory in between. Any thread, without the lock.
+    static void giveBack(Unused unused);
+
     static constexpr std::int64_t slabSize = std::int64_t{1024} * 1024;
 
     /// Where the bytes at a place are: in memory or in the file, as long as this lives; else they are missing.
@@ -51,8 +54,17 @@ public:
         bool grows = false;
     };
 
-    /// Takes a copy of a packed block. Blocks come about in the order of their numbers. Throws std::bad_alloc.
-    Place add(QByteArrayView packed, Number number);
+    /// Room for a packed block.
+    struct Room {
+        std::shared_ptr<PageMemory> memory;
+        /// Therein.
+        std::int64_t offset = 0;
+        Place place = 0;
+    };
+    /// Makes room for a packed block of that size, which is to be copied there; then it is there. Blocks come about in
+    /// the order of their numbers. Throws std::bad_alloc.
+    Room makeRoom(qsizetype size, Number number);
+    void fill(const Room &room);
     Location find(Place place) const;
     /// Forgets the slabs whose blocks are all before `first`.
     void dropFront(Number first, Unused &unused);
@@ -81,17 +93,22 @@ private:
         /// Once filed; else -1.
         std::int64_t slot = -1;
         std::int32_t size = 0;
+        /// Blocks that are being copied there.
+        int unfilled = 0;
         Numbers numbers;
 
         bool isMissing() const { return !memory && slot < 0; }
     };
 
+    Slab *slabOf(Place place);
     void letGo(Slab &slab, Unused &unused);
     void closeEmptyFile(Unused &unused);
 
     std::deque<Slab> m_slabs;
     std::int64_t m_firstSlab = 0;
     std::int64_t m_memory = 0;
+    /// No slab before it is in memory.
+    std::int64_t m_oldestInMemory = 0;
     /// The slab that is being filed; -1 for none.
     std::int64_t m_filing = -1;
     std::shared_ptr<const NamelessFile> m_file;

@@ -47,14 +47,14 @@ struct TextBlock {
 class TextBlockPool : public std::enable_shared_from_this<TextBlockPool>
 {
 public:
+    static constexpr std::size_t mostFree = 32;
+
     /// An empty block, its bytes undefined. Throws std::bad_alloc when there is no memory.
     std::shared_ptr<TextBlock> take();
     /// Gives back to the system what is kept.
     void clear();
 
 private:
-    static constexpr std::size_t mostFree = 32;
-
     void giveBack(std::unique_ptr<TextBlock> block);
 
     std::mutex m_lock; // guards what follows
