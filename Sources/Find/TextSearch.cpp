@@ -8,7 +8,7 @@ namespace
 {
 
 /// Behind a stretch's end, where only a match that began before is read to its end, so much is read at a time.
-constexpr qsizetype stepBeyond = 4 * 1024;
+constexpr qsizetype stepBeyond = qsizetype{4} * 1024;
 
 constexpr auto all = [](TextMatch) { return true; };
 

@@ -1,8 +1,8 @@
 #include "TidewellApp/TidewellApp.h"
 
 #include "Screens/TestWindow.h"
-#include "TidewellApp/MainWindow.h"
 #include "TidewellApp/Files/ScriptFiles.h"
+#include "TidewellApp/MainWindow.h"
 
 #include <QApplication>
 #include <QDesktopServices>

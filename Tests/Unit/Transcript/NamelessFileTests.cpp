@@ -96,7 +96,7 @@ TEST(NamelessFile, IsGoneWheneverItsProcessIsKilled)
     for (int round = 0; round < 50; ++round) {
         const pid_t child = ::fork();
         if (child == 0) {
-            for (std::int64_t count = 0;; ++count) {
+            for (;;) {
                 const std::shared_ptr<NamelessFile> file = NamelessFile::open(path);
                 file->write(0, {bytes.data(), static_cast<qsizetype>(bytes.size())});
             }
