@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 QByteArray TextBlock::content() const
 {
-    const auto kindsSize = static_cast<qsizetype>(kinds.size() * sizeof(KindMark));
+    const qsizetype kindsSize = static_cast<qsizetype>(kinds.size()) * qsizetype{sizeof(KindMark)};
     QByteArray content(size + kindsSize, Qt::Uninitialized);
     std::memcpy(content.data(), memory.data(), static_cast<std::size_t>(size));
     std::memcpy(content.data() + size, kinds.data(), static_cast<std::size_t>(kindsSize));
