@@ -2,7 +2,7 @@
 
 #include "ContentView/ContentView.h"
 #include "RunController/RunController.h"
-#include "TidewellApp/Menus.h"
+#include "TidewellApp/Menus/Menus.h"
 #include "TidewellApp/OutputWindow.h"
 #include "TidewellApp/WindowIcon.h"
 #include "TidewellApp/WindowPlace.h"

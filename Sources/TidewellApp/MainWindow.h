@@ -6,7 +6,7 @@
 
 #include "ContentView/Controllers.h"
 #include "TidewellApp/Files/OutputSaving.h"
-#include "TidewellApp/FindActions.h"
+#include "TidewellApp/Menus/FindActions.h"
 
 #include <QMainWindow>
 #include <QPointer>

@@ -1,7 +1,7 @@
-#include "TidewellApp/EditMenu.h"
+#include "TidewellApp/Menus/EditMenu.h"
 
 #include "OutputPane/OutputPane.h"
-#include "TidewellApp/FindActions.h"
+#include "TidewellApp/Menus/FindActions.h"
 
 #include <QApplication>
 #include <QLineEdit>

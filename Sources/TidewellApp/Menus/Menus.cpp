@@ -1,13 +1,13 @@
-#include "TidewellApp/Menus.h"
+#include "TidewellApp/Menus/Menus.h"
 
 #include "ContentView/ContentView.h"
 #include "ContentView/Controllers.h"
 #include "Look/Alert.h"
 #include "SetupController/SetupController.h"
-#include "TidewellApp/EditMenu.h"
-#include "TidewellApp/FileMenu.h"
 #include "TidewellApp/HelpWindow.h"
 #include "TidewellApp/MainWindow.h"
+#include "TidewellApp/Menus/EditMenu.h"
+#include "TidewellApp/Menus/FileMenu.h"
 
 #include <QActionGroup>
 #include <QApplication>

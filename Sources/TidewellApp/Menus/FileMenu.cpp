@@ -1,4 +1,4 @@
-#include "TidewellApp/FileMenu.h"
+#include "TidewellApp/Menus/FileMenu.h"
 
 #include "ContentView/ContentView.h"
 #include "Look/Alert.h"

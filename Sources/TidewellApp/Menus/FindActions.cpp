@@ -1,4 +1,4 @@
-#include "TidewellApp/FindActions.h"
+#include "TidewellApp/Menus/FindActions.h"
 
 #include "ContentView/ContentView.h"
 #include "Find/FindablePane.h"
