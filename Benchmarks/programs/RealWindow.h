@@ -4,7 +4,7 @@
 // user does it.
 
 #include "ContentView/ContentView.h"
-#include "ContentView/Screens/ScriptEditor.h"
+#include "ContentView/Screens/Run/ScriptEditor.h"
 #include "OutputPane/OutputPane.h"
 #include "Screens/ByName.h"
 #include "Screens/FakeOrbStack.h"

@@ -5,7 +5,7 @@
 #include "ContentView/Screens/ContainersView.h"
 #include "ContentView/Screens/HistoryView.h"
 #include "ContentView/Screens/MachinesView.h"
-#include "ContentView/Screens/RunView.h"
+#include "ContentView/Screens/Run/RunView.h"
 #include "ContentView/SetupHeader.h"
 #include "ContentView/TabSelector.h"
 #include "Look/Colours.h"

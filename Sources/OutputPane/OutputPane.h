@@ -77,7 +77,6 @@ Q_SIGNALS:
     /// The end has come into view, or is no longer there.
     void showsEndChanged(bool showsEnd);
 
-Q_SIGNALS:
     /// The user selects something else.
     void selectionChanged();
 

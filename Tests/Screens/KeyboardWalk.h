@@ -2,7 +2,7 @@
 
 // A window walked through by Tab (and Control-Tab out of the script), as somebody does who does not see it.
 
-#include "ContentView/Screens/ScriptEditor.h"
+#include "ContentView/Screens/Run/ScriptEditor.h"
 #include "ContentView/TabSelector.h"
 #include "OutputPane/OutputPane.h"
 #include "Screens/ByName.h"

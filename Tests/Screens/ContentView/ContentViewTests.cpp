@@ -1,4 +1,4 @@
-#include "ContentView/Screens/RunView.h"
+#include "ContentView/Screens/Run/RunView.h"
 #include "ContentView/SetupHeader.h"
 #include "Screens/TestWindow.h"
 

@@ -2,9 +2,9 @@
 
 // What a user does on the Run screen, in a call each.
 
-#include "ContentView/Screens/MachinePicker.h"
-#include "ContentView/Screens/RunView.h"
-#include "ContentView/Screens/ScriptEditor.h"
+#include "ContentView/Screens/Run/MachinePicker.h"
+#include "ContentView/Screens/Run/RunView.h"
+#include "ContentView/Screens/Run/ScriptEditor.h"
 #include "Look/Colours.h"
 #include "Look/IndeterminateProgress.h"
 #include "Look/PlainLabel.h"

@@ -1,4 +1,4 @@
-#include "ContentView/Screens/ScriptEditor.h"
+#include "ContentView/Screens/Run/ScriptEditor.h"
 #include "RunController/RunController.h"
 
 #include <QClipboard>

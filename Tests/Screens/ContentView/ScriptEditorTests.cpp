@@ -1,4 +1,4 @@
-#include "ContentView/Screens/ScriptEditor.h"
+#include "ContentView/Screens/Run/ScriptEditor.h"
 #include "Look/Colours.h"
 #include "RunController/RunController.h"
 

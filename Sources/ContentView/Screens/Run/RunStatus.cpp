@@ -1,4 +1,4 @@
-#include "ContentView/Screens/RunStatus.h"
+#include "ContentView/Screens/Run/RunStatus.h"
 
 #include "Look/Colours.h"
 #include "Look/Controls.h"

@@ -1,21 +1,19 @@
-#include "ContentView/Screens/RunView.h"
+#include "ContentView/Screens/Run/RunView.h"
 
 #include "ContentView/RunActions.h"
-#include "ContentView/Screens/DisposableToggle.h"
-#include "ContentView/Screens/FolderPicker.h"
-#include "ContentView/Screens/MachinePicker.h"
-#include "ContentView/Screens/RunStatus.h"
-#include "ContentView/Screens/ScriptEditor.h"
+#include "ContentView/Screens/Run/DisposableToggle.h"
+#include "ContentView/Screens/Run/FolderPicker.h"
+#include "ContentView/Screens/Run/MachinePicker.h"
+#include "ContentView/Screens/Run/OutputSection.h"
+#include "ContentView/Screens/Run/RunStatus.h"
+#include "ContentView/Screens/Run/ScriptEditor.h"
 #include "ContentView/Screens/TrimmedText.h"
-#include "Find/FindablePane.h"
 #include "Look/Colours.h"
 #include "Look/Controls.h"
 #include "Look/Picker.h"
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
 #include "MachineStore/MachineStore.h"
-#include "OutputPane/OutputCopy.h"
-#include "OutputPane/OutputPane.h"
 #include "RunController/RunController.h"
 #include "SetupController/SetupController.h"
 
@@ -57,14 +55,7 @@ RunView::RunView(const Controllers &controllers, const RunActions &actions, QWid
     layout->addLayout(makePackageRow());
     layout->addLayout(makeRunRow(actions));
 
-    auto *output = new QVBoxLayout;
-    output->setSpacing(6);
-    output->addLayout(makeOutputHeader(actions));
-    m_outputLoss = caption(QString(), Colours::secondary, this);
-    output->addWidget(m_outputLoss);
-    auto *pane = new OutputPane(controllers.run, controllers.run.transcript().text());
-    output->addWidget(new FindablePane(pane, controllers.run, this), 1);
-    layout->addLayout(output, 2);
+    layout->addWidget(new OutputSection(controllers.run, actions, this), 2);
 
     followControllers();
 }
@@ -187,45 +178,12 @@ QLayout *RunView::makeRunRow(const RunActions &actions)
     return row;
 }
 
-QLayout *RunView::makeOutputHeader(const RunActions &actions)
-{
-    auto *title =
-        new PlainLabel(u"Output"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this);
-    m_earlierOutput = new PlainLabel(u"Earlier output is kept: Run ▸ Show All Output"_s, Typography::caption(),
-                                     Colours::secondary, PlainLabel::Fit::elideEnd, this);
-    // Cut before anything else of the row is.
-    m_earlierOutput->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    QPushButton *copy = Controls::button(u"Copy output"_s, {}, this);
-    QPushButton *clear = Controls::button(u"Clear"_s, u"Clear the output"_s, this);
-    connect(copy, &QPushButton::clicked, this, [this] {
-        const TextView &text = m_controllers.run.transcript().text();
-        OutputCopy::copy(this, text, text.begin(), text.end());
-    });
-    connect(clear, &QPushButton::clicked, &m_controllers.run, &RunController::clearTranscript);
-    actions.copyOutput->setButton(copy);
-    actions.clearOutput->setButton(clear);
-
-    auto *row = new QHBoxLayout;
-    row->setSpacing(controlSpacing);
-    row->addWidget(title);
-    row->addWidget(m_earlierOutput, mostOfTheRow);
-    row->addStretch(1);
-    row->addWidget(copy);
-    row->addWidget(clear);
-    return row;
-}
-
 void RunView::followControllers()
 {
     connect(&m_controllers.setup, &SetupController::stateChanged, this, &RunView::showFields);
     connect(&m_controllers.run, &RunController::scriptChanged, this, &RunView::showFields);
     connect(&m_controllers.run, &RunController::isRunningChanged, this, &RunView::showFields);
-    connect(&m_controllers.run, &RunController::outputLossChanged, this, &RunView::showFields);
-    for (const auto changed :
-         {&RunController::revisionChanged, &RunController::transcriptCleared, &RunController::outputLossChanged})
-        connect(&m_controllers.run, changed, this, &RunView::showEarlierOutput);
     connect(&m_controllers.machines, &MachineStore::machinesChanged, this, &RunView::showMachines);
-    showEarlierOutput();
     showMachines();
 }
 
@@ -271,17 +229,9 @@ void RunView::showFields()
     m_run->setVisible(!isRunning);
     m_status->setVisible(isRunning);
     m_startHint->setVisible(!orbRuns);
-    m_outputLoss->setText(m_controllers.run.outputLoss());
-    m_outputLoss->setVisible(!m_controllers.run.outputLoss().isEmpty());
     // Run and Stop take each other's place, also for the keyboard.
     if (handsOnFocus)
         (isRunning ? static_cast<QWidget *>(m_status) : m_run)->setFocus();
-}
-
-void RunView::showEarlierOutput()
-{
-    const Transcript &transcript = m_controllers.run.transcript();
-    m_earlierOutput->setVisible(transcript.record().begin() < transcript.text().begin());
 }
 
 void RunView::start()

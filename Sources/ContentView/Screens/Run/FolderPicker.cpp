@@ -1,4 +1,4 @@
-#include "ContentView/Screens/FolderPicker.h"
+#include "ContentView/Screens/Run/FolderPicker.h"
 
 #include "Look/Colours.h"
 #include "Look/Controls.h"

@@ -46,14 +46,12 @@ private:
     QLayout *makeFolderSection();
     QLayout *makePackageRow();
     QLayout *makeRunRow(const RunActions &actions);
-    QLayout *makeOutputHeader(const RunActions &actions);
     void followControllers();
 
     /// Chooses the first running machine, or else the first, when the chosen one is not listed.
     void pickDefault();
     void showMachines();
     void showFields();
-    void showEarlierOutput();
     void start();
     void installPackages();
 
@@ -74,6 +72,4 @@ private:
     QPushButton *m_run = nullptr;
     RunStatus *m_status = nullptr;
     PlainLabel *m_startHint = nullptr;
-    PlainLabel *m_outputLoss = nullptr;
-    PlainLabel *m_earlierOutput = nullptr;
 };

@@ -1,4 +1,4 @@
-#include "ContentView/Screens/DisposableToggle.h"
+#include "ContentView/Screens/Run/DisposableToggle.h"
 
 #include "Look/Alert.h"
 

@@ -1,4 +1,4 @@
-#include "ContentView/Screens/MachinePicker.h"
+#include "ContentView/Screens/Run/MachinePicker.h"
 
 #include "Text/VisibleText.h"
 
