@@ -46,6 +46,7 @@ class Heard(WindowCase):
         """Types into the field that has the keyboard."""
         field = self.keyboard.focused()
         self.assertEqual(field.name, name)
+        self.reader.typing(text)
         self.keyboard.write(text)
         wait_until(lambda: field.text == text, f"{name!r} holds {text!r}")
 

@@ -49,6 +49,7 @@ class ScreenReader:
         self._desktop = desktop
         self._read = 0
         self._heard = []
+        self._echoes = set()
 
     def __enter__(self):
         self._folder = tempfile.mkdtemp(prefix="tidewell-screen-reader-")
@@ -92,12 +93,19 @@ class ScreenReader:
         except FileNotFoundError:
             return
         self._read += len(lines)
-        self._heard += _SPOKEN.findall(lines.decode(errors="replace"))
+        spoken = _SPOKEN.findall(lines.decode(errors="replace"))
+        self._heard += [said for said in spoken if said not in self._echoes]
 
     def forget(self):
         """What was spoken until now counts no more."""
         self._listen()
         self._heard.clear()
+        self._echoes.clear()
+
+    def typing(self, text):
+        """From now on, the single characters of this text are not counted: the reader tells typing from moving the
+        cursor by the last key that it knows of, and speaks the character at the cursor when that key reaches it late."""
+        self._echoes |= set(text)
 
     def expect(self, *utterances, limit=LIMIT_SECONDS):
         """Waits until these utterances were spoken, in this order and nothing besides since those expected before; each
