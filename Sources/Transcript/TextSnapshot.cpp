@@ -36,19 +36,10 @@ TextSnapshot &TextSnapshot::operator=(TextSnapshot &&other) noexcept
 
 TextPiece TextSnapshot::pieceAt(Position position) const
 {
-    return piece(m_blocks->readAt(position, m_end), position, m_end);
-}
-
-TextPiece TextSnapshot::pieceBefore(Position position) const
-{
-    return piece(m_blocks->readAt(position - 1, m_end), m_begin, position);
-}
-
-TextPiece TextSnapshot::piece(const BlockStore::Found &found, Position from, Position to)
-{
+    const BlockStore::Found found = m_blocks->readAt(position, m_end);
     TextPiece piece;
-    piece.begin = std::max(found.begin, from);
-    piece.end = std::min(found.end, to);
+    piece.begin = std::max(found.begin, position);
+    piece.end = std::min(found.end, m_end);
     piece.block = found.block;
     piece.isMissing = found.block->isMissing;
     // The size of a block that is still being filled is not known here.

@@ -46,12 +46,8 @@ public:
 
     /// The text from a position, which is before the end, to the end of its block.
     TextPiece pieceAt(Position position) const;
-    /// The text from the start of a block to a position, which is behind the beginning.
-    TextPiece pieceBefore(Position position) const;
 
 private:
-    static TextPiece piece(const BlockStore::Found &found, Position from, Position to);
-
     std::shared_ptr<BlockStore> m_blocks;
     BlockStore::Number m_first = 0;
     Position m_begin = 0;

@@ -23,19 +23,6 @@ QByteArray forwards(const TextSnapshot &snapshot)
     return bytes;
 }
 
-QByteArray backwards(const TextSnapshot &snapshot)
-{
-    QByteArray bytes;
-    for (TextPiece::Position at = snapshot.end(); at > snapshot.begin();) {
-        const TextPiece piece = snapshot.pieceBefore(at);
-        EXPECT_EQ(piece.end, at);
-        EXPECT_LT(piece.begin, at);
-        bytes.prepend(piece.bytes.toByteArray());
-        at = piece.begin;
-    }
-    return bytes;
-}
-
 } // namespace
 
 TEST_F(TextSnapshotTest, HoldsWhatTheViewHeldWhateverIsAppendedLater)
@@ -48,7 +35,6 @@ TEST_F(TextSnapshotTest, HoldsWhatTheViewHeldWhateverIsAppendedLater)
     text.append(lines(5 * mebibyte));
     settle(text);
     EXPECT_TRUE(forwards(snapshot) == bytes.sliced(100'000));
-    EXPECT_TRUE(backwards(snapshot) == bytes.sliced(100'000));
     EXPECT_EQ(snapshot.begin(), 100'000);
     EXPECT_EQ(snapshot.end(), bytes.size());
 }
