@@ -9,6 +9,8 @@ namespace
 constexpr qsizetype maximumSize = qsizetype{4} * 1024 * 1024;
 /// One call of a handler gets no more than this, so that the event loop gets its turn often enough.
 constexpr qsizetype maximumChunk = qsizetype{64} * 1024;
+/// Blocks that are kept to be filled again: as many as a full queue holds.
+constexpr std::size_t mostDelivered = 4;
 
 } // namespace
 
@@ -62,6 +64,16 @@ void OutputQueue::adopt(QByteArray block, qsizetype size, OutputStream stream)
     notifyIfReady(std::move(guard));
 }
 
+QByteArray OutputQueue::takeDelivered()
+{
+    const std::lock_guard guard(m_lock);
+    if (m_delivered.empty())
+        return {};
+    QByteArray block = std::move(m_delivered.back());
+    m_delivered.pop_back();
+    return block;
+}
+
 void OutputQueue::end(int status)
 {
     std::unique_lock guard(m_lock);
@@ -81,7 +93,7 @@ void OutputQueue::notifyIfReady(std::unique_lock<std::mutex> guard)
 
 bool OutputQueue::deliverNext()
 {
-    const std::optional<Chunk> chunk = takeChunk();
+    std::optional<Chunk> chunk = takeChunk();
     if (!chunk) {
         deliverEnd();
         return false;
@@ -90,6 +102,9 @@ bool OutputQueue::deliverNext()
         m_onOutput(QUtf8StringView(chunk->storage.constData() + chunk->begin, chunk->size),
                    chunk->stream == OutputStream::error);
     std::unique_lock guard(m_lock);
+    // Its last chunk: nobody else holds it.
+    if (chunk->storage.size() > maximumChunk && chunk->storage.isDetached() && m_delivered.size() < mostDelivered)
+        m_delivered.push_back(std::move(chunk->storage));
     const bool isMore = !m_chunks.empty() || m_status.has_value();
     m_isReady = isMore;
     // Not at once: a child that is held up is worth waking only for a good stretch.

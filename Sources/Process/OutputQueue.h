@@ -16,6 +16,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <vector>
 
 /// The streams that a child writes to.
 enum class OutputStream { standard, error };
@@ -49,6 +50,8 @@ public:
     void append(QByteArrayView text, OutputStream stream);
     /// Takes the first `size` bytes of `block` without copying them.
     void adopt(QByteArray block, qsizetype size, OutputStream stream);
+    /// An adopted block whose text was delivered, as it was adopted, to be filled again; empty when there is none.
+    QByteArray takeDelivered();
     /// Nothing is appended any more.
     void end(int status);
 
@@ -77,6 +80,7 @@ private:
 
     std::mutex m_lock; // guards all below; the status is fixed once the listener was notified of the end
     std::deque<Chunk> m_chunks;
+    std::vector<QByteArray> m_delivered;
     qsizetype m_size = 0;
     std::optional<int> m_status;
     bool m_isReady = false;

@@ -20,6 +20,10 @@ OutputReader::OutputReader(FileDescriptor end, OutputStream stream) : m_end(std:
 
 qsizetype OutputReader::read(QByteArray &block, OutputQueue &queue)
 {
+    // The pages of one that was filled before are there already; one from another pipe, or with repaired text, is of
+    // another size.
+    if (block.size() < m_pipeSize)
+        block = queue.takeDelivered();
     if (block.size() < m_pipeSize)
         block = QByteArray(m_pipeSize, Qt::Uninitialized);
     const qsizetype size = ::read(m_end.number(), block.data(), static_cast<std::size_t>(block.size()));

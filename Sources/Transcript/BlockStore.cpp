@@ -28,6 +28,7 @@ BlockStore::BlockStore(const TextStorage &storage, std::function<void()> onLoss)
 std::shared_ptr<TextBlock> BlockStore::startBlock(const TextCount &before)
 {
     std::shared_ptr<TextBlock> block = m_pool->take();
+    block->clear();
     Lock lock(m_lock);
     m_entries.append({.before = before});
     m_plain.push_back(block);
@@ -290,7 +291,7 @@ bool BlockStore::giveBack(Lock &lock)
         return false;
     PackedBlocks::Unused unused = std::exchange(m_unused, {});
     lock.unlock();
-    const bool isMany = unused.size() > TextBlockPool::mostFree;
+    const bool isMany = unused.size() > TextBlock::mostFree;
     PackedBlocks::giveBack(std::move(unused));
     if (isMany)
         m_pool->clear();

@@ -119,7 +119,7 @@ private:
 
     const TextStorage m_storage;
     const BlockKey m_key;
-    const std::shared_ptr<TextBlockPool> m_pool = std::make_shared<TextBlockPool>();
+    const std::shared_ptr<PagePool<TextBlock>> m_pool = std::make_shared<PagePool<TextBlock>>(TextBlock::mostFree);
     BlockPacker m_ownPacker{m_key}; // the main thread's
 
     mutable std::mutex m_lock;

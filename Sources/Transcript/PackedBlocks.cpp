@@ -21,7 +21,7 @@ PackedBlocks::Room PackedBlocks::makeRoom(qsizetype size, Number number)
 {
     if (m_slabs.empty() || !m_slabs.back().memory || m_slabs.back().size + size > slabSize) {
         Slab &slab = m_slabs.emplace_back();
-        slab.memory = std::make_shared<PageMemory>(slabSize);
+        slab.memory = m_pool->take();
         slab.numbers = {number, number};
     }
     Slab &slab = m_slabs.back();

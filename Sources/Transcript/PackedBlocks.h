@@ -87,6 +87,13 @@ public:
     Numbers letGoWaiting(Unused &unused);
 
 private:
+    /// So many are kept to be filled again.
+    static constexpr std::size_t mostFree = 4;
+
+    struct SlabMemory : PageMemory {
+        SlabMemory() : PageMemory(slabSize) {}
+    };
+
     struct Slab {
         /// While in memory.
         std::shared_ptr<PageMemory> memory;
@@ -104,6 +111,7 @@ private:
     void letGo(Slab &slab, Unused &unused);
     void closeEmptyFile(Unused &unused);
 
+    std::shared_ptr<PagePool<SlabMemory>> m_pool = std::make_shared<PagePool<SlabMemory>>(mostFree);
     std::deque<Slab> m_slabs;
     std::int64_t m_firstSlab = 0;
     std::int64_t m_memory = 0;

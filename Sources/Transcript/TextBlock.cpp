@@ -9,6 +9,13 @@
 
 using namespace Qt::StringLiterals;
 
+void TextBlock::clear()
+{
+    size = 0;
+    kinds.clear();
+    isMissing = false;
+}
+
 QByteArray TextBlock::content() const
 {
     const qsizetype kindsSize = static_cast<qsizetype>(kinds.size()) * qsizetype{sizeof(KindMark)};
@@ -20,6 +27,7 @@ QByteArray TextBlock::content() const
 
 void TextBlock::readContent(std::int32_t textSize, std::int32_t contentSize)
 {
+    isMissing = false;
     size = textSize;
     kinds.resize(static_cast<std::size_t>(contentSize - textSize) / sizeof(KindMark));
     std::memcpy(kinds.data(), memory.data() + textSize, kinds.size() * sizeof(KindMark));
@@ -34,37 +42,4 @@ void TextBlock::becomeMissing(std::int64_t bytes)
     size = static_cast<std::int32_t>(std::min<std::int64_t>(bytes, sentence.size()));
     std::copy_n(sentence.begin(), size, memory.data());
     kinds = {{0, OutputKind::warn}};
-}
-
-std::shared_ptr<TextBlock> TextBlockPool::take()
-{
-    std::unique_ptr<TextBlock> block;
-    {
-        const std::lock_guard guard(m_lock);
-        if (!m_free.empty()) {
-            block = std::move(m_free.back());
-            m_free.pop_back();
-        }
-    }
-    if (!block)
-        block = std::make_unique<TextBlock>();
-    block->size = 0;
-    block->kinds.clear();
-    block->isMissing = false;
-    return {block.release(),
-            [pool = shared_from_this()](TextBlock *unused) { pool->giveBack(std::unique_ptr<TextBlock>(unused)); }};
-}
-
-void TextBlockPool::giveBack(std::unique_ptr<TextBlock> block)
-{
-    const std::lock_guard guard(m_lock);
-    if (m_free.size() < mostFree)
-        m_free.push_back(std::move(block));
-}
-
-void TextBlockPool::clear()
-{
-    std::vector<std::unique_ptr<TextBlock>> unused;
-    const std::lock_guard guard(m_lock);
-    unused.swap(m_free);
 }

@@ -9,8 +9,6 @@
 #include <QByteArrayView>
 
 #include <cstdint>
-#include <memory>
-#include <mutex>
 #include <vector>
 
 /// From here to the next mark, or the block's end, the text is of this kind.
@@ -25,6 +23,11 @@ struct TextBlock {
     /// With so many marks the block is full, whatever its text.
     static constexpr std::size_t mostKinds = 2048;
 
+    /// So many are kept to be filled again.
+    static constexpr std::size_t mostFree = 32;
+
+    /// Holds nothing any more; keeps its memory.
+    void clear();
     QByteArrayView text() const { return {memory.data(), size}; }
     /// All that the block holds as one piece: the text and then the marks. Once the block is full.
     QByteArray content() const;
@@ -40,23 +43,4 @@ struct TextBlock {
     std::vector<KindMark> kinds;
     /// The block was not kept or could not be read: its text is a sentence that says so.
     bool isMissing = false;
-};
-
-/// Blocks that nobody uses any more, kept to be filled again: their pages are there already. A block comes back by
-/// itself when its last holder lets go of it, on that thread. Any thread; to be owned by a shared pointer.
-class TextBlockPool : public std::enable_shared_from_this<TextBlockPool>
-{
-public:
-    static constexpr std::size_t mostFree = 32;
-
-    /// An empty block, its bytes undefined. Throws std::bad_alloc when there is no memory.
-    std::shared_ptr<TextBlock> take();
-    /// Gives back to the system what is kept.
-    void clear();
-
-private:
-    void giveBack(std::unique_ptr<TextBlock> block);
-
-    std::mutex m_lock; // guards what follows
-    std::vector<std::unique_ptr<TextBlock>> m_free;
 };

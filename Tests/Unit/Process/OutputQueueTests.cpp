@@ -162,3 +162,38 @@ TEST_F(OutputQueueTest, BoundsWhatWaitsAndNotifiesWhenThereIsRoomAgain)
     deliverAll(queue);
     EXPECT_EQ(roomNotices, 1); // nobody has asked since
 }
+
+TEST_F(OutputQueueTest, GivesALongBlockBackOnceAllOfItIsDelivered)
+{
+    const qsizetype size = qsizetype{1024} * 1024;
+    QByteArray block(size, 'x');
+    const char *const memory = block.constData();
+    queue.adopt(std::move(block), size / 2, OutputStream::standard);
+    ASSERT_TRUE(queue.deliverNext());
+    EXPECT_TRUE(queue.takeDelivered().isEmpty());
+    deliverAll(queue);
+    const QByteArray back = queue.takeDelivered();
+    EXPECT_EQ(back.constData(), memory);
+    EXPECT_EQ(back.size(), size);
+    EXPECT_TRUE(queue.takeDelivered().isEmpty());
+}
+
+TEST_F(OutputQueueTest, GivesNoBlockBackThatTheHandlersShare)
+{
+    QByteArray block(qsizetype{128} * 1024, 'x');
+    queue.adopt(block, block.size(), OutputStream::standard);
+    deliverAll(queue);
+    EXPECT_TRUE(queue.takeDelivered().isEmpty());
+}
+
+TEST_F(OutputQueueTest, KeepsFewBlocksToBeFilledAgain)
+{
+    for (int count = 0; count < 20; ++count) {
+        queue.adopt(QByteArray(qsizetype{128} * 1024, 'x'), 1, OutputStream::standard);
+        deliverAll(queue);
+    }
+    int kept = 0;
+    while (!queue.takeDelivered().isEmpty())
+        ++kept;
+    EXPECT_EQ(kept, 4);
+}

@@ -32,8 +32,7 @@ OutputSection::OutputSection(RunController &run, const RunActions &actions, QWid
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
     addHeader(actions);
-    m_loss =
-        new PlainLabel(QString(), Typography::caption(), Colours::secondary, PlainLabel::Fit::wrap, this);
+    m_loss = new PlainLabel(QString(), Typography::caption(), Colours::secondary, PlainLabel::Fit::wrap, this);
     layout->addWidget(m_loss);
     layout->addWidget(new FindablePane(new OutputPane(run, run.transcript().text()), run, this), 1);
 
