@@ -13,6 +13,7 @@
 
 #include <QFile>
 #include <QLineEdit>
+#include <QScrollBar>
 
 using namespace Qt::StringLiterals;
 
