@@ -45,6 +45,7 @@ public:
     ContentView &content() { return m_window.content(); }
     OutputPane &pane() { return *m_window.findChild<OutputPane *>(); }
     RunController &run() { return m_run; }
+    TestTools &tools() { return m_orbStack.tools(); }
 
     void type(const QString &script)
     {
