@@ -99,6 +99,27 @@ class FailingCalls(Case):
 
         self.sweep(lambda: self.prepare(damaged), check)
 
+    def test_a_file_that_cannot_be_read_is_set_aside_and_the_next_run_saved(self):
+        for error in (errno.EACCES, errno.EPERM, errno.EIO):
+            with self.subTest(error=errno.errorcode[error]):
+                self.prepare()
+                with open(self.file, "rb") as file:
+                    unreadable = file.read()
+                told = self.probe(2, LD_PRELOAD=FAILING_CALLS, UNREADABLE=self.file, FAIL_ERROR=str(error))
+                self.assertEqual(told, ("", False))
+                self.assertEqual(self.numbers(), [2])
+                (aside,) = self.litter()
+                self.assertTrue(aside.startswith("history.json.damaged-"), aside)
+                with open(os.path.join(os.path.dirname(self.file), aside), "rb") as file:
+                    self.assertEqual(file.read(), unreadable)
+
+    def test_a_file_stays_where_it_is_when_there_is_no_descriptor_left_to_read_it(self):
+        self.prepare()
+        told, _ = self.probe(2, LD_PRELOAD=FAILING_CALLS, UNREADABLE=self.file, FAIL_ERROR=str(errno.EMFILE))
+        self.assertEqual(told, os.strerror(errno.EMFILE))
+        self.assertEqual(self.numbers(), [1])
+        self.assertEqual(self.litter(), [])
+
 
 class Kills(Case):
     def test_a_writer_that_is_killed_leaves_the_old_or_the_new_list(self):

@@ -70,16 +70,12 @@ QString targetOf(const QString &path)
     return file.filePath();
 }
 
-QString systemError()
-{
-    return qt_error_string(errno);
-}
-
-/// What stands at a path. Where nothing does, neither content nor error.
+/// What stands at a path. Where nothing does, none of these.
 struct Reading {
-    /// None of a file too large to be a history.
     std::optional<QByteArray> content = std::nullopt;
-    bool isTooLarge = false;
+    /// A file that cannot be read, or is too large to be a history.
+    bool isUseless = false;
+    /// Why there is no telling what it is, or that it is no file.
     std::optional<QString> error = std::nullopt;
 };
 
@@ -87,8 +83,15 @@ Reading read(const QString &path)
 {
     // Without waiting: a pipe of that name would hold up the start for ever.
     const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0)
-        return errno == ENOENT ? Reading{} : Reading{.error = systemError()};
+    if (descriptor < 0) {
+        const int error = errno;
+        if (error == ENOENT)
+            return {};
+        // Where there is no descriptor left, nothing is wrong with the file.
+        if (error != EMFILE && error != ENFILE && QFileInfo(path).isFile())
+            return {.isUseless = true};
+        return {.error = qt_error_string(error)};
+    }
     struct stat status = {};
     QFile file;
     if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) ||
@@ -97,11 +100,16 @@ Reading read(const QString &path)
         return {.error = u"what has its name is not a file"_s};
     }
     QByteArray content = file.read(HistoryFile::largestSize + 1);
-    if (file.error() != QFileDevice::NoError)
-        return {.error = file.errorString()};
-    if (content.size() > HistoryFile::largestSize)
-        return {.isTooLarge = true};
+    if (file.error() != QFileDevice::NoError || content.size() > HistoryFile::largestSize)
+        return {.isUseless = true};
     return {.content = std::move(content)};
+}
+
+/// Once more where it cannot be read: a disk on the network may have been away for a moment only.
+Reading readPatiently(const QString &path)
+{
+    Reading reading = read(path);
+    return reading.isUseless ? read(path) : reading;
 }
 
 std::optional<QString> setAside(const QString &path)
@@ -161,12 +169,12 @@ std::optional<QString> HistoryStorage::save(QList<HistoryEntry> &entries)
     if (lock.isTaken())
         return u"another Tidewell is writing it"_s;
 
-    const Reading found = read(target);
+    const Reading found = readPatiently(target);
     if (found.error)
         return found.error;
-    if (found.isTooLarge || (found.content && *found.content != m_known)) {
+    if (found.isUseless || (found.content && *found.content != m_known)) {
         const std::optional<QList<HistoryEntry>> theirs =
-            found.isTooLarge ? std::nullopt : HistoryFile::decode(*found.content);
+            found.isUseless ? std::nullopt : HistoryFile::decode(*found.content);
         if (theirs) {
             entries =
                 HistoryFile::merged(entries, HistoryFile::decode(m_known).value_or(QList<HistoryEntry>()), *theirs);

@@ -23,13 +23,13 @@ public:
 
     const QString &path() const { return m_path; }
 
-    /// The entries in the file; none when it is missing or damaged. Changes nothing on the disk.
+    /// The entries in the file; none when it is missing, damaged or cannot be read. Changes nothing on the disk.
     QList<HistoryEntry> load();
 
     /// Brings what another instance has added to the file, or deleted from it, into `entries`, then replaces the file
-    /// atomically. A file that is no history is renamed first ("history.json.damaged-20260301-140509"). A new file is
-    /// for its owner alone; one that is there keeps its mode, and a link stays a link. Returns why it failed, in the
-    /// system's words; then the file is as it was.
+    /// atomically. A file that is no history, or cannot be read, is renamed first
+    /// ("history.json.damaged-20260301-140509"). A new file is for its owner alone; one that is there keeps its mode,
+    /// and a link stays a link. Returns why it failed, in the system's words; then the file is as it was.
     std::optional<QString> save(QList<HistoryEntry> &entries);
 
 private:

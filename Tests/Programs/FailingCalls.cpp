@@ -1,5 +1,7 @@
 // Loaded before the system's own library (LD_PRELOAD), it makes one system call about files fail: of the calls that
 // concern what lies below the folder FAIL_BELOW, the one with the number FAIL_CALL, with the error number FAIL_ERROR.
+// Or it makes a file, UNREADABLE, fail with that number whenever it is opened for reading; with EIO, whenever it is
+// read.
 
 #include <atomic>
 #include <cerrno>
@@ -18,11 +20,17 @@ namespace
 std::atomic<int> calls = 0;
 std::atomic<bool> wasMade = false;
 std::atomic<bool> concerned[1024];
+std::atomic<bool> unreadable[1024];
 
 template <typename Function>
 Function *next(const char *name)
 {
     return reinterpret_cast<Function *>(::dlsym(RTLD_NEXT, name));
+}
+
+int errorNumber()
+{
+    return std::atoi(std::getenv("FAIL_ERROR"));
 }
 
 bool fails()
@@ -31,8 +39,26 @@ bool fails()
     if (number == nullptr || ++calls != std::atoi(number))
         return false;
     wasMade = true;
-    errno = std::atoi(std::getenv("FAIL_ERROR"));
+    errno = errorNumber();
     return true;
+}
+
+bool isUnreadable(const char *path, int flags)
+{
+    const char *file = std::getenv("UNREADABLE");
+    return file != nullptr && std::strcmp(path, file) == 0 && (flags & O_ACCMODE) == O_RDONLY;
+}
+
+bool isUnreadable(int descriptor)
+{
+    return descriptor >= 0 && descriptor < 1024 && unreadable[descriptor];
+}
+
+/// Fails a call that is to fail each time.
+int failed()
+{
+    errno = errorNumber();
+    return -1;
 }
 
 bool concerns(const char *path)
@@ -46,10 +72,12 @@ bool concerns(int descriptor)
     return descriptor >= 0 && descriptor < 1024 && concerned[descriptor];
 }
 
-int noted(int descriptor, bool isConcerned)
+int noted(int descriptor, bool isConcerned, bool cannotBeRead = false)
 {
-    if (descriptor >= 0 && descriptor < 1024)
+    if (descriptor >= 0 && descriptor < 1024) {
         concerned[descriptor] = isConcerned;
+        unreadable[descriptor] = cannotBeRead;
+    }
     return descriptor;
 }
 
@@ -77,7 +105,10 @@ bool failingCallWasMade()
         va_end(arguments);                                                                                             \
         if (concerns(path) && fails())                                                                                 \
             return -1;                                                                                                 \
-        return noted(next<int(const char *, int, ...)>(#name)(path, flags, mode), concerns(path));                     \
+        const bool cannotBeRead = isUnreadable(path, flags);                                                           \
+        if (cannotBeRead && errorNumber() != EIO)                                                                      \
+            return failed();                                                                                           \
+        return noted(next<int(const char *, int, ...)>(#name)(path, flags, mode), concerns(path), cannotBeRead);       \
     }
 OPEN(open)
 OPEN(open64)
@@ -95,7 +126,14 @@ int close(int descriptor)
     }
 ON_DESCRIPTOR(ssize_t, write, (int descriptor, const void *data, size_t size), (int, const void *, size_t),
               (descriptor, data, size))
-ON_DESCRIPTOR(ssize_t, read, (int descriptor, void *data, size_t size), (int, void *, size_t), (descriptor, data, size))
+
+ssize_t read(int descriptor, void *data, size_t size)
+{
+    if (isUnreadable(descriptor))
+        return failed();
+    return concerns(descriptor) && fails() ? -1 : next<ssize_t(int, void *, size_t)>("read")(descriptor, data, size);
+}
+
 ON_DESCRIPTOR(int, fsync, (int descriptor), (int), (descriptor))
 ON_DESCRIPTOR(int, fdatasync, (int descriptor), (int), (descriptor))
 ON_DESCRIPTOR(int, fchmod, (int descriptor, mode_t mode) noexcept, (int, mode_t), (descriptor, mode))
