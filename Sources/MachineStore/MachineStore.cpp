@@ -46,7 +46,8 @@ QCoro::Task<> MachineStore::refresh()
 
     const QPointer<MachineStore> self(this);
     const QStringList asJson{u"list"_s, u"-f"_s, u"json"_s};
-    const CLIResult first = co_await OrbCLI::run(*orb, asJson, std::nullopt, m_limits.list, OrbCLI::wholeList);
+    const CLIResult first =
+        co_await OrbCLI::run(*orb, asJson, std::nullopt, m_limits.list, OrbCLI::wholeList);
     if (!self)
         co_return;
     if (first.succeeded()) {
@@ -59,7 +60,8 @@ QCoro::Task<> MachineStore::refresh()
     }
 
     const QStringList asTable{u"list"_s};
-    const CLIResult second = co_await OrbCLI::run(*orb, asTable, std::nullopt, m_limits.list, OrbCLI::wholeList);
+    const CLIResult second =
+        co_await OrbCLI::run(*orb, asTable, std::nullopt, m_limits.list, OrbCLI::wholeList);
     if (!self)
         co_return;
     const std::optional<QString> failure = second.failure(u"orb list"_s);
@@ -72,6 +74,9 @@ QCoro::Task<> MachineStore::refresh()
 
 void MachineStore::tellLeftBehind()
 {
+    // The log is the operation's until its end, after which the list is read again.
+    if (m_busy)
+        return;
     const QDateTime now = QDateTime::currentDateTimeUtc();
     const auto isSettled = [&](const DisposableMachines::LeftBehind &machine) {
         const auto hasThisName = [&](const Machine &listed) { return listed.name == machine.name; };

@@ -4,13 +4,14 @@
 //
 //   idle ──create, start, stop, remove (checks passed)──▶ busy ──tool ended, log written──▶ idle ──▶ refresh
 //
-// `busy` is the only guard: a request that arrives while it is true is ignored. A refresh is never blocked, touches
-// neither `busy` nor `log`, and of two at once the later to finish decides. No operation fails to its caller: listing
-// reports through `error`, the operations through `log`. All return at once, and nobody need await what they return; a
-// store that is destroyed meanwhile leaves the tool to itself.
+// `busy` is the only guard: a request that arrives while it is true is ignored. A refresh is never blocked and does not
+// touch `busy`, and of two at once the later to finish decides. No operation fails to its caller: listing reports
+// through `error`, the operations through `log`. All return at once, and nobody need await what they return; a store
+// that is destroyed meanwhile leaves the tool to itself.
 //
-// Disposable machines that an earlier start of the program left behind (DisposableMachines.h) are told in `log`, each
-// once, when they are first listed; one that has not been listed for as long as its creation may take is gone.
+// One thing a refresh adds to `log`, and only while no operation writes there: the disposable machines that an earlier
+// start of the program left behind (DisposableMachines.h), each once, when it is first listed. One that has not been
+// listed for as long as its creation may take is gone.
 
 #include "MachineStore/Distro.h"
 #include "MachineStore/Machine.h"

@@ -46,6 +46,19 @@ TEST_F(LeftBehindMachine, IsToldByAListingInTheTableFormToo)
     EXPECT_EQ(next.log(), told);
 }
 
+TEST_F(LeftBehindMachine, IsToldOnlyWhenTheLogIsNoLongerAnOperations)
+{
+    MachineStore next({}, machines);
+    addOrb(u"printf half; "_s + tools.waitForFile(u"go"_s) + u"printf ' a line'"_s, listsIt);
+    next.create(Distro::debian, u"box"_s);
+    EXPECT_TRUE(waitUntil([&] { return next.log().endsWith(u"half"_s); }));
+    EXPECT_TRUE(waitFor(next.refresh()));
+    EXPECT_EQ(next.machines().size(), 1) << "it is listed meanwhile";
+    tools.addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([&] { return next.log().endsWith(told); }));
+    EXPECT_EQ(next.log(), u"$ orb create debian box\nhalf a line\nMachine box is ready.\n"_s + told);
+}
+
 TEST_F(LeftBehindMachine, IsStruckOutWhenItIsDeleted)
 {
     MachineStore next({}, machines);
