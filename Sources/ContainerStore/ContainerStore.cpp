@@ -60,7 +60,8 @@ QCoro::Task<> ContainerStore::refresh()
     }
     const QStringList arguments{u"ps"_s, u"-a"_s, u"--format"_s, u"{{json .}}"_s};
     const QPointer<ContainerStore> self(this);
-    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.list, OrbCLI::wholeList);
+    const CLIResult result = co_await OrbCLI::run(*docker, arguments, std::nullopt, m_limits.list, OrbCLI::wholeList,
+                                                  OrbCLI::pollingGraceTime);
     if (!self)
         co_return;
     const std::optional<QString> failure = result.failure(u"docker ps"_s);

@@ -47,7 +47,7 @@ QCoro::Task<> MachineStore::refresh()
     const QPointer<MachineStore> self(this);
     const QStringList asJson{u"list"_s, u"-f"_s, u"json"_s};
     const CLIResult first =
-        co_await OrbCLI::run(*orb, asJson, std::nullopt, m_limits.list, OrbCLI::wholeList);
+        co_await OrbCLI::run(*orb, asJson, std::nullopt, m_limits.list, OrbCLI::wholeList, OrbCLI::pollingGraceTime);
     if (!self)
         co_return;
     if (first.succeeded()) {
@@ -61,7 +61,7 @@ QCoro::Task<> MachineStore::refresh()
 
     const QStringList asTable{u"list"_s};
     const CLIResult second =
-        co_await OrbCLI::run(*orb, asTable, std::nullopt, m_limits.list, OrbCLI::wholeList);
+        co_await OrbCLI::run(*orb, asTable, std::nullopt, m_limits.list, OrbCLI::wholeList, OrbCLI::pollingGraceTime);
     if (!self)
         co_return;
     const std::optional<QString> failure = second.failure(u"orb list"_s);

@@ -17,7 +17,7 @@
 ///   not started                   -1                           false      the system's description
 ///
 /// Only the caller that cancelled knows that it did. A tool that is asked to terminate may go on: its result comes when
-/// it ends, or, where its time limit asked, ten seconds later (it is left behind then).
+/// it ends, or, where its time limit asked and its caller gave it a grace time, after that (it is left behind then).
 struct CLIResult {
     int status = -1;
     QString stdout;

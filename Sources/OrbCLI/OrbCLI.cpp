@@ -71,7 +71,7 @@ QCoro::Task<OrbCLI::StreamResult> OrbCLI::streamAsync(QString tool, QStringList 
 }
 
 QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::optional<QString> input, double timeLimit,
-                                   OutputNeed need)
+                                   OutputNeed need, std::optional<double> graceTime)
 {
     Continuation<CLIResult> end;
     CollectedOutput output(need);
@@ -93,6 +93,7 @@ QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::opt
                                                .environment = environment(),
                                                .input = input,
                                                .timeLimit = timeLimit,
+                                               .graceTime = graceTime,
                                                .onOutput = onOutput,
                                                .onExit = onExit,
                                                .collectsOutput = true});

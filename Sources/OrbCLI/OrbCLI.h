@@ -1,8 +1,8 @@
 #pragma once
 
 // Runs an outside tool as a child process: an argument list, never a shell; the environment of ToolLocation.h; optional
-// standard input; an optional time limit after which the child gets the termination signal, once; it is never killed,
-// but one that has not ended ten seconds later is left behind.
+// standard input; an optional time limit after which the child gets the termination signal, once. It is never killed,
+// and one that ignores the signal is waited for; but what is polled may be left behind, so that polling goes on.
 //
 // Three entrances to one engine: stream (callbacks), streamAsync (awaitable, output streamed) and run (awaitable,
 // output collected). Output arrives on the main thread as chunks of UTF-8 text, decoded chunk by chunk: whatever is
@@ -42,8 +42,12 @@ ProcessHandlePointer stream(const QString &tool, const QStringList &arguments, c
 QCoro::Task<StreamResult> streamAsync(QString tool, QStringList arguments, std::optional<QString> input,
                                       std::optional<double> timeLimit, StartHandler onStart, OutputHandler onOutput);
 
-/// Runs `tool` to its end and returns what it printed, as far as it is needed. Main thread.
+/// For `run`, by whoever asks the same again and again.
+inline constexpr double pollingGraceTime = 10;
+
+/// Runs `tool` to its end and returns what it printed, as far as it is needed. A tool that ignores its time limit is
+/// left behind after `graceTime`, in seconds; none to wait for it. Main thread.
 QCoro::Task<CLIResult> run(QString tool, QStringList arguments, std::optional<QString> input, double timeLimit,
-                           OutputNeed need = wholeList);
+                           OutputNeed need = wholeList, std::optional<double> graceTime = std::nullopt);
 
 } // namespace OrbCLI

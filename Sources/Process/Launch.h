@@ -30,8 +30,9 @@ struct Launch {
     std::optional<QString> input;
     /// Seconds, after which the child is asked to terminate; none for no limit.
     std::optional<double> timeLimit;
-    /// Seconds that a child which its limit has asked to terminate has left; then it is left behind.
-    double graceTime = 10;
+    /// Seconds that a child which its limit has asked to terminate has left; then it is left behind. None for a child
+    /// that is waited for however long it goes on.
+    std::optional<double> graceTime = std::nullopt;
     OutputHandler onOutput;
     ExitHandler onExit;
     /// The caller collects the output: it may be delivered all at once, with the end.

@@ -24,11 +24,11 @@ AwakeClock::duration duration(double seconds)
     return std::chrono::ceil<AwakeClock::duration>(wait);
 }
 
-RunningChild::Moment deadlineAfter(std::optional<double> timeLimit)
+RunningChild::Moment momentAfter(std::optional<double> seconds)
 {
-    if (!timeLimit || *timeLimit > longestWait)
+    if (!seconds || *seconds > longestWait)
         return RunningChild::never;
-    return AwakeClock::now() + duration(*timeLimit);
+    return AwakeClock::now() + duration(*seconds);
 }
 
 std::vector<std::string> toUtf8(const QStringList &texts)
@@ -70,8 +70,8 @@ int RunningChild::start(const Launch &launch)
     const int error = process.start(launch.tool.toStdString(), toUtf8(launch.arguments), launch.environment, streams);
     if (error != 0)
         return error;
-    m_deadline = deadlineAfter(launch.timeLimit);
-    m_graceTime = duration(launch.graceTime);
+    m_deadline = momentAfter(launch.timeLimit);
+    m_graceTime = launch.graceTime;
     m_exitNotice = process.openExitNotice();
     m_output = OutputReader(std::move(output->readEnd), OutputStream::standard);
     m_errorOutput = OutputReader(std::move(errorOutput->readEnd), OutputStream::error);
@@ -148,7 +148,7 @@ void RunningChild::enforceTimeLimit()
         return;
     m_handle->setTimedOut();
     m_handle->process->terminate();
-    m_lastMoment = AwakeClock::now() + m_graceTime;
+    m_lastMoment = momentAfter(m_graceTime);
 }
 
 void RunningChild::leaveBehind()

@@ -4,10 +4,10 @@
 //
 //   created ──start fails──▶ (of no further use)
 //      └──start──▶ running ──exited, both pipes closed, end in the queue, input written or refused──▶ finished
-//                     └──asked by its time limit, and time again──▶ left behind ──exited──▶ finished
+//                     └──asked by its time limit, grace time over──▶ left behind ──exited──▶ finished
 //
-// A child that is left behind is never killed: its pipes are closed, its end is told with status -1, and it is reaped
-// whenever it does exit.
+// Only a child with a grace time is ever left behind. It is never killed: its pipes are closed, its end is told with
+// status -1, and it is reaped whenever it does exit.
 
 #include "Process/AwakeClock.h"
 #include "Process/InputWriter.h"
@@ -62,7 +62,7 @@ private:
     Moment m_deadline = never;
     /// From when on the child is not waited for; never before its deadline.
     Moment m_lastMoment = never;
-    AwakeClock::duration m_graceTime{};
+    std::optional<double> m_graceTime;
     /// Where in the poll entries are standard output, standard error, standard input and the exit notice, if they are.
     std::array<std::optional<std::size_t>, 4> m_places;
     bool m_isRunning = true;

@@ -31,7 +31,8 @@ QCoro::Task<> sleep(double seconds)
 QCoro::Task<bool> reportsRunning(QString orb, double timeLimit)
 {
     const QStringList arguments{u"status"_s};
-    const CLIResult result = co_await OrbCLI::run(orb, arguments, std::nullopt, timeLimit, OrbCLI::wholeList);
+    const CLIResult result =
+        co_await OrbCLI::run(orb, arguments, std::nullopt, timeLimit, OrbCLI::wholeList, OrbCLI::pollingGraceTime);
     co_return result.succeeded() && result.combined().toLower().contains("running"_L1);
 }
 

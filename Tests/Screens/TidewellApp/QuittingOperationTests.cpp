@@ -78,6 +78,24 @@ TEST_F(QuittingTest, LeavesAnOperationWhenAskedTwice)
     EXPECT_TRUE(waitUntil([this] { return !guarded.tools.machines.busy(); }));
 }
 
+TEST_F(QuittingTest, LeavesAnOperationWhoseToolIgnoresThatItIsCancelled)
+{
+    const QString asked = tools().path(u"asked"_s);
+    tools().addTool(u"brew"_s, u"trap ': > \"%1\"' TERM; echo up\n"_s.arg(asked) + tools().waitForFile(u"go"_s));
+    guarded.tools.setup.install();
+    EXPECT_TRUE(waitUntil([this] { return guarded.tools.setup.log().endsWith(u"up\n"_s); }));
+    guarded.tools.setup.cancel();
+    EXPECT_TRUE(waitUntil([&asked] { return QFile::exists(asked); }));
+    EXPECT_FALSE(quit());
+    press(u"Quit when it is done"_s);
+    EXPECT_FALSE(quit());
+    QTimer::singleShot(0, &guarded.window, [this] { press(u"Quit anyway"_s); });
+    EXPECT_TRUE(endsByItself());
+    EXPECT_TRUE(guarded.tools.setup.busy()) << "it is left to itself";
+    tools().addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([this] { return !guarded.tools.setup.busy(); }));
+}
+
 TEST_F(QuittingTest, AsksAboutTheOperationThatGoesOnAfterTheRun)
 {
     guarded.startRun(u"exec sleep 60"_s);

@@ -41,6 +41,8 @@ struct Operation {
     std::function<QString(Replay &)> expected;
     /// What the tools do before anything else.
     QString before{};
+    /// It is begun again and again, without the user.
+    bool isPolled = false;
 };
 
 const QList<Operation> &allOperations();

@@ -14,7 +14,7 @@ namespace
 {
 
 /// As `record`, with a limit and a grace time of the test's own.
-std::shared_ptr<StreamRecording> recordHasty(const QString &tool, double timeLimit, double graceTime,
+std::shared_ptr<StreamRecording> recordHasty(const QString &tool, double timeLimit, std::optional<double> graceTime,
                                              const std::optional<QString> &input = std::nullopt)
 {
     const auto recording = std::make_shared<StreamRecording>();
@@ -104,7 +104,19 @@ TEST(LeftBehind, IsNoChildWithoutATimeLimit)
     EXPECT_EQ(recording->status, 3);
 }
 
-TEST(LeftBehind, IsAnyToolTenSecondsAfterItsTimeLimit)
+TEST(LeftBehind, IsNoChildWithoutAGraceTime)
 {
-    EXPECT_EQ(Launch().graceTime, 10);
+    EXPECT_EQ(Launch().graceTime, std::nullopt) << "unless its caller asks for one";
+    TestTools tools;
+    const QString body = u"trap 'echo asked' TERM; "_s + tools.waitForFile(u"go"_s) + u"exit 3"_s;
+    const QString tool = tools.addTool(u"stubborn"_s, body);
+    const auto awaited = recordHasty(tool, 0.5, std::nullopt);
+    const auto leftBehind = recordHasty(tool, 0.5, 0.3);
+    ASSERT_TRUE(leftBehind->waitForEnd());
+    EXPECT_FALSE(awaited->hasEnded()) << "although it was asked before the other";
+    tools.addFile(u"go"_s);
+    ASSERT_TRUE(awaited->waitForEnd());
+    EXPECT_EQ(awaited->status, 3);
+    EXPECT_EQ(awaited->output, u"asked\n"_s);
+    EXPECT_TRUE(awaited->handle->timedOut());
 }
