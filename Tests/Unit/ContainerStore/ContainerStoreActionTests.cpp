@@ -90,17 +90,25 @@ TEST_F(ContainerStoreAction, IgnoresASecondRequestWhileOneIsUnderWay)
     EXPECT_EQ(tools.calls(u"docker"_s), (QStringList{u"<stop><web>"_s, listCall}));
 }
 
-TEST_F(ContainerStoreAction, IsIdleBeforeTheListingThatFollows)
+TEST_F(ContainerStoreAction, TellsTheOutcomeThenIsIdleThenLists)
 {
-    tools.addTool(u"docker"_s, dockerWith(QString()));
-    bool emptyWhenIdle = false;
-    QObject::connect(&store, &ContainerStore::busyChanged, &store, [this, &emptyWhenIdle] {
-        if (!store.busy())
-            emptyWhenIdle = store.containers().isEmpty();
-    });
-    store.action(u"start"_s, web);
-    ASSERT_TRUE(untilListed());
-    EXPECT_TRUE(emptyWhenIdle);
+    const auto orderOf = [](const std::function<void(ContainerStore &)> &begin) {
+        ContainerStore fresh;
+        QStringList order;
+        QObject::connect(&fresh, &ContainerStore::messageChanged, &fresh, [&] { order << fresh.message(); });
+        QObject::connect(&fresh, &ContainerStore::busyChanged, &fresh,
+                         [&] { order << (fresh.busy() ? u"busy"_s : u"idle"_s); });
+        QObject::connect(&fresh, &ContainerStore::containersChanged, &fresh, [&] { order << u"containers"_s; });
+        begin(fresh);
+        EXPECT_TRUE(waitUntil([&] { return !fresh.containers().isEmpty(); }));
+        return order;
+    };
+    tools.addTool(u"docker"_s, dockerWith(u"[ $1 = run ]"_s));
+    EXPECT_EQ(orderOf([](ContainerStore &fresh) { fresh.action(u"stop"_s, web); }),
+              QStringList({u"busy"_s, u"docker stop failed: "_s, u"idle"_s, u"containers"_s}));
+    EXPECT_EQ(orderOf([](ContainerStore &fresh) { fresh.runContainer(u"nginx"_s, {}, {}); }),
+              QStringList({u"busy"_s, u"Running nginx… (pulling the image can take a while)"_s, u"Started nginx."_s,
+                           u"idle"_s, u"containers"_s}));
 }
 
 TEST_F(ContainerStoreAction, PassesANameOfAnyKindAsOneArgument)

@@ -89,6 +89,18 @@ TEST_F(ContainerStoreRefresh, ClearsTheErrorAfterAGoodListing)
     EXPECT_TRUE(store.containers().isEmpty());
 }
 
+TEST_F(ContainerStoreRefresh, ShowsTheListBeforeItClearsTheError)
+{
+    tools.addTool(u"docker"_s, u"exit 1"_s);
+    ASSERT_TRUE(waitFor(store.refresh()));
+    QStringList order;
+    QObject::connect(&store, &ContainerStore::containersChanged, &store, [&] { order << u"containers"_s; });
+    QObject::connect(&store, &ContainerStore::errorChanged, &store, [&] { order << u"error"_s; });
+    tools.addTool(u"docker"_s, dockerWith(QString()));
+    ASSERT_TRUE(waitFor(store.refresh()));
+    EXPECT_EQ(order, QStringList({u"containers"_s, u"error"_s}));
+}
+
 TEST_F(ContainerStoreRefresh, KeepsTheListWhenDockerCannotBeStarted)
 {
     tools.addTool(u"docker"_s, dockerWith(QString()));

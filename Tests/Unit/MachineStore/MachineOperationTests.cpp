@@ -51,6 +51,16 @@ TEST_F(MachineStoreTest, RefusesANameThatIsTaken)
     EXPECT_EQ(calls().size(), 1);
 }
 
+TEST_F(MachineStoreTest, TakesANameForAnotherInOtherLetterCase)
+{
+    addOrb({}, u"[{\"name\":\"BOX\",\"state\":\"running\"}]"_s);
+    EXPECT_TRUE(waitFor(store.refresh()));
+    store.create(Distro::ubuntu, u"box"_s);
+    EXPECT_TRUE(store.busy());
+    EXPECT_TRUE(waitUntil([this] { return !store.busy(); }));
+    EXPECT_EQ(calls().value(1), u"<create><ubuntu><box>"_s);
+}
+
 TEST_F(MachineStoreTest, ReportsAFailedCreation)
 {
     addOrb(u"printf 'no room' >&2; exit 5"_s);
@@ -187,13 +197,36 @@ TEST_F(MachineStoreTest, IgnoresEveryRequestWhileBusyAndStillRefreshes)
 
 TEST_F(MachineStoreTest, WritesTheLogThenIsFreeThenRefreshes)
 {
-    QStringList order;
-    QObject::connect(&store, &MachineStore::logChanged, &store, [&] { order << u"log: "_s + store.log(); });
-    QObject::connect(&store, &MachineStore::busyChanged, &store,
-                     [&] { order << (store.busy() ? u"busy"_s : u"free"_s); });
-    QObject::connect(&store, &MachineStore::machinesChanged, &store, [&] { order << u"machines"_s; });
-    addOrb();
-    store.remove(u"old"_s);
-    EXPECT_TRUE(waitUntilDone());
-    EXPECT_EQ(order, QStringList({u"busy"_s, u"log: Deleted old.\n"_s, u"free"_s, u"machines"_s}));
+    const auto orderOf = [this](const std::function<void(MachineStore &)> &begin) {
+        MachineStore fresh;
+        QStringList order;
+        QObject::connect(&fresh, &MachineStore::logChanged, &fresh, [&] { order << u"log: "_s + fresh.log(); });
+        QObject::connect(&fresh, &MachineStore::busyChanged, &fresh,
+                         [&] { order << (fresh.busy() ? u"busy"_s : u"free"_s); });
+        QObject::connect(&fresh, &MachineStore::machinesChanged, &fresh, [&] { order << u"machines"_s; });
+        begin(fresh);
+        EXPECT_TRUE(waitUntil([&] { return !fresh.machines().isEmpty(); }));
+        return order;
+    };
+    addOrb(u"[ $1 != start ]"_s);
+    EXPECT_EQ(orderOf([](MachineStore &fresh) { fresh.remove(u"old"_s); }),
+              QStringList({u"busy"_s, u"log: Deleted old.\n"_s, u"free"_s, u"machines"_s}));
+    EXPECT_EQ(orderOf([](MachineStore &fresh) { fresh.simple({u"start"_s, u"box"_s}); }),
+              QStringList({u"busy"_s, u"log: orb start box failed: \n"_s, u"free"_s, u"machines"_s}));
+    const QString command = u"$ orb create debian new\n"_s;
+    EXPECT_EQ(orderOf([](MachineStore &fresh) { fresh.create(Distro::debian, u"new"_s); }),
+              QStringList({u"busy"_s, u"log: "_s + command, u"log: "_s + command + u"\nMachine new is ready.\n"_s,
+                           u"free"_s, u"machines"_s}));
+}
+
+TEST_F(MachineStoreTest, LeavesTheErrorToTheListingThatFollowsAnOperation)
+{
+    addOrb(u"echo broken >&2; exit 1"_s);
+    int changes = 0;
+    QObject::connect(&store, &MachineStore::errorChanged, &store, [&] { ++changes; });
+    EXPECT_TRUE(waitFor(store.create(Distro::debian, u"new"_s)));
+    EXPECT_TRUE(waitFor(store.simple({u"stop"_s, u"box"_s})));
+    EXPECT_TRUE(waitFor(store.remove(u"box"_s)));
+    EXPECT_EQ(store.log(), u"Delete failed: broken\n"_s);
+    EXPECT_EQ(changes, 0);
 }

@@ -1,7 +1,9 @@
 #include "OrbCLI/ToolLocation.h"
 
+#include "OrbCLI/OrbCLI.h"
 #include "OrbCLI/ToolDirectories.h"
 #include "Support/TestTools.h"
+#include "Support/Waiting.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,6 +13,8 @@
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
+
+extern char **environ;
 
 namespace
 {
@@ -57,6 +61,23 @@ void writeFile(const QString &path, QFile::Permissions permissions)
     file.write("#!/bin/sh\n");
     file.close();
     ASSERT_TRUE(file.setPermissions(permissions));
+}
+
+std::map<std::string, std::string> withoutPath(std::map<std::string, std::string> variables)
+{
+    variables.erase("PATH");
+    return variables;
+}
+
+/// The application's own variables, as the system has them.
+std::map<std::string, std::string> ownVariables()
+{
+    std::map<std::string, std::string> variables;
+    for (char **entry = ::environ; *entry != nullptr; ++entry) {
+        const std::string text(*entry);
+        variables.emplace(text.substr(0, text.find('=')), text.substr(text.find('=') + 1));
+    }
+    return variables;
 }
 
 } // namespace
@@ -157,4 +178,22 @@ TEST(ToolLocation, PassesEveryOtherVariableOnUnchangedAndAfresh)
     const ScopedVariable later("TIDEWELL_TEST_LATER", "\xff\n");
     variables = OrbCLI::environment();
     EXPECT_EQ(variables.at("TIDEWELL_TEST_LATER"), "\xff\n");
+    EXPECT_EQ(withoutPath(variables), withoutPath(ownVariables()));
+    EXPECT_EQ(variables.size(), ownVariables().size()) << "but for the path, which is there once";
+}
+
+TEST(ToolLocation, GivesAChildTheseVariablesAndNoOther)
+{
+    TestTools tools;
+    const ScopedVariable lines("TIDEWELL_TEST_LINES", "one\ntwo=2\n");
+    const auto result = waitFor(OrbCLI::run(u"/usr/bin/env"_s, {u"-0"_s}, std::nullopt, 20));
+    ASSERT_TRUE(result.has_value());
+    EXPECT_TRUE(result->succeeded()) << result->stderr.toStdString();
+    std::map<std::string, std::string> received;
+    for (const QString &entry : result->stdout.split(QChar(0), Qt::SkipEmptyParts)) {
+        const std::string text = entry.toStdString();
+        received.emplace(text.substr(0, text.find('=')), text.substr(text.find('=') + 1));
+    }
+    EXPECT_EQ(withoutPath(received), withoutPath(ownVariables()));
+    EXPECT_EQ(received.at("PATH"), OrbCLI::environment().at("PATH"));
 }

@@ -7,10 +7,9 @@
 
 using namespace Qt::StringLiterals;
 
-TEST_F(RunControllerTest, WritesTheHistoryThenResetsItsFieldsInOrder)
+TEST_F(RunControllerTest, SetsItsFieldsThenWritesTheHistoryAndResetsThemInOrder)
 {
     addOrb();
-    run.start(job, &history);
     QStringList order;
     QObject::connect(&history, &HistoryStore::entriesChanged, &run, [&] { order << u"history"_s; });
     QObject::connect(&run, &RunController::phaseChanged, &run, [&] { order << u"phase"_s; });
@@ -20,6 +19,9 @@ TEST_F(RunControllerTest, WritesTheHistoryThenResetsItsFieldsInOrder)
         EXPECT_EQ(run.phase(), QString());
         EXPECT_EQ(run.startedAt(), std::nullopt);
     });
+    run.start(job, &history);
+    EXPECT_EQ(order, QStringList({u"isRunning"_s, u"startedAt"_s, u"phase"_s}));
+    order.clear();
     EXPECT_TRUE(waitUntilIdle());
     EXPECT_EQ(order, QStringList({u"history"_s, u"phase"_s, u"startedAt"_s, u"isRunning"_s}));
 }
