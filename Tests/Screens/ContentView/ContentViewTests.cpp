@@ -181,17 +181,6 @@ TEST(ContentView, SurvivesATabChangeThatOneOfTheScreensOwnButtonsMakes)
     EXPECT_NE(content.focusWidget(), nullptr);
 }
 
-TEST(ContentView, ListsMachinesThenContainersWhenOrbStackRuns)
-{
-    TestWindow window;
-    QStringList order;
-    QObject::connect(&window.setup, &SetupController::stateChanged, [&order] { order.append(u"state"_s); });
-    QObject::connect(&window.machines, &MachineStore::machinesChanged, [&order] { order.append(u"machines"_s); });
-    window.showRunning({u"box"_s});
-    EXPECT_EQ(order, QStringList({u"state"_s, u"machines"_s}));
-    EXPECT_TRUE(waitUntil([&] { return containerLists(window) >= 1; }));
-}
-
 TEST(ContentView, AsksOnlyForTheStateWhileOrbStackIsStopped)
 {
     TestWindow window;
@@ -245,21 +234,6 @@ TEST(ContentView, ListsAtOnceWhenOrbStackComesUp)
     ByName::press(content, u"Stop"_s, u"Stop OrbStack"_s);
     EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped && !window.setup.busy(); }));
     EXPECT_EQ(window.orbStack.calls(list), 1);
-}
-
-TEST(ContentView, ListsTheMachinesAloneWhenARunEnds)
-{
-    TestWindow window;
-    window.showRunning({u"box"_s});
-    ASSERT_TRUE(waitUntil([&] { return containerLists(window) == 2; }));
-    const auto lists = window.orbStack.calls(list);
-    window.run.setScript(u"true"_s);
-    ByName::press(window.content(), u"Run"_s);
-    EXPECT_EQ(window.orbStack.calls(list), lists);
-    EXPECT_TRUE(waitUntil([&] { return !window.run.isRunning(); }));
-    window.orbStack.setMachines({});
-    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(list) == lists + 1; }));
-    EXPECT_EQ(containerLists(window), 2);
 }
 
 TEST(ContentView, StopsAskingWhileItIsHiddenAndAsksAtOnceWhenShownAgain)

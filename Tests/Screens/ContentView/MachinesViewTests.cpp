@@ -111,6 +111,18 @@ TEST_F(MachinesViewTest, KeepsTheListBelowTheErrorOfAFailedListing)
     EXPECT_EQ(list().count(), 2);
 }
 
+TEST_F(MachinesViewTest, ListsNothingWhenItIsOpened)
+{
+    show();
+    window.content().setTab(AppTab::run);
+    const qsizetype listings = calls(u"<list><-f><json>"_s);
+    window.content().setTab(AppTab::machines);
+    ASSERT_TRUE(waitUntil([this] { return window.content().findChildren<MachinesView *>().size() == 1; }));
+    EXPECT_EQ(list().count(), 2);
+    EXPECT_TRUE(waitFor(window.machines.refresh()));
+    EXPECT_EQ(calls(u"<list><-f><json>"_s), listings + 1) << "none but this one";
+}
+
 TEST_F(MachinesViewTest, DoesNotOfferCreateForANameOfBlanks)
 {
     show();

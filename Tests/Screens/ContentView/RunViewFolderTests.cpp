@@ -20,6 +20,23 @@ TEST(RunView, SharesAFolderAndGivesItUp)
     EXPECT_FALSE(runScript(window, u"pwd"_s).contains(u"(folder: "_s));
 }
 
+TEST(RunView, KeepsTheFolderWhenTheDialogIsCancelled)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({u"box"_s});
+    const QString folder = window.orbStack.tools().directory(0);
+    shareFolder(content, folder);
+    ASSERT_TRUE(waitUntil([&] { return content.findChild<QFileDialog *>() == nullptr; })) << "the last one is gone";
+    QFileDialog *dialog = openFolderDialog(content);
+    ASSERT_NE(dialog, nullptr);
+    dialog->findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(window.orbStack.tools().directory(1));
+    press(*dialog, u"Cancel"_s);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_TRUE(shows(content, folder));
+    EXPECT_TRUE(shows(content, warning));
+    EXPECT_TRUE(runScript(window, u"pwd"_s).contains(u"\n"_s + folder + u'\n'));
+}
+
 TEST(RunView, AsksForOneFolderInADialogThatBlocksNothing)
 {
     TestWindow window;

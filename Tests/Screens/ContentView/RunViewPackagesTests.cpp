@@ -35,6 +35,53 @@ TEST(RunView, OffersPackagesOnlyForAMachineOfTheUsersOwn)
     EXPECT_FALSE(offered());
 }
 
+TEST(RunView, InstallsPackagesUnderTheTimeLimitThatIsChosen)
+{
+    TestWindow window(true, RunTimeLimits{.script = 0.3});
+    ContentView &content = window.showRunning({u"box"_s});
+    window.orbStack.tools().addTool(u"orb"_s, u"case $1 in -m) exec sleep 0.6;; list) cat '%1';; esac"_s.arg(
+                                                  window.orbStack.tools().path(u"machines"_s)));
+    find<QLineEdit>(content, packagesField)->setText(u"git"_s);
+    const auto noteOfAnInstallation = [&] {
+        const qsizetype runs = window.history.entries().size();
+        press(content, u"Install packages"_s);
+        EXPECT_TRUE(waitUntil([&] { return window.history.entries().size() == runs + 1; }));
+        EXPECT_TRUE(waitUntil([&] { return !window.run.isRunning(); }));
+        return window.history.entries().first().note;
+    };
+    EXPECT_EQ(noteOfAnInstallation(), u"timed out"_s);
+    toggle(content, u"10 minute time limit"_s)->click();
+    EXPECT_EQ(noteOfAnInstallation(), QString());
+    toggle(content, u"10 minute time limit"_s)->click();
+    EXPECT_EQ(noteOfAnInstallation(), u"timed out"_s);
+}
+
+TEST(RunView, InstallsPackagesAsTheSelectedMachinesDistributionDoes)
+{
+    TestWindow window;
+    window.orbStack.setRunning(true);
+    window.orbStack.setMachineList(R"([{"name":"box","state":"running","image":{"distro":"debian"}},
+                                       {"name":"small","state":"running","image":{"distro":"alpine"}}])");
+    ContentView &content = window.show();
+    ASSERT_TRUE(waitUntil([&] { return window.machines.machines().size() == 2; }));
+    TestTools &tools = window.orbStack.tools();
+    tools.addTool(u"orb"_s, u"cd '%1' || exit 1\ncase $1 in -m) cat > input;; list) cat machines;; esac"_s.arg(
+                                tools.path(u"."_s)));
+    find<QLineEdit>(content, packagesField)->setText(u"git"_s);
+    const auto installedIn = [&](int machine) {
+        find<MachinePicker>(content, u"Machine"_s)->setCurrentIndex(machine);
+        press(content, u"Install packages"_s);
+        EXPECT_TRUE(waitUntil([&] { return !window.run.isRunning(); }));
+        QFile input(tools.path(u"input"_s));
+        EXPECT_TRUE(input.open(QIODevice::ReadOnly));
+        return QString::fromUtf8(input.readAll());
+    };
+    EXPECT_TRUE(installedIn(1).endsWith(u"\n$S apk add git\n"_s));
+    EXPECT_EQ(window.orbStack.calls(u"<-m><small><sh><-s>"_s), 1);
+    EXPECT_TRUE(installedIn(0).endsWith(u" apt-get install -y git\n"_s));
+    EXPECT_EQ(window.orbStack.calls(u"<-m><box><bash><-s>"_s), 1);
+}
+
 TEST(RunView, InstallsPackagesAndLeavesTheScriptAlone)
 {
     TestWindow window;

@@ -87,13 +87,16 @@ TEST(RunView, ShowsARunAndStopsIt)
     ContentView &content = window.showRunning({u"box"_s});
     window.run.setScript(u"echo on; exec sleep 60"_s);
     EXPECT_EQ(find<QPushButton>(content, u"Stop"_s, u"Stop the run"_s), nullptr);
+    const auto *spinner = content.findChild<Spinner *>();
+    ASSERT_NE(spinner, nullptr);
+    EXPECT_FALSE(spinner->isVisible());
     find<QAbstractButton>(content, u"Run"_s)->setFocus();
     QTest::keyClick(content.focusWidget(), Qt::Key_Space);
     EXPECT_TRUE(window.run.isRunning());
     EXPECT_EQ(find<QPushButton>(content, u"Run"_s), nullptr);
     EXPECT_TRUE(shows(content, u"Running in box"_s));
     EXPECT_TRUE(shows(content, u"0s"_s));
-    EXPECT_NE(content.findChild<Spinner *>(), nullptr);
+    EXPECT_TRUE(spinner->isVisible());
     EXPECT_TRUE(waitUntil([&] { return shows(content, u"1s"_s); }));
     EXPECT_TRUE(waitUntil([&] { return shows(content, u"2s"_s); }));
     EXPECT_TRUE(waitUntil([&] { return window.run.plainText().contains(u"\non\n"_s); }));
@@ -102,6 +105,7 @@ TEST(RunView, ShowsARunAndStopsIt)
     EXPECT_TRUE(waitUntil([&] { return isOffered(content, u"Run"_s); }));
     EXPECT_EQ(ByName::nameOf(content.focusWidget()), u"Run"_s);
     EXPECT_FALSE(shows(content, u"Running in box"_s));
+    EXPECT_FALSE(spinner->isVisible());
     EXPECT_TRUE(window.run.plainText().endsWith(u"\nStopped by user.\n"_s));
 }
 
