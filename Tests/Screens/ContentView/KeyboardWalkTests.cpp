@@ -1,8 +1,8 @@
 #include "Screens/KeyboardWalk.h"
 
 #include "Look/NoteText.h"
-#include "Screens/ContentView/ContainersViewTest.h"
-#include "Screens/ContentView/RunViewSteps.h"
+#include "Screens/ContentView/Screens/ContainersViewTest.h"
+#include "Screens/ContentView/Screens/Run/RunViewSteps.h"
 
 using KeyboardWalk::expectGoodFor;
 

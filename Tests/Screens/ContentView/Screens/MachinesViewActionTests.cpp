@@ -1,4 +1,4 @@
-#include "Screens/ContentView/MachinesViewTest.h"
+#include "Screens/ContentView/Screens/MachinesViewTest.h"
 
 TEST_F(MachinesViewTest, CreatesTheChosenDistributionUnderTheTrimmedName)
 {

@@ -1,4 +1,4 @@
-#include "Screens/ContentView/RunViewSteps.h"
+#include "Screens/ContentView/Screens/Run/RunViewSteps.h"
 
 TEST(RunView, SharesAFolderAndGivesItUp)
 {

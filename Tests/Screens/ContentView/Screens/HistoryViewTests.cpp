@@ -1,79 +1,12 @@
+#include "Screens/ContentView/Screens/HistoryViewTest.h"
+
 #include "ContentView/Screens/DateText.h"
-#include "ContentView/Screens/HistoryView.h"
-#include "Look/Colours.h"
-#include "Look/NoteText.h"
-#include "Look/PlainLabel.h"
-#include "Look/Rows/RowList.h"
 #include "Screens/PaintWatch.h"
-#include "Screens/TestWindow.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QLabel>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QScrollBar>
-
-using namespace Qt::StringLiterals;
-using ByName::isOffered;
-using ByName::press;
-using ByName::shows;
-
-namespace
-{
-
-const auto noRuns = u"No runs yet."_s;
-
-HistoryEntry entryOf(const QString &command)
-{
-    HistoryEntry entry;
-    entry.id = QUuid::createUuid();
-    entry.command = command;
-    entry.machine = u"box"_s;
-    entry.exitCode = 0;
-    entry.date = QDateTime(QDate(2026, 3, 1), QTime(14, 5, 9), Qt::UTC);
-    entry.duration = 3.2;
-    return entry;
-}
-
-class HistoryViewTest : public testing::Test
-{
-protected:
-    HistoryViewTest()
-    {
-        qunsetenv("LC_ALL");
-        qputenv("LC_TIME", "en_GB.UTF-8");
-        qputenv("TZ", "UTC");
-    }
-
-    HistoryView &show()
-    {
-        window.show().setTab(AppTab::history);
-        return view();
-    }
-
-    HistoryView &view() { return *window.content().findChild<HistoryView *>(); }
-    RowList &list() { return *view().findChild<RowList *>(); }
-
-    QStringList rowTexts(int index)
-    {
-        QStringList texts;
-        for (const PlainLabel *label : list().row(index)->findChildren<PlainLabel *>())
-            texts << label->text();
-        return texts;
-    }
-
-    void addNumbered(int count)
-    {
-        for (int number = 0; number < count; ++number)
-            window.history.add(entryOf(u"echo %1"_s.arg(number)));
-    }
-
-    TestWindow window;
-};
-
-} // namespace
 
 TEST_F(HistoryViewTest, SaysSoWhenThereAreNoRuns)
 {
@@ -144,7 +77,7 @@ TEST_F(HistoryViewTest, DeletesOneEntryAtOnce)
     EXPECT_EQ(rowTexts(0)[0], u"echo 2"_s);
     EXPECT_EQ(rowTexts(1)[0], u"echo 0"_s);
     for (const QString &each : {u"echo 2"_s, u"echo 0"_s}) {
-        ByName::find<QPushButton>(view(), u"Delete"_s, u"Delete "_s + each)->setFocus();
+        find<QPushButton>(view(), u"Delete"_s, u"Delete "_s + each)->setFocus();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
     }
     EXPECT_TRUE(shows(view(), noRuns));
@@ -268,7 +201,7 @@ TEST_F(HistoryViewTest, IsUsableByKeyboardAlone)
     show();
     const auto key = [](Qt::Key which) { QTest::keyClick(QApplication::focusWidget(), which); };
     const auto focused = [] { return ByName::descriptionOf(QApplication::focusWidget()); };
-    ByName::find<QPushButton>(view(), u"Clear all"_s)->setFocus();
+    find<QPushButton>(view(), u"Clear all"_s)->setFocus();
     key(Qt::Key_Tab);
     EXPECT_EQ(focused(), u"Load echo 49"_s);
     key(Qt::Key_Tab);
@@ -297,7 +230,7 @@ TEST_F(HistoryViewTest, LeavesTheKeyboardSomewhereUsefulWhenTheLastEntryGoes)
     ASSERT_NE(QApplication::focusWidget(), nullptr);
     EXPECT_EQ(ByName::nameOf(QApplication::focusWidget()), u"History"_s) << "the tab";
     addNumbered(2);
-    ByName::find<QPushButton>(view(), u"Clear all"_s)->setFocus();
+    find<QPushButton>(view(), u"Clear all"_s)->setFocus();
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
     EXPECT_EQ(ByName::nameOf(QApplication::focusWidget()), u"History"_s);
 }
@@ -333,7 +266,7 @@ TEST_F(HistoryViewTest, LoadsACommandSoThatItCanBeUndone)
     show();
     press(view(), u"Load"_s, u"Load make test"_s);
     EXPECT_EQ(window.run.script(), u"make test"_s);
-    auto *editor = ByName::find<QPlainTextEdit>(window.content(), u"Script"_s);
+    auto *editor = find<QPlainTextEdit>(window.content(), u"Script"_s);
     QTest::keySequence(editor, QKeySequence::Undo);
     EXPECT_EQ(window.run.script(), u"not saved anywhere"_s);
 }

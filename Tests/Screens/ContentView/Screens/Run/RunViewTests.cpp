@@ -1,4 +1,4 @@
-#include "Screens/ContentView/RunViewSteps.h"
+#include "Screens/ContentView/Screens/Run/RunViewSteps.h"
 #include "Unit/Transcript/RandomText.h"
 
 namespace

@@ -1,4 +1,4 @@
-#include "Screens/ContentView/ContainersViewTest.h"
+#include "Screens/ContentView/Screens/ContainersViewTest.h"
 
 TEST_F(ContainersViewTest, PaintsNothingForARefreshThatChangesNothing)
 {
