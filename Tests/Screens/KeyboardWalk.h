@@ -6,6 +6,7 @@
 #include "ContentView/TabSelector.h"
 #include "OutputPane/OutputPane.h"
 #include "Screens/ByName.h"
+#include "Screens/Places.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -78,11 +79,6 @@ inline QList<QWidget *> stops(const QWidget &window, Qt::Key key)
     return visited;
 }
 
-inline QRect placeIn(const QWidget &window, const QWidget *widget)
-{
-    return {widget->mapTo(&window, QPoint()), widget->size()};
-}
-
 /// Whether somebody who reads comes to `first` before `second`: it is above or, in the same line, to the left.
 inline bool isReadBefore(const QRect &first, const QRect &second)
 {
@@ -108,11 +104,11 @@ inline void expectGoodFor(QWidget &window)
     EXPECT_EQ(QSet<QWidget *>(forward.cbegin(), forward.cend()), reachable);
 
     const auto first = std::min_element(forward.begin(), forward.end(), [&](const QWidget *one, const QWidget *other) {
-        return isReadBefore(placeIn(window, one), placeIn(window, other));
+        return isReadBefore(Places::in(window, one), Places::in(window, other));
     });
     std::rotate(forward.begin(), first, forward.end());
     for (qsizetype index = 1; index < forward.size(); ++index) {
-        EXPECT_TRUE(isReadBefore(placeIn(window, forward[index - 1]), placeIn(window, forward[index])))
+        EXPECT_TRUE(isReadBefore(Places::in(window, forward[index - 1]), Places::in(window, forward[index])))
             << textOf(forward[index - 1]) << " before " << textOf(forward[index]);
     }
 

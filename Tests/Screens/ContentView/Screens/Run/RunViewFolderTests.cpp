@@ -1,5 +1,9 @@
 #include "Screens/ContentView/Screens/Run/RunViewSteps.h"
 
+#include <QPointer>
+
+#include <functional>
+
 TEST(RunView, SharesAFolderAndGivesItUp)
 {
     TestWindow window;
@@ -45,6 +49,8 @@ TEST(RunView, AsksForOneFolderInADialogThatBlocksNothing)
     QFileDialog *dialog = openFolderDialog(content);
     ASSERT_NE(dialog, nullptr);
     EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(dialog->windowTitle(), u"Share a folder"_s);
+    EXPECT_EQ(dialog->directory(), QDir::home());
     EXPECT_EQ(dialog->fileMode(), QFileDialog::Directory);
     EXPECT_TRUE(dialog->testOption(QFileDialog::ShowDirsOnly));
     EXPECT_EQ(dialog->labelText(QFileDialog::Accept), u"Share"_s);
@@ -52,6 +58,43 @@ TEST(RunView, AsksForOneFolderInADialogThatBlocksNothing)
     dialog->reject();
     EXPECT_FALSE(shows(content, warning));
     EXPECT_EQ(ByName::nameOf(content.focusWidget()), u"Share a folder…"_s);
+}
+
+TEST(RunView, KeepsTheFolderThatItHasWhenTheDialogIsCancelled)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({u"box"_s});
+    const QString folder = window.orbStack.tools().directory(0);
+    const QString another = window.orbStack.tools().directory(1);
+    shareFolder(content, folder);
+    const auto byButton = [](QFileDialog &dialog) {
+        press(dialog, dialog.labelText(QFileDialog::Reject).remove(u'&'));
+    };
+    const auto byEscape = [](QFileDialog &dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); };
+    const auto byClosing = [](QFileDialog &dialog) { dialog.close(); };
+    for (const std::function<void(QFileDialog &)> &cancel :
+         {std::function(byButton), std::function(byEscape), std::function(byClosing)}) {
+        ASSERT_TRUE(waitUntil([&] { return content.findChild<QFileDialog *>() == nullptr; }));
+        const QPointer<QFileDialog> dialog = openFolderDialog(content);
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->directory(), QDir(folder)) << "it begins where the folder is";
+        dialog->findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(another);
+        cancel(*dialog);
+        EXPECT_TRUE(dialog == nullptr || !dialog->isVisible());
+        EXPECT_TRUE(shows(content, folder));
+        EXPECT_FALSE(shows(content, another));
+        EXPECT_TRUE(shows(content, warning));
+    }
+    EXPECT_TRUE(runScript(window, u"pwd"_s).contains(u"\n"_s + folder + u'\n'));
+}
+
+TEST(RunView, AsksForAFolderOnceHoweverOftenItIsPressed)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    press(content, u"Share a folder…"_s);
+    press(content, u"Share a folder…"_s);
+    EXPECT_EQ(content.findChildren<QFileDialog *>().size(), 1);
 }
 
 TEST(RunView, ShowsAFoldersPathCutInItsMiddleAndUndisguised)

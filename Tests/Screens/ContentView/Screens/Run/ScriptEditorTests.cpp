@@ -159,7 +159,15 @@ TEST(ScriptEditor, IsAtLeast120AndAtMost200High)
     ScriptEditor editor(run);
     EXPECT_EQ(editor.minimumHeight(), 120);
     EXPECT_EQ(editor.maximumHeight(), 200);
+}
+
+TEST(ScriptEditor, WritesInMonospacedTypeOfSize13WithTabsOfFourBlanks)
+{
+    RunController run;
+    const ScriptEditor editor(run);
     EXPECT_EQ(QFontInfo(editor.font()).pixelSize(), 13);
+    EXPECT_TRUE(QFontInfo(editor.font()).fixedPitch());
+    EXPECT_DOUBLE_EQ(editor.tabStopDistance(), 4 * editor.fontMetrics().horizontalAdvance(u' '));
 }
 
 TEST(ScriptEditor, StaysQuickWithFiveMegabytes)
