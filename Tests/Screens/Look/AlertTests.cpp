@@ -1,4 +1,5 @@
 #include "Look/Alert.h"
+#include "Look/Typography.h"
 #include "Screens/ByName.h"
 
 #include <QLabel>
@@ -36,6 +37,36 @@ TEST(Alert, BeginsItsTextsAtItsMargin)
         EXPECT_NEAR(label->mapTo(alert, label->contentsRect().topLeft()).x(), margin, 2);
         EXPECT_EQ(label->indent(), 0);
     }
+}
+
+TEST(Alert, SetsItsTitleAsAHeadlineAndItsMessageAsRunningTextInLinesOfReadableLength)
+{
+    QWidget window;
+    const QMessageBox *alert = openAlert(window, u"Delete box?"_s);
+    const auto *title = ByName::find<QLabel>(*alert, u"Delete box?"_s);
+    const auto *text = ByName::find<QLabel>(*alert, message);
+    ASSERT_TRUE(title != nullptr && text != nullptr);
+    EXPECT_EQ(title->font(), Typography::headline());
+    EXPECT_EQ(text->font(), Typography::body());
+    EXPECT_GE(text->width(), 420);
+    EXPECT_EQ(alert->textFormat(), Qt::PlainText);
+}
+
+TEST(Alert, GivesTheFocusBackWhereItWas)
+{
+    QWidget window;
+    QPushButton before(u"before"_s, &window);
+    QPushButton other(u"other"_s, &window);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    other.setFocus();
+    QMessageBox *alert = Alert::tell(&window, u"So it is."_s, {});
+    ASSERT_TRUE(QTest::qWaitForWindowActive(alert));
+    before.setFocus();
+    ASSERT_EQ(alert->buttons().size(), 1);
+    EXPECT_EQ(alert->buttons().first()->text(), u"OK"_s);
+    QTest::mouseClick(alert->buttons().first(), Qt::LeftButton);
+    EXPECT_EQ(window.focusWidget(), &other);
 }
 
 TEST(Alert, ShowsALongTitleWholeInSeveralLines)

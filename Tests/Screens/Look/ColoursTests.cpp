@@ -85,6 +85,26 @@ TEST(Colours, AreReadableAsTextOnEveryGround)
     }
 }
 
+TEST(Colours, HaveTheHueThatTheyAreCalledInLightAndDark)
+{
+    for (const QPalette &palette : {lightPalette(), darkPalette(), slatePalette()}) {
+        EXPECT_NEAR(Colours::red(palette).hslHue(), 4, 6);
+        EXPECT_NEAR(Colours::orange(palette).hslHue(), 30, 6);
+        EXPECT_NEAR(Colours::green(palette).hslHue(), 134, 10);
+        EXPECT_NEAR(Colours::purple(palette).hslHue(), 275, 10);
+        EXPECT_LT(Colours::contrast(Colours::secondary(palette), palette.color(QPalette::Window)),
+                  0.8 * Colours::contrast(Colours::primary(palette), palette.color(QPalette::Window)))
+            << "dimmed";
+    }
+}
+
+TEST(Colours, MixOneOverAnotherByItsShare)
+{
+    EXPECT_EQ(Colours::mixed(Qt::black, Qt::white, 0.25F).rgb(), QColor::fromRgb(0xbfbfbf).rgb());
+    EXPECT_EQ(Colours::mixed(Qt::red, Qt::blue, 1).rgb(), QColor(Qt::red).rgb());
+    EXPECT_EQ(Colours::pane(QPalette(Qt::white)).rgb(), QColor::fromRgb(0xf0f0f0).rgb()) << "6 % of black";
+}
+
 TEST(Colours, LeaveAThemeItsOwnPlaceholderWhereItCanBeRead)
 {
     QPalette dark = darkPalette();
@@ -108,5 +128,25 @@ TEST(RoundedFrame, IsSharpAtEveryScale)
         RoundedFrame::draw(painter, QRectF(3, 3, 29, 23), 6, outline, ground);
         painter.end();
         EXPECT_EQ(runsAcross(image, outline, ground), runs) << "at scale " << scale;
+    }
+}
+
+TEST(RoundedFrame, RoundsItsCornersBySixPoints)
+{
+    QImage image(40, 30, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    const QColor outline = QColor::fromRgb(0x404040);
+    RoundedFrame::draw(painter, image.rect(), 6, outline, outline);
+    painter.end();
+    // The outline's arc has left the edge by then, and is back at it six points from the corner.
+    for (const int near : {0, 1}) {
+        EXPECT_EQ(image.pixelColor(near, 0), Qt::white);
+        EXPECT_EQ(image.pixelColor(0, near), Qt::white);
+        EXPECT_EQ(image.pixelColor(39 - near, 29), Qt::white);
+    }
+    for (const int far : {7, 15}) {
+        EXPECT_EQ(image.pixelColor(far, 0), outline);
+        EXPECT_EQ(image.pixelColor(39, far), outline);
     }
 }

@@ -39,3 +39,44 @@ TEST(Spinner, SaysThatSomethingGoesOnAndTurnsWhileItIsSeen)
     const QImage first = spinner.grab().toImage();
     EXPECT_TRUE(waitUntil([&] { return spinner.grab().toImage() != first; }));
 }
+
+TEST(IndeterminateProgress, RestsWhileItIsHidden)
+{
+#ifdef Q_OS_MACOS
+    GTEST_SKIP() << "the bar is the system's own";
+#endif
+    class Steps : public QObject
+    {
+    public:
+        explicit Steps(QObject &widget) { widget.installEventFilter(this); }
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            count += event->type() == QEvent::Timer ? 1 : 0;
+            return false;
+        }
+        int count = 0;
+    };
+    Spinner clock;
+    clock.show();
+    IndeterminateBar bar;
+    bar.resize(200, bar.height());
+    Steps ofClock(clock);
+    Steps ofBar(bar);
+    bar.show();
+    EXPECT_TRUE(waitUntil([&] { return ofBar.count >= 3; }));
+    bar.hide();
+    ofBar.count = 0;
+    ofClock.count = 0;
+    EXPECT_TRUE(waitUntil([&] { return ofClock.count >= 3; }));
+    EXPECT_EQ(ofBar.count, 0);
+    bar.show();
+    EXPECT_TRUE(waitUntil([&] { return ofBar.count >= 3; }));
+}
+
+TEST(IndeterminateProgress, IsThinAsABarAndSmallAsAWheel)
+{
+#ifndef Q_OS_MACOS
+    EXPECT_EQ(IndeterminateBar().maximumHeight(), 6);
+#endif
+    EXPECT_EQ(Spinner().size(), QSize(16, 16));
+}

@@ -100,6 +100,30 @@ TEST(LogBox, HasAnEdgeThatIsSeenInTheDark)
     EXPECT_LT(lightness(30), lightness(10));
 }
 
+TEST(LogBox, StandsOnBlackAtSixPercentWithinRoundedCorners)
+{
+    QWidget window;
+    window.resize(400, 200);
+    LogBox box(u"Log"_s, 90, [] { return u"line"_s; }, &window);
+    box.setGeometry(20, 20, 300, 90);
+    window.show();
+    const QImage picture = window.grab().toImage().copy(box.geometry());
+    const QColor around = window.palette().color(QPalette::Window);
+    const QColor ground = picture.pixelColor(150, 80);
+    EXPECT_NEAR(ground.red(), around.red() * 0.94, 1.5);
+    EXPECT_NEAR(ground.blue(), around.blue() * 0.94, 1.5);
+    for (const QPoint corner : {QPoint(0, 0), QPoint(299, 0), QPoint(0, 89), QPoint(299, 89)})
+        EXPECT_EQ(picture.pixelColor(corner), around);
+    EXPECT_EQ(picture.pixelColor(7, 0), ground) << "the corner ends six points from the edge";
+    EXPECT_NE(picture.pixelColor(1, 0), ground);
+}
+
+TEST(LogBox, WritesInMonospacedTypeOfSize11)
+{
+    const LogBox box(u"Log"_s, 90, [] { return u"line"_s; });
+    EXPECT_EQ(box.font(), Typography::monospaced(11));
+}
+
 TEST(LogBox, ShowsATextThatLostItsFront)
 {
     QString text = u"old\n"_s.repeated(100);

@@ -6,11 +6,10 @@
 #include "Look/Rows/StatusDot.h"
 #include "Look/Typography.h"
 #include "Screens/ByName.h"
-#include "Screens/Look/DarkPalette.h"
 #include "Text/VisibleText.h"
 
+#include <QApplication>
 #include <QStyleOptionComboBox>
-#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -24,6 +23,30 @@ TEST(Typography, OrdersItsSizesAsMacOSDoes)
     EXPECT_LE(pixels(Typography::smallestCaption()), pixels(Typography::caption()));
     EXPECT_EQ(pixels(Typography::monospaced(11)), 11);
     EXPECT_TRUE(QFontInfo(Typography::monospaced(13)).fixedPitch());
+}
+
+TEST(Typography, KeepsTheProportionsOfMacOSAtEverySizeAndStaysReadable)
+{
+    const QFont before = QApplication::font();
+    struct Sizes {
+        int body;
+        int callout;
+        int caption;
+    };
+    for (const Sizes &sizes : {Sizes{13, 12, 10}, Sizes{26, 24, 20}, Sizes{11, 10, 10}}) {
+        QFont font = before;
+        font.setPixelSize(sizes.body);
+        QApplication::setFont(font);
+        EXPECT_EQ(Typography::body().pixelSize(), sizes.body);
+        EXPECT_EQ(Typography::headline().pixelSize(), sizes.body);
+        EXPECT_EQ(Typography::callout().pixelSize(), sizes.callout);
+        EXPECT_EQ(Typography::caption().pixelSize(), sizes.caption);
+        EXPECT_EQ(Typography::smallestCaption().pixelSize(), sizes.caption);
+        EXPECT_EQ(Typography::monospaced(12).pixelSize(), 12) << "as large as it was asked for";
+    }
+    QApplication::setFont(before);
+    EXPECT_FALSE(Typography::callout().bold());
+    EXPECT_FALSE(Typography::caption().bold());
 }
 
 TEST(VisibleText, WritesOutWhatHasNoShape)
@@ -75,76 +98,6 @@ TEST(VisibleText, IsCutBetweenCharactersWhereverItIsShown)
     EXPECT_TRUE(note.accessibleName().endsWith(u"🐳…"_s));
 }
 
-TEST(PlainLabel, NeverReadsMarkup)
-{
-    const PlainLabel label(u"<b>bold</b>"_s, Typography::body(), Colours::primary, PlainLabel::Fit::wrap);
-    EXPECT_EQ(label.textFormat(), Qt::PlainText);
-    EXPECT_EQ(ByName::nameOf(&label), u"<b>bold</b>"_s);
-}
-
-TEST(PlainLabel, NeverWidensItsWindow)
-{
-    for (const auto fit : {PlainLabel::Fit::wrap, PlainLabel::Fit::elideEnd, PlainLabel::Fit::elideMiddle}) {
-        for (const QString &text : {QString(1000000, u'x'), u"word "_s.repeated(200000)}) {
-            QWidget window;
-            QVBoxLayout layout(&window);
-            auto *label = new PlainLabel(text, Typography::body(), Colours::primary, fit, &window);
-            layout.addWidget(label);
-            window.resize(300, 200);
-            window.show();
-            EXPECT_EQ(window.width(), 300);
-            EXPECT_LE(label->width(), 300);
-        }
-    }
-}
-
-TEST(PlainLabel, ShowsAShortTextWholeAndALongOneCut)
-{
-    PlainLabel label(u"short"_s, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd);
-    EXPECT_GE(label.sizeHint().width(), label.fontMetrics().horizontalAdvance(u"short"_s));
-    PlainLabel path(u"/first/"_s + QString(5000, u'x') + u"/last"_s, Typography::body(), Colours::primary,
-                    PlainLabel::Fit::elideMiddle);
-    EXPECT_TRUE(path.text().startsWith(u"/first/"_s));
-    EXPECT_TRUE(path.text().endsWith(u"/last"_s));
-    EXPECT_LT(path.text().size(), 1100);
-}
-
-TEST(PlainLabel, FollowsASwitchOfLightAndDark)
-{
-    QWidget window;
-    PlainLabel label(u"x"_s, Typography::body(), Colours::red, PlainLabel::Fit::wrap, &window);
-    EXPECT_EQ(label.palette().color(QPalette::WindowText), Colours::red(window.palette()));
-    window.setPalette(darkPalette());
-    EXPECT_EQ(label.palette().color(QPalette::WindowText), Colours::red(darkPalette()));
-    EXPECT_NE(Colours::red(darkPalette()), Colours::red(QPalette(Qt::white)));
-}
-
-TEST(PlainLabel, AsksForNoMoreHeightThanItsWidthNeeds)
-{
-    QWidget window;
-    QVBoxLayout layout(&window);
-    auto *label = new PlainLabel(u"a caption of some twenty words "_s.repeated(4), Typography::caption(),
-                                 Colours::secondary, PlainLabel::Fit::wrap, &window);
-    layout.addWidget(label);
-    const int line = label->fontMetrics().height();
-    EXPECT_LT(layout.minimumSize().height(), 2 * line + 2 * layout.contentsMargins().top());
-    window.resize(label->fontMetrics().horizontalAdvance(label->text()) / 2, 300);
-    window.show();
-    EXPECT_GE(label->height(), 2 * line);
-}
-
-TEST(PlainLabel, IsDimmedWhileDisabled)
-{
-    QWidget window;
-    QPalette palette = darkPalette();
-    palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor::fromRgb(0x606060));
-    window.setPalette(palette);
-    PlainLabel label(u"Machine"_s, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd, &window);
-    EXPECT_EQ(label.palette().color(QPalette::WindowText), Qt::white);
-    label.setEnabled(false);
-    EXPECT_EQ(label.palette().color(QPalette::WindowText), QColor::fromRgb(0x606060));
-}
-
 TEST(TextField, IsNamedByItsPlaceholder)
 {
     QWidget window;
@@ -172,6 +125,39 @@ TEST(Picker, EndsAChoiceThatDoesNotFitWithAnEllipsis)
     EXPECT_TRUE(option.currentText.endsWith(u'…')) << option.currentText.toStdString();
     EXPECT_LT(option.fontMetrics.horizontalAdvance(option.currentText), picker.width());
     EXPECT_EQ(picker.currentText().size(), 100);
+}
+
+TEST(Button, LeavesReturnToWhatHasTheFocusAndItsLabelRoom)
+{
+    QWidget window;
+    for (const QString &label : {u"OK"_s, u"Install OrbStack with a long label"_s}) {
+        const QPushButton &button = *Controls::button(label, u"what it does"_s, &window);
+        EXPECT_FALSE(button.autoDefault());
+        EXPECT_EQ(ByName::nameOf(&button), label);
+        EXPECT_EQ(ByName::descriptionOf(&button), u"what it does"_s);
+#ifndef Q_OS_MACOS
+        EXPECT_GE(button.minimumWidth(), 80);
+        EXPECT_GE(button.minimumWidth(), button.fontMetrics().horizontalAdvance(label) + 28);
+#endif
+    }
+}
+
+TEST(StatusDot, ShowsEachStateInTheColourThatItIsCalled)
+{
+    const auto middle = [](StatusDot::Colour colour) {
+        StatusDot dot(12);
+        dot.setState(colour, u"state"_s);
+        const QImage picture = dot.grab().toImage();
+        return picture.pixelColor(picture.width() / 2, picture.height() / 2);
+    };
+    EXPECT_LT(middle(StatusDot::Colour::grey).hslSaturationF(), 0.1F);
+    for (const auto &[colour, hue] : {std::pair(StatusDot::Colour::red, 3),
+                                      {StatusDot::Colour::orange, 35},
+                                      {StatusDot::Colour::yellow, 48},
+                                      {StatusDot::Colour::green, 135}}) {
+        EXPECT_NEAR(middle(colour).hslHue(), hue, 5);
+        EXPECT_GT(middle(colour).hslSaturationF(), 0.5F);
+    }
 }
 
 TEST(StatusDot, SaysItsStateInWords)
