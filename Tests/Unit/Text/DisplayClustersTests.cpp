@@ -88,3 +88,21 @@ TEST(DisplayClusters, BoundAPileOfAccents)
     }
     EXPECT_EQ(size, pile.size());
 }
+
+TEST(DisplayClusters, ReadNothingBeyondTheEndOfTheirText)
+{
+    struct Cut {
+        QByteArray whole;
+        qsizetype size;
+        Look look;
+    };
+    for (const Cut &cut : {Cut{"a\u0301", 1, Look::plain}, Cut{"\r\n", 1, Look::symbol},
+                           Cut{"\u4e2d\u0301", 3, Look::glyphs}, Cut{"\u05d0\u05b0", 2, Look::rightToLeft}}) {
+        DisplayClusters clusters(QByteArrayView(cut.whole).first(cut.size));
+        DisplayCluster cluster;
+        ASSERT_TRUE(clusters.next(cluster));
+        EXPECT_EQ(cluster.size, cut.size) << cut.whole.toHex().toStdString();
+        EXPECT_EQ(cluster.look, cut.look) << cut.whole.toHex().toStdString();
+        EXPECT_FALSE(clusters.next(cluster));
+    }
+}
