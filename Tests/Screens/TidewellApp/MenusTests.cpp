@@ -1,70 +1,18 @@
 #include "ContentView/ContentView.h"
 #include "OutputPane/OutputPane.h"
 #include "Screens/TestWindow.h"
+#include "Screens/TidewellApp/MenuActions.h"
 #include "TidewellApp/MainWindow.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
-#include <QMenu>
-#include <QMenuBar>
-#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QTextBrowser>
 
 using namespace Qt::StringLiterals;
-
-namespace
-{
-
-QAction *action(const QMainWindow &window, const QString &menu, const QString &label)
-{
-    for (const QAction *each : window.menuBar()->actions()) {
-        if (each->text().remove(u'&') != menu)
-            continue;
-        for (QAction *inMenu : each->menu()->actions()) {
-            if (inMenu->text().remove(u'&') == label)
-                return inMenu;
-        }
-    }
-    ADD_FAILURE() << "no " << menu.toStdString() << " > " << label.toStdString();
-    return nullptr;
-}
-
-} // namespace
-
-TEST(Menus, StandInTheirUsualOrder)
-{
-    TestWindow tools;
-    const MainWindow window(tools.controllers());
-    QStringList titles;
-    for (const QAction *each : window.menuBar()->actions())
-        titles.append(each->text().remove(u'&'));
-    EXPECT_EQ(titles, QStringList({u"File"_s, u"Edit"_s, u"View"_s, u"Run"_s, u"Window"_s, u"Help"_s}));
-}
-
-TEST(Menus, GiveOnlyAboutAndQuitARoleOfTheirOwnAndLeaveEditToTheSystem)
-{
-    TestWindow tools;
-    const MainWindow window(tools.controllers());
-    for (const QAction *menu : window.menuBar()->actions()) {
-        for (const QAction *each : menu->menu()->actions()) {
-            if (each->isSeparator())
-                continue;
-            const QString label = each->text().remove(u'&');
-            if (label == u"About Tidewell"_s)
-                EXPECT_EQ(each->menuRole(), QAction::AboutRole);
-            else if (label == u"Quit Tidewell"_s)
-                EXPECT_EQ(each->menuRole(), QAction::QuitRole);
-            else if (menu->text() == u"&Edit"_s)
-                EXPECT_EQ(each->menuRole(), QAction::TextHeuristicRole) << label.toStdString();
-            else
-                EXPECT_EQ(each->menuRole(), QAction::NoRole) << label.toStdString();
-        }
-    }
-}
+using MenuActions::action;
 
 TEST(Menus, ChangeTabsByShortcutAndMarkTheSelectedOne)
 {
@@ -143,39 +91,6 @@ TEST(Menus, FindInTheOutputByShortcutFromAnywhereInTheWindow)
     EXPECT_FALSE(find->isEnabled());
 }
 
-TEST(Menus, OpenTheWebsiteAndTheAboutBoxWithoutBlocking)
-{
-    TestWindow tools;
-    MainWindow window(tools.controllers());
-    window.show();
-    QString opened;
-    QObject::connect(&tools.setup, &SetupController::siteRequested, [&opened](const QString &site) { opened = site; });
-    action(window, u"Help"_s, u"OrbStack Website"_s)->trigger();
-    EXPECT_EQ(opened, u"https://orbstack.dev"_s);
-    action(window, u"Help"_s, u"About Tidewell"_s)->trigger();
-    const auto *about = window.findChild<QMessageBox *>();
-    ASSERT_NE(about, nullptr);
-    EXPECT_TRUE(about->isVisible());
-    EXPECT_EQ(about->textFormat(), Qt::PlainText);
-}
-
-TEST(Menus, ShowAboutByItselfWhileTheWindowIsHidden)
-{
-    TestWindow tools;
-    const MainWindow window(tools.controllers());
-    action(window, u"Help"_s, u"About Tidewell"_s)->trigger();
-    QWidget *about = QApplication::activeModalWidget();
-    ASSERT_TRUE(waitUntil([&about] {
-        for (QWidget *each : QApplication::topLevelWidgets()) {
-            if (qobject_cast<QMessageBox *>(each) != nullptr && each->isVisible())
-                about = each;
-        }
-        return about != nullptr;
-    }));
-    EXPECT_EQ(about->parentWidget(), nullptr);
-    about->close();
-}
-
 TEST(Menus, OfferTheRunScreensActionsExactlyWhileTheirButtonsAreThere)
 {
     TestWindow tools;
@@ -239,36 +154,6 @@ TEST(Menus, RefreshAsksTheToolsAnew)
     tools.orbStack.setRunning(true);
     action(window, u"View"_s, u"Refresh"_s)->trigger();
     EXPECT_TRUE(waitUntil([&] { return tools.setup.state() == OrbState::running; }));
-}
-
-TEST(Menus, HelpShowsTheReadmeInAWindowOfItsOwn)
-{
-    TestWindow tools;
-    MainWindow window(tools.controllers());
-    window.show();
-    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
-    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
-    const auto pages = window.findChildren<QTextBrowser *>();
-    ASSERT_EQ(pages.size(), 1) << "a second request brings the first window forward";
-    EXPECT_TRUE(pages.first()->isVisible());
-    EXPECT_TRUE(pages.first()->toPlainText().contains(u"Try shell scripts in real Linux machines"_s));
-}
-
-TEST(Menus, DoNotMinimizeOrZoomAHiddenWindow)
-{
-    TestWindow tools;
-    MainWindow window(tools.controllers());
-    window.show();
-    const QAction *minimize = action(window, u"Window"_s, u"Minimize"_s);
-    const QAction *zoom = action(window, u"Window"_s, u"Zoom"_s);
-    auto *menu = qobject_cast<QMenu *>(minimize->associatedObjects().first());
-    ASSERT_NE(menu, nullptr);
-    for (const bool isShown : {true, false, true}) {
-        window.setVisible(isShown);
-        Q_EMIT menu->aboutToShow();
-        EXPECT_EQ(minimize->isEnabled(), isShown);
-        EXPECT_EQ(zoom->isEnabled(), isShown);
-    }
 }
 
 TEST(Menus, CloseTheWindowInFront)

@@ -53,6 +53,8 @@ protected:
         auto *dialog = window.findChild<QFileDialog *>();
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptSave);
+        EXPECT_EQ(dialog->windowTitle(), u"Save Output"_s);
+        EXPECT_EQ(dialog->defaultSuffix(), u"txt"_s);
         Q_EMIT dialog->fileSelected(to);
         delete dialog;
     }
@@ -131,6 +133,7 @@ TEST_F(OutputSavingTest, TellsHowFarItHasCome)
     begin(path);
     ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr; }));
     EXPECT_EQ(sheet()->windowTitle(), u"Saving “output.txt”…"_s);
+    EXPECT_EQ(sheet()->width(), 420);
     auto *bar = ByName::find<QProgressBar>(*sheet(), u"Saving “output.txt”…"_s);
     ASSERT_NE(bar, nullptr);
     EXPECT_EQ(bar->value(), bar->minimum());

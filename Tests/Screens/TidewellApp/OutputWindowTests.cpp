@@ -1,12 +1,16 @@
 #include "TidewellApp/OutputWindow.h"
 
+#include "Look/PlainLabel.h"
+#include "Look/Typography.h"
 #include "OutputPane/OutputPane.h"
 #include "Screens/KeyboardWalk.h"
+#include "Screens/Places.h"
 #include "Screens/TestWindow.h"
 #include "TidewellApp/MainWindow.h"
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QPushButton>
 #include <QScrollBar>
 
 using namespace Qt::StringLiterals;
@@ -181,4 +185,25 @@ TEST_F(OutputWindowTest, StandsByItselfButEndsWithTheMainWindow)
         EXPECT_EQ(all().size(), 2);
     }
     EXPECT_EQ(all(), QList<OutputWindow *>{const_cast<OutputWindow *>(&output)});
+}
+
+TEST_F(OutputWindowTest, MovesNothingWhenJumpToEndComesAndGoes)
+{
+    OutputWindow &output = show();
+    OutputPane &shown = pane(output);
+    appendAndShow(shown, 200);
+    const auto *title = ByName::find<PlainLabel>(output, u"Output"_s);
+    EXPECT_EQ(title->font(), Typography::headline());
+    EXPECT_EQ(Places::in(output, title).left(), 12);
+    const QRect before = Places::in(output, &shown);
+    EXPECT_EQ(before.left(), 12);
+    EXPECT_EQ(before.bottomRight(), output.rect().bottomRight() - QPoint(12, 12));
+    EXPECT_FALSE(ByName::shows(output, u"Jump to End"_s));
+    shown.scrollTo(shown.text().begin());
+    const auto *jump = ByName::find<QPushButton>(output, u"Jump to End"_s);
+    ASSERT_NE(jump, nullptr);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Places::in(output, &shown), before);
+    EXPECT_EQ(Places::in(output, jump).right(), output.width() - 12 - 1);
+    EXPECT_EQ(Places::gapsBelow(output, {{title, jump}, {&shown}}), QList<int>{6});
 }

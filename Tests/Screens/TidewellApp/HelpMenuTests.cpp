@@ -1,0 +1,62 @@
+#include "Screens/TestWindow.h"
+#include "Screens/TidewellApp/MenuActions.h"
+#include "TidewellApp/MainWindow.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QTextBrowser>
+
+using namespace Qt::StringLiterals;
+using MenuActions::action;
+
+TEST(Menus, OpenTheWebsiteAndTheAboutBoxWithoutBlocking)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    QString opened;
+    QObject::connect(&tools.setup, &SetupController::siteRequested, [&opened](const QString &site) { opened = site; });
+    action(window, u"Help"_s, u"OrbStack Website"_s)->trigger();
+    EXPECT_EQ(opened, u"https://orbstack.dev"_s);
+    action(window, u"Help"_s, u"About Tidewell"_s)->trigger();
+    const auto *about = window.findChild<QMessageBox *>();
+    ASSERT_NE(about, nullptr);
+    EXPECT_TRUE(about->isVisible());
+    EXPECT_EQ(about->textFormat(), Qt::PlainText);
+    EXPECT_EQ(about->text(), u"Tidewell "_s + QCoreApplication::applicationVersion());
+    EXPECT_EQ(about->informativeText(), u"Try shell scripts in real Linux machines instead of on your Mac."_s);
+}
+
+TEST(Menus, ShowAboutByItselfWhileTheWindowIsHidden)
+{
+    TestWindow tools;
+    const MainWindow window(tools.controllers());
+    action(window, u"Help"_s, u"About Tidewell"_s)->trigger();
+    QWidget *about = QApplication::activeModalWidget();
+    ASSERT_TRUE(waitUntil([&about] {
+        for (QWidget *each : QApplication::topLevelWidgets()) {
+            if (qobject_cast<QMessageBox *>(each) != nullptr && each->isVisible())
+                about = each;
+        }
+        return about != nullptr;
+    }));
+    EXPECT_EQ(about->parentWidget(), nullptr);
+    about->close();
+}
+
+TEST(Menus, HelpShowsTheReadmeInAWindowOfItsOwn)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+    const auto pages = window.findChildren<QTextBrowser *>();
+    ASSERT_EQ(pages.size(), 1) << "a second request brings the first window forward";
+    EXPECT_TRUE(pages.first()->isVisible());
+    EXPECT_EQ(pages.first()->windowTitle(), u"Tidewell Help"_s);
+    EXPECT_EQ(pages.first()->size(), QSize(680, 720));
+    EXPECT_TRUE(pages.first()->openExternalLinks());
+    EXPECT_FALSE(pages.first()->toPlainText().contains(QChar::ObjectReplacementCharacter)) << "no picture is missing";
+    EXPECT_TRUE(pages.first()->toPlainText().contains(u"Try shell scripts in real Linux machines"_s));
+}
