@@ -110,6 +110,11 @@ QString VisibleText::elidedMiddle(const QString &text, qsizetype longest)
     return text.size() > longest ? beginningOf(text, longest / 2) + u'…' + endOf(text, longest / 2) : text;
 }
 
+QString VisibleText::windowTitle(const QString &text)
+{
+    return QString(text).replace("[*]"_L1, "[*][*]"_L1);
+}
+
 QString VisibleText::toolTip(const QString &text)
 {
     if (text.isEmpty())

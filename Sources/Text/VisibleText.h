@@ -18,6 +18,9 @@ QString elidedEnd(const QString &text, qsizetype longest);
 /// The same with as much of its end as of its beginning around the ellipsis.
 QString elidedMiddle(const QString &text, qsizetype longest);
 
+/// The text for a window's title, in which the toolkit takes "[*]" for the place of a mark of its own.
+QString windowTitle(const QString &text);
+
 /// The text as a tool tip shows it: never read as markup, at most about a thousand characters.
 QString toolTip(const QString &text);
 

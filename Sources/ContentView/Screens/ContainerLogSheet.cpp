@@ -6,6 +6,7 @@
 #include "Look/LogBox.h"
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
+#include "Text/VisibleText.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -41,5 +42,5 @@ void ContainerLogSheet::showFields()
 {
     const QString title = u"Logs: "_s + m_containers.logTitle();
     m_title->setText(title);
-    setWindowTitle(m_title->text());
+    setWindowTitle(VisibleText::windowTitle(m_title->text()));
 }

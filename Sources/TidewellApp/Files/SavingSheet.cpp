@@ -4,6 +4,7 @@
 #include "Look/Controls.h"
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
+#include "Text/VisibleText.h"
 
 #include <QHBoxLayout>
 #include <QProgressBar>
@@ -29,7 +30,7 @@ SavingSheet::SavingSheet(const QString &name, QWidget *parent)
     setFixedWidth(420);
     auto *title = new PlainLabel(u"Saving "_s + name + u'…', Typography::headline(), Colours::primary,
                                  PlainLabel::Fit::elideMiddle, this);
-    setWindowTitle(title->text());
+    setWindowTitle(VisibleText::windowTitle(title->text()));
     m_bar->setRange(0, steps);
     m_bar->setTextVisible(false);
     m_bar->setAccessibleName(title->text());
