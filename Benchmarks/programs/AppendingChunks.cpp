@@ -3,10 +3,10 @@
 //
 // AppendingChunks [MEBIBYTES] [ROUNDS]
 
-#include "Figures.h"
-#include "Measuring.h"
 #include "OutputPane/OutputPane.h"
 #include "RunController/RunController.h"
+#include "shared/Figures.h"
+#include "shared/Measuring.h"
 
 #include <QApplication>
 

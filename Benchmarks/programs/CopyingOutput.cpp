@@ -2,12 +2,12 @@
 //
 // CopyingOutput FILE [ROUNDS]
 
-#include "Figures.h"
-#include "FrameWatch.h"
-#include "Measuring.h"
-#include "OutputArguments.h"
-#include "RealWindow.h"
 #include "Support/ProcessMemory.h"
+#include "shared/Figures.h"
+#include "shared/FrameWatch.h"
+#include "shared/Measuring.h"
+#include "shared/OutputArguments.h"
+#include "shared/RealWindow.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,11 +3,11 @@
 //
 // DrainingOutput [MiB] [ROUNDS]
 
-#include "Figures.h"
-#include "Measuring.h"
 #include "OrbCLI/OrbCLI.h"
 #include "Text/Utf8Repair.h"
 #include "Transcript/Transcript.h"
+#include "shared/Figures.h"
+#include "shared/Measuring.h"
 
 #include <QCoreApplication>
 

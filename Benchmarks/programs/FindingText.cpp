@@ -3,13 +3,13 @@
 //
 // FindingText FILE [ROUNDS] looks for what stands once in the file, at its start: its first eight characters.
 
-#include "Figures.h"
 #include "Find/FindBar.h"
 #include "Find/FindablePane.h"
-#include "FrameWatch.h"
-#include "Measuring.h"
-#include "OutputArguments.h"
-#include "RealWindow.h"
+#include "shared/Figures.h"
+#include "shared/FrameWatch.h"
+#include "shared/Measuring.h"
+#include "shared/OutputArguments.h"
+#include "shared/RealWindow.h"
 
 #include <QFile>
 #include <QLineEdit>

@@ -4,9 +4,9 @@
 //
 // Idling [SECONDS]
 
-#include "Figures.h"
-#include "Measuring.h"
-#include "StartedProgram.h"
+#include "shared/Figures.h"
+#include "shared/Measuring.h"
+#include "shared/StartedProgram.h"
 
 #include <filesystem>
 #include <fstream>

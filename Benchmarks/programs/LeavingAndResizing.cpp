@@ -4,12 +4,12 @@
 // LeavingAndResizing FILE [ROUNDS]
 
 #include "ContentView/Screens/HistoryView.h"
-#include "Figures.h"
-#include "FrameWatch.h"
 #include "Look/Typography.h"
-#include "Measuring.h"
-#include "OutputArguments.h"
-#include "RealWindow.h"
+#include "shared/Figures.h"
+#include "shared/FrameWatch.h"
+#include "shared/Measuring.h"
+#include "shared/OutputArguments.h"
+#include "shared/RealWindow.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,12 +3,12 @@
 // ReadingLogs [MEBIBYTES] [MEBIBYTES OF A LINE]
 
 #include "ContentView/Screens/ContainerLogSheet.h"
-#include "Figures.h"
-#include "FrameWatch.h"
-#include "Heartbeat.h"
 #include "Look/LogBox.h"
-#include "Measuring.h"
-#include "RealWindow.h"
+#include "shared/Figures.h"
+#include "shared/FrameWatch.h"
+#include "shared/Heartbeat.h"
+#include "shared/Measuring.h"
+#include "shared/RealWindow.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,12 +3,12 @@
 //
 // ReadingMeanwhile [SECONDS]
 
-#include "Figures.h"
-#include "FrameWatch.h"
-#include "Heartbeat.h"
-#include "Measuring.h"
-#include "RealWindow.h"
 #include "TidewellApp/OutputWindow.h"
+#include "shared/Figures.h"
+#include "shared/FrameWatch.h"
+#include "shared/Heartbeat.h"
+#include "shared/Measuring.h"
+#include "shared/RealWindow.h"
 
 #include <QScrollBar>
 

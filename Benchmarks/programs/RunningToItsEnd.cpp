@@ -3,13 +3,13 @@
 //
 // RunningToItsEnd MEBIBYTES SCRIPT
 
-#include "Figures.h"
-#include "FrameWatch.h"
-#include "Heartbeat.h"
-#include "JumpingAbout.h"
-#include "Measuring.h"
-#include "RealWindow.h"
 #include "TidewellApp/OutputWindow.h"
+#include "shared/Figures.h"
+#include "shared/FrameWatch.h"
+#include "shared/Heartbeat.h"
+#include "shared/JumpingAbout.h"
+#include "shared/Measuring.h"
+#include "shared/RealWindow.h"
 
 #include <random>
 

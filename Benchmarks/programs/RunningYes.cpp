@@ -3,12 +3,12 @@
 //
 // RunningYes [SECONDS] [SCRIPT]
 
-#include "Figures.h"
-#include "FrameWatch.h"
-#include "Heartbeat.h"
-#include "JumpingAbout.h"
-#include "Measuring.h"
-#include "RealWindow.h"
+#include "shared/Figures.h"
+#include "shared/FrameWatch.h"
+#include "shared/Heartbeat.h"
+#include "shared/JumpingAbout.h"
+#include "shared/Measuring.h"
+#include "shared/RealWindow.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,12 +3,12 @@
 //
 // SavingOutput FILE [ROUNDS]: the file in ASCII, because a longer character that two reads part is not saved as it was.
 
-#include "Figures.h"
-#include "FrameWatch.h"
-#include "Heartbeat.h"
-#include "Measuring.h"
-#include "OutputArguments.h"
-#include "RealWindow.h"
+#include "shared/Figures.h"
+#include "shared/FrameWatch.h"
+#include "shared/Heartbeat.h"
+#include "shared/Measuring.h"
+#include "shared/OutputArguments.h"
+#include "shared/RealWindow.h"
 
 #include <QFileDialog>
 #include <QTemporaryDir>

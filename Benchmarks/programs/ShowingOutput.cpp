@@ -3,9 +3,9 @@
 //
 // ShowingOutput [--alternating | --line-by-line] FILE
 
-#include "OutputArguments.h"
-#include "OutputMeasurement.h"
-#include "RealWindow.h"
+#include "shared/OutputArguments.h"
+#include "shared/OutputMeasurement.h"
+#include "shared/RealWindow.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,9 +3,9 @@
 //
 // Starting [ROUNDS]
 
-#include "Figures.h"
-#include "Measuring.h"
-#include "StartedProgram.h"
+#include "shared/Figures.h"
+#include "shared/Measuring.h"
+#include "shared/StartedProgram.h"
 
 #include <xcb/xcb.h>
 

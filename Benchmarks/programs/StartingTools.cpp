@@ -3,9 +3,9 @@
 //
 // StartingTools [ROUNDS]
 
-#include "Figures.h"
-#include "Measuring.h"
 #include "OrbCLI/OrbCLI.h"
+#include "shared/Figures.h"
+#include "shared/Measuring.h"
 
 #include <QCoreApplication>
 

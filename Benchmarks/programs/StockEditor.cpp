@@ -4,8 +4,8 @@
 // StockEditor [--alternating | --line-by-line] FILE
 
 #include "OrbCLI/OrbCLI.h"
-#include "OutputArguments.h"
-#include "OutputMeasurement.h"
+#include "shared/OutputArguments.h"
+#include "shared/OutputMeasurement.h"
 
 #include <QFontDatabase>
 #include <QPlainTextEdit>

@@ -3,10 +3,10 @@
 //
 // TurningWhileFlooded [SECONDS] [WRITE SIZE]
 
-#include "Figures.h"
-#include "Measuring.h"
 #include "OrbCLI/OrbCLI.h"
 #include "Transcript/Transcript.h"
+#include "shared/Figures.h"
+#include "shared/Measuring.h"
 
 #include <QCoreApplication>
 #include <QTimer>

@@ -5,15 +5,15 @@
 
 #include "ContainerStore/ContainerStore.h"
 #include "ContentView/Screens/ContainersView.h"
-#include "Figures.h"
 #include "HistoryStore/HistoryStore.h"
 #include "Look/Rows/RowList.h"
 #include "MachineStore/MachineStore.h"
-#include "Measuring.h"
 #include "RunController/RunController.h"
 #include "Screens/PaintWatch.h"
 #include "SetupController/SetupController.h"
 #include "Support/TestTools.h"
+#include "shared/Figures.h"
+#include "shared/Measuring.h"
 
 #include <QApplication>
 #include <QFile>

@@ -3,8 +3,8 @@
 //
 // WritingLines FILE
 
-#include "Figures.h"
-#include "Measuring.h"
+#include "shared/Figures.h"
+#include "shared/Measuring.h"
 
 #include <fcntl.h>
 #include <poll.h>
