@@ -26,8 +26,9 @@ protected:
     /// From now on `orb list` waits for the file "listed".
     void holdLists()
     {
-        tools().addTool(u"orb"_s, u"[ $1 != list ] || { %1 echo '[]'; exit; }\n"_s.arg(tools().waitForFile(u"listed"_s)) +
-                                      u"cat '%1'"_s.arg(tools().path(u"state"_s)));
+        tools().addTool(u"orb"_s,
+                        u"[ $1 != list ] || { %1 echo '[]'; exit; }\n"_s.arg(tools().waitForFile(u"listed"_s)) +
+                            u"cat '%1'"_s.arg(tools().path(u"state"_s)));
     }
 
     /// Whoever wanted to list containers has done so: a later call has come back.
