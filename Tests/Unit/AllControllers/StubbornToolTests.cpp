@@ -77,6 +77,11 @@ TEST(StubbornTools, AreLeftBehindByPollingAndAwaitedByAnOperation)
     EXPECT_EQ(polled.names(false), none);
     EXPECT_EQ(polled.names(true).size(), 4U);
     EXPECT_EQ(asked.names(true), none) << "though they were asked to terminate before the last of the others";
+    const std::size_t pollingCalls = 6; // two for each of the lists in two forms
+    qsizetype calls = 0;
+    for (const QString &tool : {u"orb"_s, u"docker"_s, u"brew"_s})
+        calls += tools.calls(tool).size();
+    EXPECT_EQ(static_cast<std::size_t>(calls), asked.names(false).size() + pollingCalls) << "none went on to its next";
     tools.addFile(u"go"_s);
     EXPECT_TRUE(waitUntil([&] { return asked.names(false).empty(); }));
     EXPECT_EQ(asked.names(false), none);
