@@ -1,7 +1,7 @@
 // Texts from outside that try to be more than texts, in every place where one arrives.
 
 #include "Screens/AllScreens/HostileScreens.h"
-#include "Screens/ContentView/RunViewSteps.h"
+#include "Screens/ContentView/Screens/Run/RunViewSteps.h"
 #include "TidewellApp/Files/FileDialogs.h"
 #include "TidewellApp/Files/SavingSheet.h"
 #include "TidewellApp/Quitting/Quitting.h"
