@@ -1,15 +1,11 @@
 // One table: every operation of every controller, with the first, the second, the last of its calls failing in every
 // way. Each time it tells what it has to, leaves no child behind, and works the next time.
 
+#include "Support/ProcessLevels.h"
 #include "Support/Waiting.h"
 #include "Unit/AllControllers/Operations.h"
 
 #include <gtest/gtest.h>
-
-#include <fcntl.h>
-#include <sys/wait.h>
-
-#include <cerrno>
 
 using namespace Qt::StringLiterals;
 
@@ -19,20 +15,6 @@ namespace
 /// Seconds. Only a tool that hangs is waited for so long; one that works has to be quicker, also on a busy computer.
 constexpr double shortLimit = 0.5;
 constexpr double farLimit = 60;
-
-bool hasNoChild()
-{
-    siginfo_t information = {};
-    return ::waitid(P_ALL, 0, &information, WEXITED | WNOHANG | WNOWAIT) != 0 && errno == ECHILD;
-}
-
-int openDescriptors()
-{
-    int count = 0;
-    for (int number = 0; number < 256; ++number)
-        count += ::fcntl(number, F_GETFD) >= 0 ? 1 : 0;
-    return count;
-}
 
 class FaultSweep : public testing::TestWithParam<Fault>
 {
@@ -72,7 +54,7 @@ TEST_P(FaultSweep, EveryOperationTellsItLeavesNoChildAndWorksTheNextTime)
 {
     const Fault &fault = GetParam();
     const double limit = fault.hangs ? shortLimit : farLimit;
-    int descriptors = 0;
+    long descriptors = 0;
     for (const Operation &operation : allOperations()) {
         for (int number = 1; number <= operation.calls; ++number) {
             SCOPED_TRACE(testing::Message() << operation.name << ", call " << number);
@@ -80,12 +62,12 @@ TEST_P(FaultSweep, EveryOperationTellsItLeavesNoChildAndWorksTheNextTime)
             prepare(all);
             tools.failAt(number, fault, operation.before);
             EXPECT_EQ(told(operation, all).toStdString(), expected(operation, number, fault).toStdString());
-            EXPECT_TRUE(waitUntil(hasNoChild));
+            EXPECT_TRUE(waitUntil(ProcessLevels::hasNoChild));
             tools.workAgain(operation.before);
             EXPECT_EQ(told(operation, all).toStdString(), expected(operation, 0, {}).toStdString());
-            EXPECT_TRUE(waitUntil(hasNoChild));
-            descriptors = descriptors == 0 ? openDescriptors() : descriptors;
-            EXPECT_EQ(openDescriptors(), descriptors);
+            EXPECT_TRUE(waitUntil(ProcessLevels::hasNoChild));
+            descriptors = descriptors == 0 ? ProcessLevels::descriptors() : descriptors;
+            EXPECT_EQ(ProcessLevels::descriptors(), descriptors);
         }
     }
 }
