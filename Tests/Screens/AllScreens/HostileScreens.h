@@ -1,7 +1,7 @@
 #pragma once
 
-// The main window over tools that print one text wherever they can, with this text in every place where a user's own may
-// stand; and what a walk through all of it finds.
+// The main window over tools that print one text wherever they can, with this text in every place where a user's own
+// may stand; and what a walk through all of it finds.
 
 #include "ContentView/ContentView.h"
 #include "Screens/AllScreens/Bait.h"
@@ -38,7 +38,9 @@ inline QList<HostileText> allHostileTexts()
         {"marks that turn the direction", u"\u202ehostile\u2066exe.gpj\u2069\u202c"_s},
         {"a NUL and codes for a terminal", u"hostile\u0000end\u001b[2J\u0007\u009b31m"_s},
         {"a word of 100,000 letters", u"hostile"_s + u"W"_s.repeated(100'000)},
-        {"half a character", u"hostile"_s + half + u"end"_s, "hostilea\xed\xa0\xbd" "end"},
+        {"half a character", u"hostile"_s + half + u"end"_s,
+         "hostilea\xed\xa0\xbd"
+         "end"},
     };
 }
 
@@ -58,27 +60,26 @@ public:
         orbStack.setMachineList("[{\"name\":" + json + ",\"state\":" + json + ",\"image\":{\"distro\":" + json +
                                 ",\"version\":" + json + "}}]");
         files().addFile(u"containers"_s, "{\"ID\":" + json + ",\"Names\":" + json + ",\"Image\":" + json +
-                                                     ",\"State\":" + json + ",\"Status\":" + json +
-                                                     ",\"Ports\":" + json + "}\n");
+                                             ",\"State\":" + json + ",\"Status\":" + json + ",\"Ports\":" + json +
+                                             "}\n");
         // What is asked of a machine or a container waits while there is a file "hold", and then fails with the text.
         const QString tool = u"cd '%1' || exit 1\n"
                              "tell() { cat text; cat text >&2; exit 1; }\n"
                              "linger() { while [ -e hold ]; do sleep 0.01; done; }\n"
                              "fail() { [ ! -e fail ] || tell; }\n"_s.arg(files().path(u"."_s));
         files().addTool(u"orb"_s, tool + u"case \"$1 $2\" in\n"
-                                                 "'status '*) cat state ;;\n"
-                                                 "'start ') cat text; linger ;;\n"
-                                                 "list*) fail; [ \"$2\" = -f ] && cat machines ;;\n"
-                                                 "-m*) cat text; cat text >&2; linger ;;\n"
-                                                 "*) linger; tell ;;\n"
-                                                 "esac\n"_s);
+                                         "'status '*) cat state ;;\n"
+                                         "'start ') cat text; linger ;;\n"
+                                         "list*) fail; [ \"$2\" = -f ] && cat machines ;;\n"
+                                         "-m*) cat text; cat text >&2; linger ;;\n"
+                                         "*) linger; tell ;;\n"
+                                         "esac\n"_s);
         files().addTool(u"docker"_s, tool + u"[ \"$1\" != ps ] || { fail; exec cat containers; }; linger; tell\n"_s);
         m_below.run.setScript(m_text);
         m_window.show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&m_window));
-        EXPECT_TRUE(waitUntil([this] {
-            return m_below.machines.machines().size() == 1 && m_below.containers.containers().size() == 1;
-        }));
+        EXPECT_TRUE(waitUntil(
+            [this] { return m_below.machines.machines().size() == 1 && m_below.containers.containers().size() == 1; }));
         m_size = m_window.size();
     }
 

@@ -74,9 +74,8 @@ TEST(HostileTexts, AreShownAsTheyAreOnTheRunScreen)
                   &screens.below().history);
         // The machine and the folder, and what is printed to both streams.
         const TextView &record = run.transcript().record();
-        ASSERT_TRUE(waitUntil([&] {
-            return !run.isRunning() || record.text(record.begin(), record.end()).count(TextWalk::mark) == 4;
-        }));
+        ASSERT_TRUE(waitUntil(
+            [&] { return !run.isRunning() || record.text(record.begin(), record.end()).count(TextWalk::mark) == 4; }));
         EXPECT_EQ(run.isRunning(), !screens.hasNul());
         if (run.isRunning())
             screens.expectAsItIs({u"PlainLabel"_s, u"OutputPane"_s});

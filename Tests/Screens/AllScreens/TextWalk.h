@@ -1,8 +1,8 @@
 #pragma once
 
-// A walk over every widget that can be seen. What a widget shows, says to assistive technology or tells in a tool tip of
-// a text from outside has to be that text, letter by letter: nothing of it read as markup, as a mnemonic or as a mark of
-// the toolkit's own; and no widget may stand out of its window because of it.
+// A walk over every widget that can be seen. What a widget shows, says to assistive technology or tells in a tool tip
+// of a text from outside has to be that text, letter by letter: nothing of it read as markup, as a mnemonic or as a
+// mark of the toolkit's own; and no widget may stand out of its window because of it.
 
 #include "Screens/ByName.h"
 #include "Text/VisibleText.h"
@@ -41,7 +41,8 @@ inline QString comparable(const QString &text)
     return result;
 }
 
-/// Whether the beginning of `text` stands in `shown`, as it is or as it is written in one line. No place cuts it sooner.
+/// Whether the beginning of `text` stands in `shown`, as it is or as it is written in one line. No place cuts it
+/// sooner.
 inline bool holds(const QString &shown, const QString &text)
 {
     const QString beginning = text.left(80);
