@@ -144,7 +144,7 @@ bool OutputPaneMouse::turnWheel(const QWheelEvent &event)
         m_view.scrollBy(-fine);
     } else {
         // A finely notched wheel turns by less than a pixel at a time: the rest waits for the next turn.
-        m_wheelRest += turned * QApplication::wheelScrollLines() * m_view.rowHeight();
+        m_wheelRest += qint64{turned} * QApplication::wheelScrollLines() * m_view.rowHeight();
         m_view.scrollBy(-(m_wheelRest / wheelNotch));
         m_wheelRest %= wheelNotch;
     }

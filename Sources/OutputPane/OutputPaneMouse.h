@@ -64,5 +64,5 @@ private:
     QElapsedTimer m_sinceDoubleClick;
     QPoint m_doubleClickPoint;
     /// What the wheel turned and was not yet scrolled, in parts of a notch of a pixel.
-    int m_wheelRest = 0;
+    qint64 m_wheelRest = 0;
 };
