@@ -197,7 +197,7 @@ TEST_F(MachineStoreTest, IgnoresEveryRequestWhileBusyAndStillRefreshes)
 
 TEST_F(MachineStoreTest, WritesTheLogThenIsFreeThenRefreshes)
 {
-    const auto orderOf = [this](const std::function<void(MachineStore &)> &begin) {
+    const auto orderOf = [](const std::function<void(MachineStore &)> &begin) {
         MachineStore fresh;
         QStringList order;
         QObject::connect(&fresh, &MachineStore::logChanged, &fresh, [&] { order << u"log: "_s + fresh.log(); });
