@@ -179,12 +179,6 @@ void BlockStore::unpin(Number number)
         wake(lock);
 }
 
-BlockStore::Loss BlockStore::loss() const
-{
-    const std::lock_guard guard(m_lock);
-    return m_loss;
-}
-
 void BlockStore::wake(Lock &lock)
 {
     if (m_isStopped)
@@ -293,8 +287,10 @@ bool BlockStore::giveBack(Lock &lock)
     lock.unlock();
     const bool isMany = unused.size() > TextBlock::mostFree;
     PackedBlocks::giveBack(std::move(unused));
-    if (isMany)
+    if (isMany) {
         m_pool->clear();
+        m_packed.giveBackKept();
+    }
     lock.lock();
     return true;
 }

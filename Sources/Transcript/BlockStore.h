@@ -81,7 +81,11 @@ public:
     void pin(Number number);
     void unpin(Number number);
 
-    Loss loss() const;
+    Loss loss() const
+    {
+        const std::lock_guard guard(m_lock);
+        return m_loss;
+    }
 
 private:
     struct Entry {

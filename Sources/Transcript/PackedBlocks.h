@@ -33,6 +33,9 @@ public:
 
     static constexpr std::int64_t slabSize = std::int64_t{1024} * 1024;
 
+    /// Gives back to the system what is kept to be filled again. Any thread, without the lock.
+    void giveBackKept() const { m_pool->clear(); }
+
     /// Where the bytes at a place are: in memory or in the file, as long as this lives; else they are missing.
     struct Location {
         std::shared_ptr<const PageMemory> memory;
@@ -111,7 +114,7 @@ private:
     void letGo(Slab &slab, Unused &unused);
     void closeEmptyFile(Unused &unused);
 
-    std::shared_ptr<PagePool<SlabMemory>> m_pool = std::make_shared<PagePool<SlabMemory>>(mostFree);
+    const std::shared_ptr<PagePool<SlabMemory>> m_pool = std::make_shared<PagePool<SlabMemory>>(mostFree);
     std::deque<Slab> m_slabs;
     std::int64_t m_firstSlab = 0;
     std::int64_t m_memory = 0;
