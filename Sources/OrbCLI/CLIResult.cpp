@@ -18,7 +18,7 @@ std::optional<QString> CLIResult::failure(const QString &command) const
     if (timedOut)
         return command + u" timed out. Is OrbStack running?"_s;
     if (stoppedAfter)
-        return command + u" printed more than "_s + QString::number(*stoppedAfter / (1024 * 1024)) +
+        return command + u" printed more than "_s + QString::number(*stoppedAfter / (qsizetype{1024} * 1024)) +
                u" MiB and was stopped."_s;
     if (status != 0)
         return combined();
