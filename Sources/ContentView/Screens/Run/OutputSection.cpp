@@ -31,18 +31,20 @@ OutputSection::OutputSection(RunController &run, const RunActions &actions, QWid
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
-    addHeader(actions);
+    layout->addLayout(makeHeader(actions));
     m_loss = new PlainLabel(QString(), Typography::caption(), Colours::secondary, PlainLabel::Fit::wrap, this);
     layout->addWidget(m_loss);
     layout->addWidget(new FindablePane(new OutputPane(run, run.transcript().text()), run, this), 1);
 
     for (const auto changed :
          {&RunController::revisionChanged, &RunController::transcriptCleared, &RunController::outputLossChanged})
-        connect(&run, changed, this, &OutputSection::showFields);
-    showFields();
+        connect(&run, changed, this, &OutputSection::showEarlierOutput);
+    connect(&run, &RunController::outputLossChanged, this, &OutputSection::showLoss);
+    showEarlierOutput();
+    showLoss();
 }
 
-void OutputSection::addHeader(const RunActions &actions)
+QLayout *OutputSection::makeHeader(const RunActions &actions)
 {
     auto *title =
         new PlainLabel(u"Output"_s, Typography::headline(), Colours::primary, PlainLabel::Fit::elideEnd, this);
@@ -67,13 +69,17 @@ void OutputSection::addHeader(const RunActions &actions)
     row->addStretch(1);
     row->addWidget(copy);
     row->addWidget(clear);
-    static_cast<QVBoxLayout *>(layout())->addLayout(row);
+    return row;
 }
 
-void OutputSection::showFields()
+void OutputSection::showEarlierOutput()
 {
     const Transcript &transcript = m_run.transcript();
     m_earlierOutput->setVisible(transcript.record().begin() < transcript.text().begin());
+}
+
+void OutputSection::showLoss()
+{
     m_loss->setText(m_run.outputLoss());
     m_loss->setVisible(!m_run.outputLoss().isEmpty());
 }

@@ -18,8 +18,9 @@ public:
     OutputSection(RunController &run, const RunActions &actions, QWidget *parent);
 
 private:
-    void addHeader(const RunActions &actions);
-    void showFields();
+    QLayout *makeHeader(const RunActions &actions);
+    void showEarlierOutput();
+    void showLoss();
 
     RunController &m_run;
     PlainLabel *m_earlierOutput = nullptr;
