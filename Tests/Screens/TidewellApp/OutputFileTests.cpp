@@ -11,11 +11,28 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <sys/resource.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+
+namespace
+{
+
+/// What bringing a file to the disk fails with; 0 when it succeeds.
+std::atomic<int> syncError = 0;
+
+} // namespace
+
+/// In place of the system's, for all that this program is linked from.
+extern "C" int fsync(int /*descriptor*/)
+{
+    errno = syncError;
+    return syncError == 0 ? 0 : -1;
+}
 
 namespace
 {
@@ -153,6 +170,28 @@ TEST_F(OutputFileTest, LeavesTheOldFileWhenThereIsNoRoomForTheNewOne)
     ASSERT_TRUE(failure);
     EXPECT_TRUE(failure->startsWith(u"It cannot be written: "_s)) << failure->toStdString();
     expectUntouched();
+}
+
+TEST_F(OutputFileTest, LeavesTheOldFileWhenTheTextDoesNotReachTheDisk)
+{
+    transcript.append(u8"new\n", OutputKind::out);
+    syncError = EIO;
+    const std::optional<QString> failure = save(path);
+    syncError = 0;
+    EXPECT_EQ(failure, u"It cannot be written: "_s + qt_error_string(EIO) + u'.');
+    expectUntouched();
+}
+
+TEST_F(OutputFileTest, IsSavedWhereNothingCanBeBroughtToADisk)
+{
+    transcript.append(u8"new\n", OutputKind::out);
+    for (const int error : {EINVAL, ENOTSUP}) {
+        put("what was there before");
+        syncError = error;
+        EXPECT_EQ(save(path), std::nullopt);
+        EXPECT_EQ(content(), "new\n");
+    }
+    syncError = 0;
 }
 
 TEST_F(OutputFileTest, LeavesTheOldFileWhenItIsCancelled)
