@@ -4,6 +4,15 @@
 
 #include <csignal>
 
+#ifdef __SANITIZE_ADDRESS__
+// A fallback font of Qt's keeps what fontconfig found for it until the process ends, and longer.
+extern "C" const char *__lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier)
+const char *__lsan_default_suppressions()             // NOLINT(bugprone-reserved-identifier)
+{
+    return "leak:libfontconfig";
+}
+#endif
+
 int main(int argumentCount, char *arguments[])
 {
     std::signal(SIGPIPE, SIG_IGN);
