@@ -6,6 +6,9 @@
 
 #include <unicode/uchar.h>
 
+#include <algorithm>
+#include <cstdint>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -19,6 +22,9 @@ constexpr char32_t joiner = 0x200d;
 constexpr char32_t textPresentation = 0xfe0e;
 constexpr char32_t emojiPresentation = 0xfe0f;
 constexpr char32_t keycap = 0x20e3;
+constexpr char32_t blackFlag = 0x1f3f4;
+constexpr char32_t firstTag = 0xe0020;
+constexpr char32_t lastTag = 0xe007f;
 
 bool has(char32_t character, UProperty property)
 {
@@ -35,11 +41,28 @@ bool isJoined(char32_t character)
            u_getCombiningClass(codePoint) == virama;
 }
 
+/// Whether the tag is one of those that make the flag of a country's part, Scotland's for one, out of a black flag.
+bool isTagOfFlag(const QList<uint> &text, qsizetype at)
+{
+    constexpr qsizetype tags = 6; // in each such flag
+    qsizetype flag = at;
+    while (flag > 0 && at - flag < tags && text[flag] != blackFlag)
+        --flag;
+    if (text[flag] != blackFlag)
+        return false;
+    const QString whole = QString::fromUcs4(reinterpret_cast<const char32_t *>(text.data()) + flag,
+                                            std::min(tags + 1, text.size() - flag));
+    return u_stringHasBinaryProperty(QStringView(whole).utf16(), static_cast<std::int32_t>(whole.size()),
+                                     UCHAR_RGI_EMOJI_TAG_SEQUENCE) != 0;
+}
+
 /// Whether the character without a shape does something to the ones around it that a reader sees: a joiner in a word of
-/// a script with joined letters or between two emoji, the presentation of an emoji.
+/// a script with joined letters or between two emoji, the presentation of an emoji, the tags of a flag.
 bool isSeenAround(const QList<uint> &text, qsizetype at)
 {
     const char32_t character = text[at];
+    if (character >= firstTag && character <= lastTag)
+        return isTagOfFlag(text, at);
     const char32_t next = at + 1 < text.size() ? text[at + 1] : 0;
     // Marks, and an emoji's colours and presentation, stand between it and its letter.
     qsizetype base = at - 1;

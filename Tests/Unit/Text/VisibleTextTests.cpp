@@ -43,6 +43,17 @@ TEST(VisibleText, LeavesAJoinerThatDoesWhatItIsFor)
         EXPECT_EQ(VisibleText::oneLine(text), text);
 }
 
+TEST(VisibleText, LeavesTheTagsOfAFlagThatExists)
+{
+    const QString scotland = u"\U0001f3f4\U000e0067\U000e0062\U000e0073\U000e0063\U000e0074\U000e007f"_s;
+    EXPECT_EQ(VisibleText::oneLine(scotland), scotland);
+    EXPECT_EQ(VisibleText::oneLine(u"a"_s + scotland + scotland + u"b"_s), u"a"_s + scotland + scotland + u"b"_s);
+    EXPECT_EQ(VisibleText::oneLine(scotland + u"\U000e0067"_s), scotland + u"⟨U+E0067⟩"_s);
+    EXPECT_EQ(VisibleText::oneLine(scotland.mid(2, 4)), u"⟨U+E0067⟩⟨U+E0062⟩"_s);
+    EXPECT_EQ(VisibleText::oneLine(u"\U0001f3f4\U000e0068\U000e0069\U000e007f"_s),
+              u"\U0001f3f4⟨U+E0068⟩⟨U+E0069⟩⟨U+E007F⟩"_s);
+}
+
 TEST(VisibleText, WritesOutAJoinerThatOnlyHides)
 {
     EXPECT_EQ(VisibleText::oneLine(u"\u0645\u200c"_s), u"\u0645⟨U+200C⟩"_s) << "at the end of a word";
