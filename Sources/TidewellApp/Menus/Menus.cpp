@@ -11,6 +11,7 @@
 
 #include <QActionGroup>
 #include <QApplication>
+#include <QDialog>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -48,17 +49,29 @@ void addRunMenu(MainWindow &window)
     showAll->setShortcut(Qt::CTRL | Qt::ALT | Qt::Key_O);
 }
 
+/// On macOS the menus are those of whatever window is in front, or of the one to which a sheet in front belongs.
+QWidget &frontWindow(QMainWindow &window)
+{
+    QWidget *front = QApplication::activeWindow();
+    while (qobject_cast<QDialog *>(front) != nullptr && front->parentWidget() != nullptr)
+        front = front->parentWidget()->window();
+    return front != nullptr ? *front : window;
+}
+
 void addWindowMenu(QMainWindow &window)
 {
     QMenu *menu = window.menuBar()->addMenu(u"&Window"_s);
-    QAction *minimize = menu->addAction(u"&Minimize"_s, &window, &QWidget::showMinimized);
+    QAction *minimize = menu->addAction(u"&Minimize"_s, &window, [&window] { frontWindow(window).showMinimized(); });
     minimize->setShortcut(Qt::CTRL | Qt::Key_M);
-    QAction *zoom = menu->addAction(u"&Zoom"_s, &window,
-                                    [&window] { window.isMaximized() ? window.showNormal() : window.showMaximized(); });
+    QAction *zoom = menu->addAction(u"&Zoom"_s, &window, [&window] {
+        QWidget &front = frontWindow(window);
+        front.isMaximized() ? front.showNormal() : front.showMaximized();
+    });
     // On macOS the menu bar stays when the window is hidden, which must not come back half-way.
     QObject::connect(menu, &QMenu::aboutToShow, &window, [&window, minimize, zoom] {
-        minimize->setEnabled(window.isVisible());
-        zoom->setEnabled(window.isVisible());
+        const bool isShown = frontWindow(window).isVisible();
+        minimize->setEnabled(isShown);
+        zoom->setEnabled(isShown);
     });
     menu->addSeparator();
     menu->addAction(u"&Tidewell"_s, &window, [&window] {

@@ -1,6 +1,11 @@
+#include "Look/Alert.h"
 #include "Screens/TestWindow.h"
 #include "Screens/TidewellApp/MenuActions.h"
+#include "TidewellApp/HelpWindow.h"
 #include "TidewellApp/MainWindow.h"
+
+#include <QDialog>
+#include <QTextBrowser>
 
 using namespace Qt::StringLiterals;
 using MenuActions::action;
@@ -22,6 +27,37 @@ TEST(Menus, MinimizeZoomAndBringForwardTheWindow)
     action(window, u"Window"_s, u"Tidewell"_s)->trigger();
     EXPECT_TRUE(window.isVisible());
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+}
+
+TEST(Menus, MinimizeAndZoomWhateverWindowIsInFront)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    HelpWindow::show(window);
+    auto *help = window.findChild<QTextBrowser *>();
+    ASSERT_NE(help, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(help));
+    action(window, u"Window"_s, u"Zoom"_s)->trigger();
+    EXPECT_TRUE(help->isMaximized());
+    EXPECT_FALSE(window.isMaximized());
+    action(window, u"Window"_s, u"Minimize"_s)->trigger();
+    EXPECT_TRUE(help->isMinimized());
+    EXPECT_FALSE(window.isMinimized());
+}
+
+TEST(Menus, MinimizeTheWindowThatASheetBelongsTo)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    Alert::tell(&window, u"Told."_s, u"And why."_s);
+    auto *sheet = window.findChild<QDialog *>();
+    ASSERT_NE(sheet, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(sheet));
+    action(window, u"Window"_s, u"Minimize"_s)->trigger();
+    EXPECT_FALSE(sheet->isMinimized());
+    EXPECT_TRUE(window.isMinimized());
 }
 
 TEST(Menus, DoNotMinimizeOrZoomAHiddenWindow)
