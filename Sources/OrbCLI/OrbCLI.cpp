@@ -4,7 +4,9 @@
 #include "Process/ProcessEngine.h"
 
 #include <coroutine>
+#include <map>
 #include <utility>
+#include <vector>
 
 namespace
 {
@@ -41,6 +43,18 @@ private:
     std::coroutine_handle<> m_waiting;
 };
 
+/// So many of one question's tools may hang, deaf to their termination, before it is asked no more.
+constexpr std::size_t mostLeftBehind = 4;
+
+/// What polling left behind and still runs, of one question: a tool and its arguments. Main thread.
+std::vector<ProcessHandlePointer> &leftBehind(const QStringList &question)
+{
+    static std::map<QStringList, std::vector<ProcessHandlePointer>> questions;
+    std::vector<ProcessHandlePointer> &handles = questions[question];
+    std::erase_if(handles, [](const ProcessHandlePointer &handle) { return !handle->isRunning(); });
+    return handles;
+}
+
 } // namespace
 
 ProcessHandlePointer OrbCLI::stream(const QString &tool, const QStringList &arguments,
@@ -73,6 +87,12 @@ QCoro::Task<OrbCLI::StreamResult> OrbCLI::streamAsync(QString tool, QStringList 
 QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::optional<QString> input, double timeLimit,
                                    OutputNeed need, std::optional<double> graceTime)
 {
+    const QStringList question = QStringList(tool) + arguments;
+    if (graceTime && leftBehind(question).size() >= mostLeftBehind) {
+        CLIResult unasked;
+        unasked.timedOut = true;
+        co_return unasked;
+    }
     Continuation<CLIResult> end;
     CollectedOutput output(need);
     CollectedOutput errorOutput(need);
@@ -97,5 +117,8 @@ QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::opt
                                                .onOutput = onOutput,
                                                .onExit = onExit,
                                                .collectsOutput = true});
-    co_return co_await end.value();
+    CLIResult result = co_await end.value();
+    if (graceTime && handle->isRunning())
+        leftBehind(question).push_back(handle);
+    co_return result;
 }

@@ -18,6 +18,11 @@ std::optional<QString> ProcessHandle::launchError() const
     return _launchError;
 }
 
+bool ProcessHandle::isRunning() const
+{
+    return process->isRunning();
+}
+
 void ProcessHandle::cancel()
 {
     process->terminate();

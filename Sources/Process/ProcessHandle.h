@@ -27,6 +27,9 @@ public:
     /// The system's description of why the child could not be started. Any thread.
     std::optional<QString> launchError() const;
 
+    /// Whether the child is there at this very moment; one that was left behind is, after its end was told. Any thread.
+    bool isRunning() const;
+
     /// Sends a running child the termination signal, once for each call; does nothing after its end. Any thread.
     void cancel();
 

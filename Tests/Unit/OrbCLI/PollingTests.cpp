@@ -1,0 +1,55 @@
+// What is asked again and again gives its tool a grace time, so that no tool can stop the asking.
+
+#include "OrbCLI/OrbCLI.h"
+#include "Support/TestTools.h"
+#include "Support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+std::optional<CLIResult> ask(const QString &tool, const QStringList &arguments)
+{
+    return waitFor(OrbCLI::run(tool, arguments, std::nullopt, 0.5, OrbCLI::wholeList, 0.2));
+}
+
+} // namespace
+
+TEST(Polling, StartsNoFifthToolWhileFourHangOfTheSameQuestion)
+{
+    TestTools tools;
+    const QString tool = tools.addTool(u"stubborn"_s, u"trap '' TERM\n[ $1 = other ] && exit 3\n"_s +
+                                                          tools.waitForFile(u"go"_s) + u"exit 7"_s);
+    const qsizetype most = 4;
+    for (int count = 0; count < most + 2; ++count) {
+        const auto result = ask(tool, {u"list"_s});
+        ASSERT_TRUE(result);
+        EXPECT_TRUE(result->timedOut);
+        EXPECT_EQ(result->status, -1);
+    }
+    EXPECT_EQ(tools.calls(u"stubborn"_s).size(), most);
+    EXPECT_EQ(ask(tool, {u"other"_s})->status, 3) << "another question is still asked";
+
+    tools.addFile(u"go"_s);
+    std::optional<CLIResult> again;
+    ASSERT_TRUE(waitUntil([&] {
+        again = ask(tool, {u"list"_s});
+        return again && !again->timedOut;
+    })) << "asked again once they are gone";
+    EXPECT_EQ(again->status, 7);
+}
+
+TEST(Polling, WaitsNoLongerForWhoeverHoldsThePipesOfAToolThatHasExited)
+{
+    TestTools tools;
+    const auto result = ask(tools.addTool(u"parent"_s, u"sleep 60 & echo $!; exit 5"_s), {});
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, 5);
+    EXPECT_FALSE(result->timedOut);
+    EXPECT_EQ(::kill(result->stdout.trimmed().toInt(), SIGKILL), 0) << "and it is never killed";
+}
