@@ -2,6 +2,8 @@
 
 #include "Find/TextSearch.h"
 
+#include <system_error>
+
 SearchThread::SearchThread(QObject *parent) : QObject(parent) {}
 
 SearchThread::~SearchThread()
@@ -52,8 +54,13 @@ void SearchThread::update(TextSnapshot text)
 /// What was asked before and is not yet begun is asked together with it, as far as it is not replaced.
 void SearchThread::ask(Request request)
 {
-    if (!m_thread.joinable())
-        m_thread = std::thread([this] { run(); });
+    if (!m_thread.joinable()) {
+        try {
+            m_thread = std::thread([this] { run(); });
+        } catch (const std::system_error &) {
+            // No thread is to be had now: what is asked waits for the next that is asked.
+        }
+    }
     {
         const std::lock_guard lock(m_lock);
         if (request.pattern) {

@@ -8,6 +8,7 @@
 #include <QApplication>
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -72,10 +73,15 @@ void OutputSaving::save(const QString &path, QWidget &asking)
     m_progress.isCancelled = false;
     TextSnapshot text = m_run.transcript().record().snapshot();
     m_size = text.end() - text.begin();
-    m_thread = std::thread([this, path, text = std::move(text)] {
-        const std::optional<QString> failure = m_write(path, text, m_progress);
-        QMetaObject::invokeMethod(this, [this, failure] { finish(failure); }, Qt::QueuedConnection);
-    });
+    try {
+        m_thread = std::thread([this, path, text = std::move(text)] {
+            const std::optional<QString> failure = m_write(path, text, m_progress);
+            QMetaObject::invokeMethod(this, [this, failure] { finish(failure); }, Qt::QueuedConnection);
+        });
+    } catch (const std::system_error &error) {
+        finish(qt_error_string(error.code().value()));
+        return;
+    }
     m_untilShown.start();
     followRecord();
 }
@@ -100,7 +106,8 @@ void OutputSaving::moveProgress()
 
 void OutputSaving::finish(const std::optional<QString> &failure)
 {
-    m_thread.join();
+    if (isSaving())
+        m_thread.join();
     m_untilShown.stop();
     m_untilMoved.stop();
     delete m_sheet;

@@ -2,6 +2,7 @@
 
 #include "Support/OutputTexts.h"
 #include "Support/Printing.h"
+#include "Support/Waiting.h"
 #include "Transcript/Transcript.h"
 
 #include <QDir>
@@ -24,12 +25,21 @@ namespace
 
 /// What bringing a file to the disk fails with; 0 when it succeeds.
 std::atomic<int> syncError = 0;
+/// What the user cancels as soon as the disk has begun, which then takes until it is no longer slow; null for none.
+std::atomic<OutputFile::Progress *> cancelledMeanwhile = nullptr;
+std::atomic<bool> isDiskSlow = false;
+std::atomic<int> syncsGoing = 0;
 
 } // namespace
 
 /// In place of the system's, for all that this program is linked from.
 extern "C" int fsync(int /*descriptor*/)
 {
+    ++syncsGoing;
+    if (OutputFile::Progress *const progress = cancelledMeanwhile)
+        progress->isCancelled = true;
+    isDiskSlow.wait(true);
+    --syncsGoing;
     errno = syncError;
     return syncError == 0 ? 0 : -1;
 }
@@ -201,4 +211,19 @@ TEST_F(OutputFileTest, LeavesTheOldFileWhenItIsCancelled)
     progress.isCancelled = true;
     EXPECT_EQ(OutputFile::write(path, transcript.record().snapshot(), progress), std::nullopt);
     expectUntouched();
+}
+
+TEST_F(OutputFileTest, IsCancelledWithoutWaitingForTheDisk)
+{
+    transcript.append(u8"new\n", OutputKind::out);
+    OutputFile::Progress progress;
+    cancelledMeanwhile = &progress;
+    isDiskSlow = true;
+    EXPECT_EQ(OutputFile::write(path, transcript.record().snapshot(), progress), std::nullopt);
+    expectUntouched();
+    EXPECT_EQ(syncsGoing, 1);
+    cancelledMeanwhile = nullptr;
+    isDiskSlow = false;
+    isDiskSlow.notify_all();
+    EXPECT_TRUE(waitUntil([] { return syncsGoing == 0; }));
 }
