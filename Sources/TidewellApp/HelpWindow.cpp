@@ -3,6 +3,7 @@
 #include "Look/Typography.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QShortcut>
 #include <QTextBrowser>
 #include <QTextDocument>
@@ -12,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-/// What the page says, without its pictures, which are not at hand here.
+/// What the page says, without its pictures and its links to other files, which are not at hand here.
 QString page()
 {
     QFile file(u":/README.md"_s);
@@ -23,7 +24,8 @@ QString page()
         if (!line.startsWith("!["_L1) && !line.startsWith(u'<'))
             text += line + u'\n';
     }
-    return text;
+    static const QRegularExpression linkToFile(uR"(\[([^\]]*)\]\((?!https?:)[^)]*\))"_s);
+    return text.replace(linkToFile, u"\\1"_s);
 }
 
 } // namespace
@@ -43,6 +45,7 @@ void HelpWindow::show(QWidget &window)
         help->setFont(Typography::body());
         help->document()->setDocumentMargin(16);
         help->document()->setMarkdown(page(), QTextDocument::MarkdownDialectGitHub);
+        help->moveCursor(QTextCursor::Start);
         help->resize(680, 720);
         // The menus' own reaches the window that has them; on macOS, where it reaches all, this one is never asked.
         QObject::connect(new QShortcut(QKeySequence::Close, help), &QShortcut::activated, help, &QWidget::close);

@@ -4,6 +4,8 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QScrollBar>
+#include <QTextBlock>
 #include <QTextBrowser>
 
 using namespace Qt::StringLiterals;
@@ -59,4 +61,25 @@ TEST(Menus, HelpShowsTheReadmeInAWindowOfItsOwn)
     EXPECT_TRUE(pages.first()->openExternalLinks());
     EXPECT_FALSE(pages.first()->toPlainText().contains(QChar::ObjectReplacementCharacter)) << "no picture is missing";
     EXPECT_TRUE(pages.first()->toPlainText().contains(u"Try shell scripts in real Linux machines"_s));
+}
+
+TEST(Menus, HelpBeginsAtItsBeginningAndHasNoLinkThatLeadsNowhere)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+    const auto *page = window.findChild<QTextBrowser *>();
+    ASSERT_NE(page, nullptr);
+    ASSERT_TRUE(waitUntil([page] { return page->verticalScrollBar()->maximum() > 0; }));
+    EXPECT_EQ(page->verticalScrollBar()->value(), 0);
+    int links = 0;
+    for (QTextBlock block = page->document()->begin(); block.isValid(); block = block.next()) {
+        for (auto piece = block.begin(); !piece.atEnd(); ++piece) {
+            const QString target = piece.fragment().charFormat().anchorHref();
+            links += !target.isEmpty();
+            EXPECT_TRUE(target.isEmpty() || target.startsWith(u"https://"_s)) << target.toStdString();
+        }
+    }
+    EXPECT_GT(links, 0);
 }
