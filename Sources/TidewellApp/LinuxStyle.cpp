@@ -31,6 +31,14 @@ QColor readableSelection(const QPalette &palette)
     return Colours::contrast(Qt::white, ground) >= Colours::readable ? Qt::white : Qt::black;
 }
 
+QColor readableLink(const QPalette &palette)
+{
+    const QColor own = palette.color(QPalette::Link);
+    if (Colours::contrast(own, palette.color(QPalette::Base)) >= Colours::readable)
+        return own;
+    return QColor::fromRgb(Colours::isDark(palette) ? 0x6cb6ff : 0x0b5cad);
+}
+
 bool isEnabled(const QStyleOption &option)
 {
     return option.state.testFlag(QStyle::State_Enabled);
@@ -103,6 +111,7 @@ void LinuxStyle::polish(QPalette &palette)
     for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
         palette.setCurrentColorGroup(group);
         palette.setColor(group, QPalette::PlaceholderText, Colours::placeholder(palette));
+        palette.setColor(group, QPalette::Link, readableLink(palette));
         palette.setColor(group, QPalette::HighlightedText, readableSelection(palette));
     }
     palette.setCurrentColorGroup(before);

@@ -10,6 +10,7 @@
 ///   group boxes     one frame that holds the title, too
 ///   focus           the ring, however the focus came: by key, by mouse or by the application
 ///   placeholders    readable, also where a theme forgot their colour
+///   links           the same
 ///   selected text   readable on the colour of selections
 ///   the menu bar    without the arrow for menus that find no room: this window is never that narrow, and reading the
 ///                   picture of an arrow loads every image plugin before the window is first painted

@@ -185,21 +185,24 @@ TEST_F(LinuxStyleTest, GivesTheControlsOfARowOneHeight)
     EXPECT_EQ(add(new QLineEdit)->sizeHint().height(), height);
 }
 
-TEST_F(LinuxStyleTest, MakesPlaceholdersAndSelectedTextReadable)
+TEST_F(LinuxStyleTest, MakesPlaceholdersLinksAndSelectedTextReadable)
 {
     QPalette palettes[] = {style.standardPalette(), darkPalette()};
     palettes[1].setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
     palettes[1].setColor(QPalette::Highlight, QColor::fromRgb(0x3daee9));
     palettes[1].setColor(QPalette::HighlightedText, Qt::white);
+    palettes[1].setColor(QPalette::Link, Qt::blue);
     for (QPalette &palette : palettes) {
         style.polish(palette);
         for (const auto group : {QPalette::Active, QPalette::Inactive}) {
             EXPECT_GE(Colours::contrast(palette.color(group, QPalette::HighlightedText),
                                         palette.color(group, QPalette::Highlight)),
                       Colours::readable);
-            EXPECT_GE(Colours::contrast(palette.color(group, QPalette::PlaceholderText),
-                                        palette.color(group, QPalette::Base)),
-                      Colours::readable);
+            for (const auto role : {QPalette::PlaceholderText, QPalette::Link}) {
+                EXPECT_GE(Colours::contrast(palette.color(group, role), palette.color(group, QPalette::Base)),
+                          Colours::readable)
+                    << role;
+            }
         }
     }
 }
