@@ -103,6 +103,9 @@ public:
 private:
     void follow(QWidget *focused)
     {
+        // Where the menu bar is in the window, it takes the focus while its menus are open by the keyboard.
+        if (qobject_cast<QMenuBar *>(focused) != nullptr)
+            return;
         if (m_widget != nullptr)
             disconnect(m_widget, nullptr, this, nullptr);
         m_widget = focused;

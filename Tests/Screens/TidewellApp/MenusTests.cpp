@@ -30,6 +30,23 @@ TEST(Menus, ChangeTabsByShortcutAndMarkTheSelectedOne)
     EXPECT_EQ(ByName::nameOf(window.focusWidget()), u"Script"_s);
 }
 
+TEST(Menus, EditWhatHadTheFocusBeforeAMenuWasOpenedByTheKeyboard)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    auto *editor = ByName::find<QPlainTextEdit>(window, u"Script"_s);
+    editor->setFocus();
+    editor->setPlainText(u"one"_s);
+    editor->selectAll();
+    window.menuBar()->setFocus(Qt::MenuBarFocusReason);
+    ASSERT_TRUE(window.menuBar()->hasFocus());
+    EXPECT_TRUE(action(window, u"Edit"_s, u"Copy"_s)->isEnabled());
+    action(window, u"Edit"_s, u"Cut"_s)->trigger();
+    EXPECT_EQ(editor->toPlainText(), QString());
+}
+
 TEST(Menus, EditWhatHasTheFocus)
 {
     TestWindow tools;
