@@ -105,7 +105,7 @@ Reading read(const QString &path)
     return {.content = std::move(content)};
 }
 
-/// Once more where it cannot be read: a disk on the network may have been away for a moment only.
+/// Once more where it cannot be read: an error of the disk or the network may be over with the next try.
 Reading readPatiently(const QString &path)
 {
     Reading reading = read(path);

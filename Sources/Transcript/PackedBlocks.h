@@ -1,8 +1,9 @@
 #pragma once
 
 // Packed blocks, laid one behind another in slabs of a mebibyte. The newest slabs are in memory, older ones in a file,
-// and a slab for which there was no room is missing. Nothing but BlockStore knows of it: its lock guards all calls, and
-// what takes long (opening, writing, reading, releasing) is handed out, to be done without the lock.
+// and a slab for which there was no room is missing. Nothing but BlockStore knows of it: its lock guards all calls
+// that do not say otherwise, and what takes long (opening, writing, reading, releasing) is handed out, to be done
+// without the lock.
 //
 //   in memory ──startFiling──▶ being filed ──filed──▶ filed
 //       └──────────letGoOldest, letGoWaiting──────────┴──▶ missing
