@@ -4,7 +4,7 @@
 
 #include <csignal>
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TIDEWELL_ADDRESS_SANITIZER
 // A fallback font of Qt's keeps what fontconfig found for it until the process ends, and longer.
 extern "C" const char *__lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier)
 const char *__lsan_default_suppressions()             // NOLINT(bugprone-reserved-identifier)

@@ -111,7 +111,7 @@ TEST(LaunchFailure, IsToldForArgumentsThatAreTooLong)
 
 TEST(LaunchFailure, IsToldWhenNoDescriptorIsLeft)
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef TIDEWELL_ADDRESS_SANITIZER
     GTEST_SKIP() << "the sanitizer opens pipes of its own to look at memory";
 #endif
     TestTools tools;

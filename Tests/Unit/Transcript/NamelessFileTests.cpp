@@ -86,7 +86,7 @@ TEST(NamelessFile, DoesNotGrowPastTheLimitForFilesAtWhichTheSystemEndsAProcess)
 
 TEST(NamelessFile, IsGoneWheneverItsProcessIsKilled)
 {
-#ifdef __SANITIZE_THREAD__
+#ifdef TIDEWELL_THREAD_SANITIZER
     GTEST_SKIP() << "The thread sanitizer does not follow a fork.";
 #endif
     const QTemporaryDir folder;
