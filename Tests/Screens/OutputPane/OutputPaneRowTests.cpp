@@ -52,7 +52,8 @@ TEST_F(OutputPaneRowTest, ShapesRightToLeftTextTogetherWithWhatStandsWithinIt)
     EXPECT_EQ(joined(u"\u05d0\u05d1\u05d2\u05d3"_s), u"0-4"_s);
     EXPECT_EQ(joined(u"\u05d0\u05d1\u05d2"_s), u"0-3"_s);
     EXPECT_EQ(joined(u"a \u05d0 1\u05d1 b"_s), u"2-6"_s) << "the blanks and digits between, not those around";
-    EXPECT_EQ(joined(u"\u05d0a\u05d1"_s), u"0-1 2-3"_s) << "a letter of the other direction parts it";
+    for (const QChar letter : u"azAZ"_s)
+        EXPECT_EQ(joined(u"\u05d0"_s + letter + u'\u05d1'), u"0-1 2-3"_s) << "a letter of the other direction parts it";
     EXPECT_EQ(joined(u"\u05d0 (\u05d1)."_s), u"0-5"_s) << "with the bracket that it opened";
     EXPECT_EQ(joined(u"\u05d0)"_s), u"0-1"_s) << "without one that it did not";
 }
