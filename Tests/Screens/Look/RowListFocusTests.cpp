@@ -1,6 +1,7 @@
 #include "Look/Rows/RowWidget.h"
 #include "Screens/Look/RowListTest.h"
 
+#include <QMenu>
 #include <QProxyStyle>
 
 TEST_F(RowListTest, KeepsTheFocusWithItsButtonWhileOtherRowsComeAndGo)
@@ -50,6 +51,36 @@ TEST_F(RowListTest, DoesNotFetchTheFocusBackFromWhereTheUserMovedIt)
     before->setFocus();
     list->setRows({contentOf(u"box"_s)});
     EXPECT_EQ(QApplication::focusWidget(), before);
+}
+
+TEST_F(RowListTest, LeavesTheFocusOnTheRowToWhichTheUserCameBack)
+{
+    list->setRows({contentOf(u"box"_s)});
+    button(0, 2)->setFocus();
+    RowContent busy = contentOf(u"box"_s);
+    busy.buttons[2].isEnabled = false;
+    list->setRows({busy});
+    before->setFocus();
+    list->row(0)->setFocus(Qt::MouseFocusReason);
+    list->setRows({contentOf(u"box"_s)});
+    EXPECT_EQ(QApplication::focusWidget(), list->row(0));
+}
+
+TEST_F(RowListTest, GivesTheFocusBackToTheButtonAlsoAfterAMenuWasOpen)
+{
+    list->setRows({contentOf(u"box"_s)});
+    button(0, 2)->setFocus();
+    RowContent busy = contentOf(u"box"_s);
+    busy.buttons[2].isEnabled = false;
+    list->setRows({busy});
+    QMenu menu;
+    menu.addAction(u"Undo"_s);
+    menu.popup(window.pos());
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&menu));
+    menu.close();
+    ASSERT_EQ(QApplication::focusWidget(), list->row(0));
+    list->setRows({contentOf(u"box"_s)});
+    EXPECT_EQ(focusedText(), u"Delete box"_s);
 }
 
 TEST_F(RowListTest, DoesNotFetchTheFocusBackAfterTheWindowWasInactive)
