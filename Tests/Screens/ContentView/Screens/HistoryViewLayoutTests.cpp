@@ -25,6 +25,19 @@ TEST_F(HistoryViewTest, HasHeaderErrorAndListBelowEachOther)
     EXPECT_EQ(error->palette().color(QPalette::Text), Colours::red(view().palette()));
 }
 
+TEST_F(HistoryViewTest, SaysThatThereAreNoRunsBelowItsHeader)
+{
+    show();
+    const auto *title = find<PlainLabel>(view(), u"Last 50 runs"_s);
+    const auto *clear = find<QPushButton>(view(), u"Clear all"_s);
+    const auto *hint = find<PlainLabel>(view(), noRuns);
+    const auto gaps = [&] { return Places::gapsBelow(view(), {{title, clear}, {hint}}); };
+    Places::expectSoon(gaps, QList<int>({view().layout()->spacing()}));
+    const QRect column = view().layout()->contentsRect();
+    EXPECT_EQ(Places::in(view(), hint).left(), column.left());
+    EXPECT_EQ(Places::in(view(), hint).width(), column.width());
+}
+
 TEST_F(HistoryViewTest, SetsItsTextsInTheTypeAndColourOfTheirRank)
 {
     show();
