@@ -201,3 +201,15 @@ TEST_F(TextSearchTest, GivesUpBetweenTwoStretches)
     EXPECT_FALSE(search.firstFrom(0));
     EXPECT_LE(asked, 4);
 }
+
+TEST_F(TextSearchTest, HoldsNothingOfATextThatItReleased)
+{
+    ViewedText text(storage());
+    text.append("output\n");
+    const auto search = searchFor(u"output"_s, text);
+    EXPECT_EQ(countAll(*search), 1);
+    const TextPiece piece = text.snapshot().pieceAt(0);
+    const auto holders = piece.block.use_count();
+    search->releaseText();
+    EXPECT_EQ(piece.block.use_count(), holders - 1);
+}
