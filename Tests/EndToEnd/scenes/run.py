@@ -2,6 +2,7 @@
 
 import os
 
+from harness.keyboard import Keyboard
 from harness.waiting import wait_until
 
 from .staging import HANGING, LONG, listing, run_in_box, scene, staged, with_machines
@@ -16,6 +17,18 @@ def share_a_deep_folder(tidewell):
 @scene()
 def run_idle(tidewell):
     tidewell.wait_for("OrbStack running")
+
+
+@scene(**with_machines("box"))
+def run_with_the_focus_in_the_script(tidewell):
+    tidewell.wait_for_choice("Machine", "box")
+    Keyboard(tidewell).tab_to("Script")
+
+
+@scene(**with_machines("box"))
+def run_with_the_focus_on_the_empty_box(tidewell):
+    tidewell.wait_for_choice("Machine", "box")
+    Keyboard(tidewell).tab_to("Disposable mode")
 
 
 @scene(**with_machines("box"))
