@@ -100,3 +100,19 @@ TEST(RunView, InstallsPackagesAndLeavesTheScriptAlone)
     EXPECT_EQ(window.run.script(), u"mine"_s);
     EXPECT_EQ(packages->text(), u"git, curl"_s);
 }
+
+TEST(RunView, InstallsPackagesOnReturnInTheirField)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({u"box"_s});
+    // The machine's shell is this host's: what is installed is never reached.
+    window.orbStack.tools().addTool(u"orb"_s, u"case $1 in -m) cat > /dev/null;; status) echo Running;; esac"_s);
+    auto *packages = find<QLineEdit>(content, packagesField);
+    packages->setText(u" "_s);
+    QTest::keyClick(packages, Qt::Key_Return);
+    EXPECT_FALSE(window.run.isRunning());
+    packages->setText(u"git"_s);
+    QTest::keyClick(packages, Qt::Key_Return);
+    ASSERT_TRUE(waitUntil([&] { return window.history.entries().size() == 1; }));
+    EXPECT_EQ(window.history.entries()[0].command, u"install packages: git"_s);
+}
