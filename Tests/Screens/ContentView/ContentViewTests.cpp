@@ -99,6 +99,17 @@ TEST(ContentView, ChangesTabsByKeyboardAndByMouse)
     EXPECT_EQ(content.tab(), AppTab::history);
 }
 
+TEST(ContentView, PutsTheKeyboardIntoTheScreenWhoseTabIsClicked)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    ASSERT_TRUE(waitUntil([&] { return ByName::isOffered(content, u"Start"_s, u"Start OrbStack"_s); }));
+    content.setTab(AppTab::machines);
+    ByName::find<QAbstractButton>(content, u"Start"_s, u"Start OrbStack"_s)->setFocus();
+    QTest::mouseClick(tabs(content), Qt::LeftButton, {}, tabs(content)->tabRect(0).center());
+    EXPECT_EQ(ByName::nameOf(content.focusWidget()), u"Script"_s);
+}
+
 TEST(ContentView, KeepsItsScreenWhenTheWheelTurnsOverTheTabs)
 {
     TestWindow window;
