@@ -72,6 +72,12 @@ TEST_F(OutputPaneRowTest, EndsWhereItsTextDoesWhateverLiesBehindItInMemory)
     EXPECT_EQ(endOf(10, 3, 3), 7) << "a line that just fits takes its end with it";
 }
 
+TEST_F(OutputPaneRowTest, EndsBeforeWhatANamedCharacterLeavesNoRoomFor)
+{
+    for (const char control : {'\x01', '\x1f', '\x7f'}) // "^A", "^_", "^?"
+        EXPECT_EQ(OutputPaneRow::endOf(QByteArray("ab") + control + "cd", 0, 4), 3) << static_cast<int>(control);
+}
+
 TEST_F(OutputPaneRowTest, EndsTabsAtMultiplesOfEightAndAtTheRowsEnd)
 {
     const OutputPaneRow tabs = row(u"a\tb\t\t\t\t"_s);
