@@ -6,7 +6,6 @@
 
 #include <unicode/uchar.h>
 
-#include <algorithm>
 #include <cstdint>
 
 using namespace Qt::StringLiterals;
@@ -50,8 +49,9 @@ bool isTagOfFlag(const QList<uint> &text, qsizetype at)
         --flag;
     if (text[flag] != blackFlag)
         return false;
-    const QString whole = QString::fromUcs4(reinterpret_cast<const char32_t *>(text.data()) + flag,
-                                            std::min(tags + 1, text.size() - flag));
+    QString whole;
+    for (const uint character : text.mid(flag, tags + 1))
+        whole += QChar::fromUcs4(character);
     return u_stringHasBinaryProperty(QStringView(whole).utf16(), static_cast<std::int32_t>(whole.size()),
                                      UCHAR_RGI_EMOJI_TAG_SEQUENCE) != 0;
 }
