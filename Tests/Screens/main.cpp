@@ -4,7 +4,7 @@
 
 #include <csignal>
 
-#ifdef TIDEWELL_ADDRESS_SANITIZER
+#ifdef __SANITIZE_ADDRESS__
 // A fallback font of Qt's keeps what fontconfig found for it until the process ends, and longer.
 extern "C" const char *__lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier)
 const char *__lsan_default_suppressions()             // NOLINT(bugprone-reserved-identifier)

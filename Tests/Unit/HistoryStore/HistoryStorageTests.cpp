@@ -245,7 +245,7 @@ TEST_F(HistoryStorageTest, KeepsTheBytesOfAFileThatIsCutAnywhereOrDamagedInAnyBy
     const HistoryEntry first = entryNumber(1);
     const QByteArray content = HistoryFile::encode({first});
     QList<QByteArray> damaged;
-#if defined(TIDEWELL_THREAD_SANITIZER) || defined(TIDEWELL_ADDRESS_SANITIZER)
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
     constexpr qsizetype step = 7; // all of them take minutes there
 #else
     constexpr qsizetype step = 1;

@@ -111,7 +111,7 @@ TEST(LaunchFailure, IsToldForArgumentsThatAreTooLong)
 
 TEST(LaunchFailure, IsToldWhenNoDescriptorIsLeft)
 {
-#ifdef TIDEWELL_ADDRESS_SANITIZER
+#ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizer opens pipes of its own to look at memory";
 #endif
     TestTools tools;

@@ -341,7 +341,7 @@ TEST_F(RunControllerTest, HoldsNoScriptUpHoweverMuchItPrints)
 
 TEST_F(RunControllerTest, TellsWhatCouldNotBeKeptUntilTheOutputIsCleared)
 {
-#ifdef TIDEWELL_THREAD_SANITIZER
+#ifdef __SANITIZE_THREAD__
     GTEST_SKIP() << "Two threads post events here, and the thread sanitizer does not see Qt's lock around its queue.";
 #endif
     addOrb();

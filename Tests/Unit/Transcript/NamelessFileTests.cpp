@@ -86,7 +86,7 @@ TEST(NamelessFile, DoesNotGrowPastTheLimitForFilesAtWhichTheSystemEndsAProcess)
 
 TEST(NamelessFile, IsGoneWheneverItsProcessIsKilled)
 {
-#ifdef TIDEWELL_THREAD_SANITIZER
+#ifdef __SANITIZE_THREAD__
     GTEST_SKIP() << "The thread sanitizer does not follow a fork.";
 #endif
     const QTemporaryDir folder;

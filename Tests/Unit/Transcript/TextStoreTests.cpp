@@ -238,7 +238,7 @@ TEST(TextStore, KnowsAndReadsTheSameWhereverItsBytesAre)
     ViewedText compressed(2);
     TextStore::Position model = 0; // where all text ever appended ends
     QByteArray all;
-#ifdef TIDEWELL_THREAD_SANITIZER
+#ifdef __SANITIZE_THREAD__
     constexpr int rounds = 60; // more take half a minute there
 #else
     constexpr int rounds = 150;
@@ -316,7 +316,7 @@ TEST(TextStore, HoldsAFloodOfOneWordInHardlyMoreThanItsPlainBlocks)
 
 TEST(TextStore, GivesItsMemoryBackToTheSystemWhenItIsCleared)
 {
-#ifdef TIDEWELL_ADDRESS_SANITIZER
+#ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizer keeps what is freed, to see it used again";
 #endif
     constexpr std::int64_t mebibyte = 1024 * 1024;
