@@ -54,13 +54,6 @@ void SearchThread::update(TextSnapshot text)
 /// What was asked before and is not yet begun is asked together with it, as far as it is not replaced.
 void SearchThread::ask(Request request)
 {
-    if (!m_thread.joinable()) {
-        try {
-            m_thread = std::thread([this] { run(); });
-        } catch (const std::system_error &) {
-            // No thread is to be had now: what is asked waits for the next that is asked.
-        }
-    }
     {
         const std::lock_guard lock(m_lock);
         if (request.pattern) {
@@ -76,6 +69,13 @@ void SearchThread::ask(Request request)
         m_isAsked = true;
     }
     m_wake.notify_one();
+    if (m_thread.joinable())
+        return;
+    try {
+        m_thread = std::thread([this] { run(); });
+    } catch (const std::system_error &) {
+        return; // no thread is to be had now: what is asked waits for the next that is asked
+    }
 }
 
 SearchThread::Request SearchThread::waitForRequest()
