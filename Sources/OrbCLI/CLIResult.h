@@ -13,8 +13,6 @@
 ///   ended by a signal             the signal's number          false      none
 ///   asked by the time limit       as exited or by a signal     true       none
 ///   left behind after that        -1                           true       none
-///   left behind with its pipes    as exited or by a signal     false      none
-///     in another process
 ///   cancelled                     as exited or by a signal     false      none
 ///   not started                   -1                           false      the system's description
 ///

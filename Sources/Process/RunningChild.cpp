@@ -144,13 +144,11 @@ qsizetype RunningChild::serve(std::span<const pollfd> entries, QByteArray &block
 void RunningChild::enforceTimeLimit()
 {
     m_deadline = never;
-    // Also for a child that has exited: another process may hold its pipes for ever.
-    if (!m_isEnded)
-        m_lastMoment = momentAfter(m_graceTime);
     if (!m_handle->process->isRunning())
         return;
     m_handle->setTimedOut();
     m_handle->process->terminate();
+    m_lastMoment = momentAfter(m_graceTime);
 }
 
 void RunningChild::leaveBehind()

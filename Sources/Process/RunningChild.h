@@ -4,10 +4,10 @@
 //
 //   created ──start fails──▶ (of no further use)
 //      └──start──▶ running ──exited, both pipes closed, end in the queue, input written or refused──▶ finished
-//                     └──its time limit and its grace time over──▶ left behind ──exited──▶ finished
+//                     └──asked by its time limit, grace time over──▶ left behind ──exited──▶ finished
 //
-// Only a child with a grace time is ever left behind. It is never killed: its pipes are closed, its end is told, with
-// status -1 if it still runs, and it is reaped whenever it does exit.
+// Only a child with a grace time is ever left behind. It is never killed: its pipes are closed, its end is told with
+// status -1, and it is reaped whenever it does exit.
 
 #include "Process/AwakeClock.h"
 #include "Process/InputWriter.h"
