@@ -43,11 +43,7 @@ TEST_F(RowListTest, KeepsTheFocusWithTheRowWhileItsButtonIsDisabledAndGivesItBac
 
 TEST_F(RowListTest, DoesNotFetchTheFocusBackFromWhereTheUserMovedIt)
 {
-    list->setRows({contentOf(u"box"_s)});
-    button(0, 2)->setFocus();
-    RowContent busy = contentOf(u"box"_s);
-    busy.buttons[2].isEnabled = false;
-    list->setRows({busy});
+    disableTheFocusedButton();
     before->setFocus();
     list->setRows({contentOf(u"box"_s)});
     EXPECT_EQ(QApplication::focusWidget(), before);
@@ -55,11 +51,7 @@ TEST_F(RowListTest, DoesNotFetchTheFocusBackFromWhereTheUserMovedIt)
 
 TEST_F(RowListTest, LeavesTheFocusOnTheRowToWhichTheUserCameBack)
 {
-    list->setRows({contentOf(u"box"_s)});
-    button(0, 2)->setFocus();
-    RowContent busy = contentOf(u"box"_s);
-    busy.buttons[2].isEnabled = false;
-    list->setRows({busy});
+    disableTheFocusedButton();
     before->setFocus();
     list->row(0)->setFocus(Qt::MouseFocusReason);
     list->setRows({contentOf(u"box"_s)});
@@ -68,11 +60,7 @@ TEST_F(RowListTest, LeavesTheFocusOnTheRowToWhichTheUserCameBack)
 
 TEST_F(RowListTest, GivesTheFocusBackToTheButtonAlsoAfterAMenuWasOpen)
 {
-    list->setRows({contentOf(u"box"_s)});
-    button(0, 2)->setFocus();
-    RowContent busy = contentOf(u"box"_s);
-    busy.buttons[2].isEnabled = false;
-    list->setRows({busy});
+    disableTheFocusedButton();
     QMenu menu;
     menu.addAction(u"Undo"_s);
     menu.popup(window.pos());
@@ -85,11 +73,7 @@ TEST_F(RowListTest, GivesTheFocusBackToTheButtonAlsoAfterAMenuWasOpen)
 
 TEST_F(RowListTest, DoesNotFetchTheFocusBackAfterTheWindowWasInactive)
 {
-    list->setRows({contentOf(u"box"_s)});
-    button(0, 2)->setFocus();
-    RowContent row = contentOf(u"box"_s);
-    row.buttons[2].isEnabled = false;
-    list->setRows({row});
+    disableTheFocusedButton();
     QWidget other;
     other.show();
     other.activateWindow();
@@ -99,7 +83,7 @@ TEST_F(RowListTest, DoesNotFetchTheFocusBackAfterTheWindowWasInactive)
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     before->setFocus();
-    row = contentOf(u"box"_s);
+    RowContent row = contentOf(u"box"_s);
     row.lines[1].text = u"another caption"_s;
     list->setRows({row});
     EXPECT_EQ(QApplication::focusWidget(), before);

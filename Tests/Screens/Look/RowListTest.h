@@ -70,6 +70,16 @@ protected:
         return focused != nullptr ? focused->accessibleDescription() : QString();
     }
 
+    /// One row, whose "Delete" is disabled while it has the focus.
+    void disableTheFocusedButton()
+    {
+        list->setRows({contentOf(u"box"_s)});
+        button(0, 2)->setFocus();
+        RowContent row = contentOf(u"box"_s);
+        row.buttons[2].isEnabled = false;
+        list->setRows({row});
+    }
+
     bool isInView(int index)
     {
         const RowWidget *row = list->row(index);
