@@ -248,7 +248,8 @@ void OutputPaneAccessible::Announcer::announceNow()
 
 void OutputPaneAccessible::Announcer::announceSelection() const
 {
-    if (!QAccessible::isActive())
+    // A match that is found while the keyboard is in the find bar is told there, and not here as well.
+    if (!QAccessible::isActive() || !m_pane.hasFocus())
         return;
     const TextView &text = m_pane.text();
     const auto offset = [&](Position position) { return asOffset(text.utf16Offset(position)); };

@@ -33,7 +33,7 @@ public:
 
     /// The text grew or lost its front. Of a flood only the last part is read out, in one event.
     void announceText() { m_throttle.request(); }
-    /// The caret or the selection moved; told at once.
+    /// The caret or the selection moved; told at once, unless the keyboard is elsewhere.
     void announceSelection() const;
 
 private:

@@ -105,6 +105,19 @@ class Heard(WindowCase):
         self.press("Tab", "Delete push button.", "Delete seq 1000; exit 3.")
         self.press("space", *tab(3))
 
+    def test_how_often_a_text_is_found_in_the_output_is_heard(self):
+        self.start_listening(before=lambda tidewell: tidewell.orb("create", "debian", "box"))
+        self.tidewell.wait_for_choice("Machine", "box")
+        self.write("Script", "seq 30")
+        self.press("ctrl+Return", "notification Running in box.", re.compile(r"notification exit status 0 · \d+\.\ds\."))
+        self.press("ctrl+f", "Find in output text.")
+        self.write("Find in output", "7")
+        self.reader.expect("notification 3 of 3.")
+        self.press("Return", "notification 1 of 3.")
+        self.press("Tab", "Previous match push button.")
+        self.press("space", "notification 3 of 3.")
+        self.press("Escape", "Script text.", "seq 30.")
+
     def test_a_machine_is_created_and_deleted(self):
         self.start_listening()
         self.press("ctrl+2", *tab(2))
