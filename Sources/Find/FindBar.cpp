@@ -60,7 +60,6 @@ FindBar::FindBar(QWidget *parent)
     m_field->setMaxLength(longestText);
     m_field->setMaximumWidth(widestField);
     m_field->installEventFilter(this);
-    m_count->setFixedWidth(QFontMetrics(m_count->font()).horizontalAdvance(usualCount));
 
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
@@ -127,6 +126,14 @@ void FindBar::showCount(std::int64_t number, std::int64_t all)
     // What a run prints is not told.
     if (std::exchange(m_isAwaited, false))
         m_announcement.start();
+}
+
+void FindBar::setVisible(bool visible)
+{
+    // Not earlier: a font is loaded for it, and the window is there sooner without.
+    if (visible)
+        m_count->setFixedWidth(QFontMetrics(m_count->font()).horizontalAdvance(usualCount));
+    QWidget::setVisible(visible);
 }
 
 void FindBar::keyPressEvent(QKeyEvent *event)

@@ -39,6 +39,8 @@ public:
     /// assistive technology, soon, unless another search begins before.
     void showCount(std::int64_t number, std::int64_t all);
 
+    void setVisible(bool visible) override;
+
 Q_SIGNALS:
     /// The user looks for something else from now on.
     void patternChanged();
