@@ -15,7 +15,7 @@ _BENCHMARKS = os.path.dirname(os.path.dirname(os.path.realpath(__file__)))
 sys.path[:0] = [_BENCHMARKS, os.path.join(os.path.dirname(_BENCHMARKS), "Tests")]
 
 try:
-    from comparing import bars, inside, ours, processes, run, terminal
+    from comparing import bars, host, inside, ours, processes, run, terminal
 except ImportError as reason:
     print(f"skipped: {reason}")
     sys.exit(77)
@@ -128,6 +128,18 @@ class Comparing(unittest.TestCase):
         missed = self.measured(ShowingOutput=speed(79), **terminals)
         self.assertFalse(self.bar(missed, what).passes)
         self.assertIn(f"| {what} | at least 8 times | 7.9 times | **miss** |", page(missed))
+
+    def test_what_the_host_disturbed_is_measured_again_after_a_rest_but_not_for_ever(self):
+        def tries(*taken):
+            readings, rests, count = iter(taken), [], iter(range(1, 9))
+            number = host.undisturbed(lambda: next(count), lambda: next(readings), rests.append)
+            return number, len(rests)
+
+        hour = 3600
+        self.assertEqual(tries(5, 5), (1, 0))
+        self.assertEqual(tries(0, hour, hour, hour), (2, 1))
+        self.assertEqual(tries(0, hour, 0, hour, 0, hour), (4, 3))
+        self.assertGreaterEqual(host.taken_seconds(), 0)
 
     def test_a_terminal_that_is_not_there_is_told_so(self):
         with self.assertRaisesRegex(CannotRun, "^not installed$"):
