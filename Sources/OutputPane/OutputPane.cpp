@@ -21,7 +21,9 @@ namespace
 
 constexpr int fontSize = 12;
 constexpr int lowest = 160;
-constexpr int millisecondsPerFrame = 16;
+constexpr qint64 millisecondsPerFrame = 16;
+/// Also where painting took longer once, because fonts were loaded.
+constexpr qint64 mostMillisecondsPerFrame = 500;
 
 } // namespace
 
@@ -78,13 +80,15 @@ QSize OutputPane::sizeHint() const
     return {400, lowest};
 }
 
-/// However many changes come, they are shown once a frame, the first of them at once.
+/// However many changes come, they are shown once a frame, the first of them at once. Rare characters take long to
+/// paint: then frames are longer, so that at least half of the time is left for what arrives.
 void OutputPane::requestFrame()
 {
     if (m_frame.isActive())
         return;
-    const qint64 elapsed = m_sinceFrame.isValid() ? m_sinceFrame.elapsed() : millisecondsPerFrame;
-    m_frame.start(static_cast<int>(std::clamp<qint64>(millisecondsPerFrame - elapsed, 0, millisecondsPerFrame)));
+    const qint64 frame = std::clamp(2 * m_paintMilliseconds, millisecondsPerFrame, mostMillisecondsPerFrame);
+    const qint64 elapsed = m_sinceFrame.isValid() ? m_sinceFrame.elapsed() : frame;
+    m_frame.start(static_cast<int>(std::clamp<qint64>(frame - elapsed, 0, frame)));
 }
 
 void OutputPane::showChanges()
@@ -162,7 +166,10 @@ void OutputPane::paintEvent(QPaintEvent *event)
 {
     QPainter painter(viewport());
     if (!isBlank()) {
+        QElapsedTimer timer;
+        timer.start();
         paintRows(painter, event->rect());
+        m_paintMilliseconds = timer.elapsed();
         return;
     }
     painter.setFont(m_font.font());

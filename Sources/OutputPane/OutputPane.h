@@ -124,6 +124,8 @@ private:
 
     QTimer m_frame;
     QElapsedTimer m_sinceFrame;
+    /// What was painted last took so long.
+    qint64 m_paintMilliseconds = 0;
     /// The end must come into view with the next frame in which no button is held.
     bool m_wantsEnd = true;
     bool m_showsEnd = true;
