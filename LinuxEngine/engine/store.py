@@ -16,8 +16,15 @@ import json
 import os
 import re
 import secrets
+import sys
 import time
 from contextlib import contextmanager
+
+# Of Linux's ioctl: the same numbers on every processor that this runs on.
+_GET_FLAGS = 0x80086601
+_SET_FLAGS = 0x40086602
+_FLAGS_SIZE = 8
+_IMMUTABLE_OR_ONLY_APPENDED = 0x10 | 0x20
 
 NAME_PATTERN = re.compile(r"[A-Za-z0-9][A-Za-z0-9.-]{0,62}")
 
@@ -211,14 +218,23 @@ def sweep():
             fcntl.flock(descriptor, fcntl.LOCK_EX | fcntl.LOCK_NB)
             if time.time() - os.fstat(descriptor).st_mtime > 60:
                 remove_tree(folder)
-        except BlockingIOError:
-            pass
+        except OSError:
+            pass  # held by somebody, or not to be removed today: no reason not to make another machine
         finally:
             os.close(descriptor)
 
 
 def remove_tree(folder):
-    """Removes a folder with everything in it, closed folders (overlayfs leaves one) included."""
+    """Removes a folder with everything in it: also closed folders (overlayfs leaves one), and files that a script made
+    immutable."""
+    try:
+        _remove_tree(folder)
+    except PermissionError:
+        _make_mutable(folder)
+        _remove_tree(folder)
+
+
+def _remove_tree(folder):
     import shutil  # only here: it costs a `list` or `status` a third of its time
 
     for parent, folders, _ in os.walk(folder):
@@ -227,3 +243,22 @@ def remove_tree(folder):
             if not os.path.islink(path):
                 os.chmod(path, 0o700)
     shutil.rmtree(folder)
+
+
+def _make_mutable(folder):
+    """Takes back what `chattr +i` and `chattr +a` set, on folders and files."""
+    for parent, _, files in os.walk(folder):
+        for path in (parent, *(os.path.join(parent, name) for name in files)):
+            try:
+                # Without waiting, as for the other end of a pipe.
+                descriptor = os.open(path, os.O_RDONLY | os.O_NOFOLLOW | os.O_NONBLOCK)
+            except OSError:
+                continue
+            try:
+                flags = fcntl.ioctl(descriptor, _GET_FLAGS, bytes(_FLAGS_SIZE))
+                mutable = int.from_bytes(flags, sys.byteorder) & ~_IMMUTABLE_OR_ONLY_APPENDED
+                fcntl.ioctl(descriptor, _SET_FLAGS, mutable.to_bytes(_FLAGS_SIZE, sys.byteorder))
+            except OSError:
+                pass
+            finally:
+                os.close(descriptor)
