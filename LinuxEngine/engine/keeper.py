@@ -85,6 +85,7 @@ def _keep(report, word):
         system.mount_processes()
         _let_go_of_everything_but(word)
         if os.read(word, 1):
+            kernel.give_up_power_over_the_host()
             signal.signal(signal.SIGCHLD, signal.SIG_IGN)
             os.execv("/bin/sleep", ["sleep", "infinity"])
     except OSError as error:

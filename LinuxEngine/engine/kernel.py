@@ -22,7 +22,15 @@ UNMOUNT_DETACHED = 0x2
 
 _SET_CHILD_SUBREAPER = 36
 _DROP_FROM_BOUNDING_SET = 24
-_CAPABILITIES_OVER_THE_HOST = {"sys_module": 16, "sys_rawio": 17, "sys_time": 25}
+# To mount (or uncover what is mounted over), to look into a process that may, and ways around both: to open a file by its
+# number on the disk, to make a device, to run code in the kernel.
+_CAPABILITIES_OVER_THE_HOST = {"dac_read_search": 2, "sys_module": 16, "sys_rawio": 17, "sys_ptrace": 19,
+                               "sys_admin": 21, "sys_boot": 22, "sys_time": 25, "mknod": 27, "perfmon": 38,
+                               "bpf": 39}  # fmt: skip
+_SET_MOUNT_ATTRIBUTES_NUMBER = 442
+_FROM_THE_WORKING_FOLDER = -100
+_RECURSIVELY = 0x8000
+_ATTRIBUTE_READ_ONLY = 0x1
 _PIVOT_ROOT_NUMBERS = {"x86_64": 155, "aarch64": 41}
 
 _library = ctypes.CDLL(None, use_errno=True)
@@ -57,6 +65,22 @@ def mount(source, target, kind=None, flags=0, options=None):
     )
 
 
+def make_read_only(folder):
+    """A mount with all that is mounted in it."""
+    attributes = (ctypes.c_uint64 * 4)(_ATTRIBUTE_READ_ONLY)
+    _check(
+        _library.syscall(
+            ctypes.c_long(_SET_MOUNT_ATTRIBUTES_NUMBER),
+            ctypes.c_long(_FROM_THE_WORKING_FOLDER),
+            os.fsencode(folder),
+            ctypes.c_ulong(_RECURSIVELY),
+            attributes,
+            ctypes.c_size_t(ctypes.sizeof(attributes)),
+        ),
+        f"read-only {folder}",
+    )
+
+
 def change_root(folder):
     """Makes a mounted folder the root of this mount namespace and lets the old root go."""
     os.chdir(folder)
@@ -79,6 +103,6 @@ def adopt_orphans():
 
 
 def give_up_power_over_the_host():
-    """What is started from here cannot set the clock, load kernel modules or reach the hardware."""
+    """What is started from here cannot mount, set the clock, load kernel modules or reach the hardware."""
     for name, number in _CAPABILITIES_OVER_THE_HOST.items():
         _check(_library.prctl(_DROP_FROM_BOUNDING_SET, number, 0, 0, 0), f"giving up {name}")

@@ -94,15 +94,18 @@ def _mount_layer(machine, name):
 
 
 def _share_host_files(root):
-    """The host's files at /mnt/mac and, but for the folders of the system, at their own path."""
+    """The host's files at /mnt/mac, where those of the system can only be read, and people's at their own path, too."""
     os.makedirs(root + "/mnt/mac", exist_ok=True)
     kernel.mount("/", root + "/mnt/mac", None, _SHARED)
+    kernel.make_read_only(root + "/mnt/mac")
     for name in ("proc", "sys", "dev", "run"):
         _hide(f"{root}/mnt/mac/{name}")
+    kernel.mount("/tmp", root + "/mnt/mac/tmp", None, _SHARED)
     for entry in os.scandir("/"):
         if entry.is_dir(follow_symlinks=False) and entry.name not in _NOT_SHARED:
             os.makedirs(root + entry.path, exist_ok=True)
             kernel.mount(entry.path, root + entry.path, None, _SHARED)
+            kernel.mount(entry.path, root + "/mnt/mac" + entry.path, None, _SHARED)
     for state in (root + state_folder(), root + "/mnt/mac" + state_folder()):
         if os.path.isdir(state):
             _hide(state)

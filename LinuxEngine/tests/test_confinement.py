@@ -1,0 +1,86 @@
+#!/usr/bin/python3
+"""What a script cannot do from a machine to the computer, tried by scripts that mean to."""
+
+import os
+import tempfile
+
+from harness.engine_case import EngineCase, main
+
+# With ctypes, as a script would that brings its own program. Each ends with 0 when it got where it must not.
+_TRACE = "import ctypes, sys; exit(ctypes.CDLL(None).ptrace(16, int(sys.argv[1]), 0, 0) != 0)"
+_OPEN_BY_NUMBER = """
+import ctypes, os, struct
+c = ctypes.CDLL(None)
+handle = ctypes.create_string_buffer(struct.pack("Ii", 120, 0) + bytes(120))
+if c.name_to_handle_at(-100, b"/mnt/mac/etc/hostname", handle, ctypes.byref(ctypes.c_int()), 0) != 0:
+    exit(1)
+shared = os.open("/mnt/mac/tmp", os.O_RDONLY)
+exit(c.open_by_handle_at(shared, handle, os.O_RDWR) < 0)
+"""
+
+
+class Confinement(EngineCase):
+    def setUp(self):
+        super().setUp()
+        self.create()
+
+    def assert_refused(self, *attempts):
+        for attempt in attempts:
+            with self.subTest(attempt):
+                self.assertNotEqual(self.script("box", attempt).returncode, 0)
+
+    def test_the_hosts_system_can_be_read_and_not_changed(self):
+        with tempfile.NamedTemporaryFile(prefix="tidewell-test-", dir="/var/tmp") as file:
+            self.assertEqual(self.script("box", f"cat /mnt/mac{file.name}; cat /mnt/mac/etc/hostname").returncode, 0)
+            self.assert_refused(f"rm -f /mnt/mac{file.name}", f"echo changed > /mnt/mac{file.name}")
+            self.assertEqual(file.read(), b"")
+            self.assertTrue(os.path.exists(file.name))
+        self.assert_refused(
+            *(f"touch /mnt/mac/{name}/tidewell-test" for name in ("", "boot", "etc", "opt", "usr", "var"))
+        )
+
+    def test_nothing_can_be_mounted_or_uncovered(self):
+        self.assert_refused(
+            "mount -t tmpfs tmpfs /opt",
+            "mount --bind /home /opt",
+            "mount -o remount,bind,rw /mnt/mac",
+            "mount -o remount,bind,rw /mnt/mac/etc",
+            "mount -o remount,bind,rw /proc/sys",
+            "umount /proc/sys",
+            "umount -l /mnt/mac/proc",
+            "umount -l /mnt/mac",
+        )
+
+    def test_a_user_namespace_of_ones_own_uncovers_nothing_either(self):
+        self.assert_refused(
+            *(
+                f"unshare --user --map-root-user --mount {command}"
+                for command in (
+                    "umount -l /mnt/mac/proc",
+                    "umount -l /proc/sys",
+                    "mount -o remount,bind,rw /mnt/mac",
+                    "mount -o remount,bind,rw /proc/sys",
+                )
+            )
+        )
+
+    def test_no_process_with_more_rights_can_be_taken_over(self):
+        self.assert_refused(
+            "nsenter --target 1 --mount true",
+            f"python3 -c '{_TRACE}' $PPID",
+            "cat /proc/$PPID/environ",
+            "exec 3> /proc/$PPID/mem",
+        )
+
+    def test_no_file_is_reached_past_its_path_and_no_device_made(self):
+        self.assert_refused(f"python3 - <<'END'\n{_OPEN_BY_NUMBER}\nEND", "mknod /opt/disk b 8 0", "mknod /opt/null c 1 3")
+
+    def test_what_people_share_can_be_written(self):
+        for folder in ("/tmp", os.path.expanduser("~")):
+            with tempfile.TemporaryDirectory(prefix=".tidewell-test-", dir=folder) as shared:
+                self.assert_succeeds(self.script("box", f"echo written > /mnt/mac{shared}/file"))
+                self.assertTrue(os.path.exists(shared + "/file"))
+
+
+if __name__ == "__main__":
+    main()
