@@ -49,6 +49,8 @@ TEST(Alert, SetsItsTitleAsAHeadlineAndItsMessageAsRunningTextInLinesOfReadableLe
     EXPECT_EQ(title->font(), Typography::headline());
     EXPECT_EQ(text->font(), Typography::body());
     EXPECT_GE(text->width(), 420);
+    EXPECT_EQ(text->minimumWidth(), 420);
+    EXPECT_EQ(title->minimumWidth(), 420);
     EXPECT_EQ(alert->textFormat(), Qt::PlainText);
 }
 

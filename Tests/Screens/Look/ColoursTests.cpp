@@ -98,6 +98,24 @@ TEST(Colours, HaveTheHueThatTheyAreCalledInLightAndDark)
     }
 }
 
+TEST(Colours, AreTheirOwnInLightAndInDark)
+{
+    struct Pair {
+        ColourOfPalette colour;
+        QRgb light;
+        QRgb dark;
+    };
+    for (const auto &[colour, light, dark] :
+         {Pair{Colours::red, 0xb3150c, 0xff7b72}, Pair{Colours::orange, 0x8f4700, 0xffa657},
+          Pair{Colours::green, 0x0f6425, 0x56d364}, Pair{Colours::purple, 0x7a2ba8, 0xd2a8ff},
+          Pair{Colours::found, 0xffe066, 0x403500}}) {
+        EXPECT_EQ(colour(lightPalette()), QColor::fromRgb(light));
+        EXPECT_EQ(colour(darkPalette()), QColor::fromRgb(dark));
+    }
+    EXPECT_TRUE(Colours::isDark(QPalette(QColor::fromRgb(0x7e7e7e)))) << "a window is dark below the middle";
+    EXPECT_FALSE(Colours::isDark(QPalette(QColor::fromRgb(0x818181))));
+}
+
 TEST(Colours, MixOneOverAnotherByItsShare)
 {
     EXPECT_EQ(Colours::mixed(Qt::black, Qt::white, 0.25F).rgb(), QColor::fromRgb(0xbfbfbf).rgb());

@@ -1,10 +1,12 @@
 #include "Look/Colours.h"
+#include "Look/RoundedFrame.h"
 #include "Look/Typography.h"
 #include "Screens/Look/DarkPalette.h"
 #include "Screens/Look/RowListTest.h"
 #include "Screens/Places.h"
 
 #include <QImage>
+#include <QPainter>
 
 namespace
 {
@@ -67,6 +69,17 @@ TEST_F(RowWidgetTest, SetsItsLinesInTheTypeAndColourOfTheirRank)
         EXPECT_EQ(lines[primary]->palette().color(QPalette::WindowText), Colours::primary(palette));
     for (const int secondary : {1, 2})
         EXPECT_EQ(lines[secondary]->palette().color(QPalette::WindowText), Colours::secondary(palette));
+}
+
+TEST_F(RowWidgetTest, HasTheRingOfItsFocusWithinItsEdges)
+{
+    QImage unfocused = row->grab().toImage();
+    QPainter painter(&unfocused);
+    const QRectF place(2, 2, row->width() - 4, row->height() - 5);
+    RoundedFrame::drawRing(painter, place, 4, 2, row->palette());
+    painter.end();
+    row->setFocus();
+    EXPECT_EQ(row->grab().toImage(), unfocused);
 }
 
 TEST_F(RowWidgetTest, IsPartedFromTheNextByALineInLightAndDark)

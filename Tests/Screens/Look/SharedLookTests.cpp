@@ -151,12 +151,18 @@ TEST(StatusDot, ShowsEachStateInTheColourThatItIsCalled)
         return picture.pixelColor(picture.width() / 2, picture.height() / 2);
     };
     EXPECT_LT(middle(StatusDot::Colour::grey).hslSaturationF(), 0.1F);
-    for (const auto &[colour, hue] : {std::pair(StatusDot::Colour::red, 3),
-                                      {StatusDot::Colour::orange, 35},
-                                      {StatusDot::Colour::yellow, 48},
-                                      {StatusDot::Colour::green, 135}}) {
+    EXPECT_EQ(middle(StatusDot::Colour::grey), QColor::fromRgb(0x8e8e93));
+    struct Hue {
+        StatusDot::Colour colour;
+        int hue;
+        QRgb exactly;
+    };
+    for (const auto &[colour, hue, exactly] :
+         {Hue{StatusDot::Colour::red, 3, 0xff3b30}, Hue{StatusDot::Colour::orange, 35, 0xff9500},
+          Hue{StatusDot::Colour::yellow, 48, 0xffcc00}, Hue{StatusDot::Colour::green, 135, 0x34c759}}) {
         EXPECT_NEAR(middle(colour).hslHue(), hue, 5);
         EXPECT_GT(middle(colour).hslSaturationF(), 0.5F);
+        EXPECT_EQ(middle(colour), QColor::fromRgb(exactly));
     }
 }
 
@@ -170,4 +176,15 @@ TEST(StatusDot, SaysItsStateInWords)
     const QColor middle = picture.pixelColor(picture.width() / 2, picture.height() / 2);
     EXPECT_GT(middle.green(), middle.red());
     EXPECT_GT(middle.green(), middle.blue());
+}
+
+TEST(StatusDot, HasARimALittleDarkerThanItself)
+{
+    StatusDot dot(12);
+    dot.setState(StatusDot::Colour::yellow, u"OrbStack starting…"_s);
+    const QImage picture = dot.grab().toImage();
+    const QColor rim = picture.pixelColor(0, picture.height() / 2);
+    EXPECT_NEAR(rim.valueF(), 0.8F, 0.03F);
+    EXPECT_NEAR(rim.hsvHue(), QColor::fromRgb(0xffcc00).hsvHue(), 3);
+    EXPECT_EQ(dot.toolTip(), u"OrbStack starting…"_s);
 }

@@ -45,6 +45,14 @@ TEST_F(OutputPaneTest, SaysWhereOutputAppearsWhereItsFirstLineWillBe)
     EXPECT_FALSE(inked({8, 8 + metrics.height() + 2, width, 40})) << "below it";
 }
 
+TEST_F(OutputPaneTest, IsNeverLowerThanAHundredAndSixtyPoints)
+{
+    EXPECT_EQ(pane.minimumHeight(), 160);
+    EXPECT_EQ(pane.sizeHint(), QSize(400, 160));
+    EXPECT_EQ(pane.viewport()->cursor().shape(), Qt::IBeamCursor);
+    EXPECT_EQ(pane.horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+}
+
 TEST_F(OutputPaneTest, ShowsItsCaretWhileItHasTheFocusAndNothingIsSelected)
 {
     run.append(u"      "_s, OutputKind::out);

@@ -1,9 +1,11 @@
+#include "Look/Typography.h"
 #include "Screens/TestWindow.h"
 #include "Screens/TidewellApp/MenuActions.h"
 #include "TidewellApp/MainWindow.h"
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextBrowser>
@@ -73,6 +75,9 @@ TEST(Menus, HelpBeginsAtItsBeginningAndHasNoLinkThatLeadsNowhere)
     ASSERT_NE(page, nullptr);
     ASSERT_TRUE(waitUntil([page] { return page->verticalScrollBar()->maximum() > 0; }));
     EXPECT_EQ(page->verticalScrollBar()->value(), 0);
+    EXPECT_EQ(page->textCursor().position(), 0);
+    EXPECT_EQ(page->font(), Typography::body());
+    EXPECT_EQ(page->document()->documentMargin(), 16);
     int links = 0;
     for (QTextBlock block = page->document()->begin(); block.isValid(); block = block.next()) {
         for (auto piece = block.begin(); !piece.atEnd(); ++piece) {
@@ -82,4 +87,22 @@ TEST(Menus, HelpBeginsAtItsBeginningAndHasNoLinkThatLeadsNowhere)
         }
     }
     EXPECT_GT(links, 0);
+}
+
+TEST(Menus, HelpComesForwardWhenAskedForAgainAndIsClosedByItsShortcut)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+    const QPointer<QTextBrowser> page = window.findChild<QTextBrowser *>();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(page));
+    EXPECT_EQ(ByName::nameOf(page), u"Tidewell Help"_s);
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(page));
+    QTest::keySequence(page, QKeySequence::Close);
+    EXPECT_TRUE(waitUntil([&page] { return page.isNull(); }));
+    EXPECT_TRUE(window.isVisible());
 }

@@ -1,6 +1,9 @@
 #include "TidewellApp/Files/OutputSaving.h"
 
+#include "Look/PlainLabel.h"
+#include "Look/Typography.h"
 #include "Screens/KeyboardWalk.h"
+#include "Screens/Places.h"
 #include "Screens/TestWindow.h"
 #include "TidewellApp/Files/SavingSheet.h"
 #include "TidewellApp/MainWindow.h"
@@ -137,6 +140,13 @@ TEST_F(OutputSavingTest, TellsHowFarItHasCome)
     auto *bar = ByName::find<QProgressBar>(*sheet(), u"Saving “output.txt”…"_s);
     ASSERT_NE(bar, nullptr);
     EXPECT_EQ(bar->value(), bar->minimum());
+    EXPECT_FALSE(bar->isTextVisible());
+    const auto *title = ByName::find<PlainLabel>(*sheet(), u"Saving “output.txt”…"_s);
+    const auto *cancel = ByName::find<QPushButton>(*sheet(), u"Cancel"_s);
+    EXPECT_EQ(Places::gapsBelow(*sheet(), {{title}, {bar, cancel}}), QList<int>{8});
+    EXPECT_EQ(Places::gapsBeside(*sheet(), {bar, cancel}), QList<int>{12});
+    EXPECT_EQ(Places::in(*sheet(), cancel).right(), Places::in(*sheet(), title).right());
+    EXPECT_EQ(title->font(), Typography::headline());
     half.release();
     EXPECT_TRUE(waitUntil([bar] { return bar->value() == bar->maximum() / 2; }));
     all.release();

@@ -1,0 +1,110 @@
+#include "Look/RoundedFrame.h"
+
+#include "Look/Colours.h"
+#include "Screens/Look/DarkPalette.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+/// A scroll area with such a frame in a window, and pictures of it and of what it should be.
+class FramedArea
+{
+public:
+    FramedArea(RoundedFrame::Ground ground, const QPalette &palette)
+    {
+        m_window.setPalette(palette);
+        m_window.resize(200, 120);
+        area.setGeometry(20, 20, 100, 60);
+        area.setFocusPolicy(Qt::StrongFocus);
+        new RoundedFrame(ground, &area);
+        m_window.show();
+        m_window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&m_window));
+        m_window.setFocus();
+    }
+
+    QImage picture() { return m_window.grab(area.geometry()).toImage(); }
+
+    template <typename Draw>
+    QImage expected(const Draw &draw) const
+    {
+        QImage image(area.size(), QImage::Format_RGB32);
+        image.fill(m_window.palette().color(QPalette::Window));
+        QPainter painter(&image);
+        draw(painter, QRectF(area.rect()));
+        painter.end();
+        return image;
+    }
+
+    QWidget &window() { return m_window; }
+
+private:
+    QWidget m_window;
+
+public:
+    QScrollArea area{&m_window};
+};
+
+QPalette withRing(QPalette palette)
+{
+    palette.setColor(QPalette::Highlight, Qt::magenta);
+    return palette;
+}
+
+} // namespace
+
+TEST(RoundedFrame, OutlinesAFieldAlwaysWithItsRingWithinTheOutline)
+{
+    for (const QPalette &palette : {withRing(QPalette()), withRing(darkPalette())}) {
+        FramedArea framed(RoundedFrame::Ground::field, palette);
+        EXPECT_EQ(framed.area.lineWidth(), 3);
+        const auto plain = [&](QPainter &painter, const QRectF &whole) {
+            RoundedFrame::draw(painter, whole, 6, Colours::line(palette, 0.4F), palette.color(QPalette::Base));
+        };
+        EXPECT_EQ(framed.picture().convertToFormat(QImage::Format_RGB32), framed.expected(plain));
+        framed.area.setFocus();
+        EXPECT_EQ(framed.picture().convertToFormat(QImage::Format_RGB32),
+                  framed.expected([&](QPainter &painter, const QRectF &whole) {
+                      plain(painter, whole);
+                      RoundedFrame::drawRing(painter, whole.adjusted(1, 1, -1, -1), 5, 2, palette);
+                  }));
+    }
+}
+
+TEST(RoundedFrame, OutlinesAPaneInTheDarkOnly)
+{
+    for (const QPalette &palette : {withRing(QPalette()), withRing(darkPalette())}) {
+        FramedArea framed(RoundedFrame::Ground::pane, palette);
+        EXPECT_EQ(framed.area.lineWidth(), 2);
+        const auto plain = [&](QPainter &painter, const QRectF &whole) {
+            const QColor outline = Colours::isDark(palette) ? Colours::line(palette, 0.25F) : QColor();
+            RoundedFrame::draw(painter, whole, 6, outline, Colours::pane(palette));
+        };
+        EXPECT_EQ(framed.picture().convertToFormat(QImage::Format_RGB32), framed.expected(plain));
+        framed.area.setFocus();
+        EXPECT_EQ(framed.picture().convertToFormat(QImage::Format_RGB32),
+                  framed.expected([&](QPainter &painter, const QRectF &whole) {
+                      plain(painter, whole);
+                      RoundedFrame::drawRing(painter, whole, 6, 2, palette);
+                  }));
+    }
+}
+
+TEST(RoundedFrame, LosesItsRingWithTheFocus)
+{
+    FramedArea framed(RoundedFrame::Ground::field, withRing(QPalette()));
+    const QImage before = framed.picture();
+    framed.area.setFocus();
+    EXPECT_NE(framed.picture(), before);
+    framed.window().setFocus();
+    framed.area.clearFocus();
+    EXPECT_EQ(framed.picture(), before);
+}
