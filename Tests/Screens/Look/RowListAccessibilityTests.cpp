@@ -81,12 +81,21 @@ TEST_F(RowListTest, ShowsARowAlikeWhetherItIsAWidgetOrNot)
     const auto described = [interface] {
         QAccessibleInterface *row = interface->child(700);
         QStringList parts{row->text(QAccessible::Name), row->text(QAccessible::Description)};
+        EXPECT_TRUE(row->isValid());
+        EXPECT_EQ(row->child(-1), nullptr);
+        EXPECT_EQ(row->child(row->childCount()), nullptr);
+        EXPECT_EQ(row->indexOfChild(interface), -1);
         for (int index = 0; index < row->childCount(); ++index) {
             QAccessibleInterface *part = row->child(index);
             EXPECT_EQ(part->parent(), row);
             EXPECT_EQ(row->indexOfChild(part), index);
             parts.append(part->text(QAccessible::Name) + u'|' + part->text(QAccessible::Description) + u'|' +
-                         QString::number(part->role()) + u'|' + QString::number(part->state().disabled));
+                         QString::number(part->role()) + u'|' + QString::number(part->state().disabled) + u'|' +
+                         QString::number(part->state().focusable && !part->state().disabled) + u'|' +
+                         QString::number(part->childCount()));
+            EXPECT_EQ(part->child(0), nullptr);
+            EXPECT_EQ(part->indexOfChild(row), -1);
+            EXPECT_EQ(part->window(), row->window());
         }
         return parts;
     };
@@ -112,6 +121,7 @@ TEST_F(RowListTest, PressesAndFocusesAButtonOfARowThatIsNoWidget)
         return nullptr;
     };
     EXPECT_EQ(list->madeRow(700), nullptr);
+    EXPECT_EQ(buttonOf(700, u"row700"_s)->actionInterface(), nullptr) << "a text cannot be pressed";
     EXPECT_TRUE(buttonOf(700, u"Stop"_s)->actionInterface()->actionNames().isEmpty()) << "it is disabled";
     buttonOf(700, u"Delete"_s)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     ASSERT_TRUE(waitUntil([&pressed] { return pressed.count() == 1; }));

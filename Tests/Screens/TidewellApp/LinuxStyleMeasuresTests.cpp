@@ -97,9 +97,8 @@ TEST_F(LinuxStyleMeasures, DrawABoxOfSixteenPointsInTheMiddleOfItsRoom)
     box.moveCenter(area.center());
     const QColor field = palette.color(QPalette::Base);
     const auto plain = [&](float line, const QColor &ground) {
-        return picture([&](QPainter &painter) {
-            RoundedFrame::draw(painter, box, 4, Colours::line(palette, line), ground);
-        });
+        return picture(
+            [&](QPainter &painter) { RoundedFrame::draw(painter, box, 4, Colours::line(palette, line), ground); });
     };
     const auto drawn = [&](QStyle::State state) {
         return picture(QStyle::PE_IndicatorCheckBox, optionOf<QStyleOptionButton>(state));
@@ -177,12 +176,11 @@ TEST_F(LinuxStyleMeasures, RoundAGroupBoxBySixPoints)
 {
     auto option = optionOf<QStyleOptionGroupBox>(QStyle::State_Enabled);
     option.subControls = QStyle::SC_GroupBoxLabel | QStyle::SC_GroupBoxFrame;
-    EXPECT_EQ(picture([&](QPainter &painter) {
-                  style.drawComplexControl(QStyle::CC_GroupBox, &option, &painter, nullptr);
-              }),
-              picture([&](QPainter &painter) {
-                  RoundedFrame::draw(painter, area, 6, Colours::line(palette, 0.25F), Colours::pane(palette));
-              }));
+    EXPECT_EQ(
+        picture([&](QPainter &painter) { style.drawComplexControl(QStyle::CC_GroupBox, &option, &painter, nullptr); }),
+        picture([&](QPainter &painter) {
+            RoundedFrame::draw(painter, area, 6, Colours::line(palette, 0.25F), Colours::pane(palette));
+        }));
 }
 
 TEST_F(LinuxStyleMeasures, GiveControlsTwentySixPointsAndMoreWhereTheyNeedMore)
@@ -208,8 +206,7 @@ TEST_F(LinuxStyleMeasures, LeaveFourPointsBesideTheTextOfAField)
 {
     const auto option = optionOf<QStyleOptionFrame>(QStyle::State_Enabled);
     EXPECT_EQ(style.subElementRect(QStyle::SE_LineEditContents, &option, nullptr),
-              base.subElementRect(QStyle::SE_LineEditContents, &option, nullptr)
-                  .adjusted(4, 0, -4, 0));
+              base.subElementRect(QStyle::SE_LineEditContents, &option, nullptr).adjusted(4, 0, -4, 0));
 }
 
 TEST_F(LinuxStyleMeasures, LeaveTheRestToThePlatform)

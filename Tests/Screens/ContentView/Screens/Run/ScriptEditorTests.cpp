@@ -1,5 +1,6 @@
 #include "ContentView/Screens/Run/ScriptEditor.h"
 #include "Look/Colours.h"
+#include "Look/Typography.h"
 #include "RunController/RunController.h"
 
 #include <QClipboard>
@@ -43,6 +44,22 @@ TEST(ScriptEditor, ShowsTheControllersScriptAndGivesItEveryChange)
     EXPECT_EQ(run.script(), u"first\n\nthird!\n\n"_s);
     run.setScript(u"loaded"_s);
     EXPECT_EQ(editor.toPlainText(), u"loaded"_s);
+}
+
+TEST(ScriptEditor, IsAFieldOfThirteenPointsFromSixLinesToTen)
+{
+    RunController run;
+    ScriptEditor editor(run);
+    editor.resize(400, 150);
+    editor.show();
+    EXPECT_EQ(editor.font(), Typography::monospaced(13));
+    EXPECT_EQ(editor.minimumHeight(), 120);
+    EXPECT_EQ(editor.maximumHeight(), 200);
+    EXPECT_EQ(editor.sizeHint().height(), 120);
+    EXPECT_EQ(editor.viewport()->geometry(), editor.rect().adjusted(3 + 2, 3 + 1, -3 - 2, -3 - 1));
+    EXPECT_EQ(editor.tabStopDistance(), 4 * editor.fontMetrics().horizontalAdvance(u' '));
+    EXPECT_EQ(editor.wordWrapMode(), QTextOption::WrapAnywhere);
+    EXPECT_FALSE(editor.document()->isUndoAvailable());
 }
 
 TEST(ScriptEditor, ChangesNothingOfAScriptThatWasOnlyShown)
