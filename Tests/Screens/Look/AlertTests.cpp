@@ -34,7 +34,7 @@ TEST(Alert, BeginsItsTextsAtItsMargin)
     for (const QString &text : {u"Delete box?"_s, message}) {
         const auto *label = ByName::find<QLabel>(*alert, text);
         ASSERT_NE(label, nullptr);
-        EXPECT_NEAR(label->mapTo(alert, label->contentsRect().topLeft()).x(), margin, 2);
+        EXPECT_EQ(label->mapTo(alert, label->contentsRect().topLeft()).x(), margin);
         EXPECT_EQ(label->indent(), 0);
     }
 }

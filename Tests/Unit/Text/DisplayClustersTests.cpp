@@ -106,3 +106,60 @@ TEST(DisplayClusters, ReadNothingBeyondTheEndOfTheirText)
         EXPECT_FALSE(clusters.next(cluster));
     }
 }
+
+TEST(DisplayClusters, JoinTheScriptsWhoseLettersChangeWithTheirNeighboursAndNoOthers)
+{
+    const auto looksJoined = [](char32_t character) {
+        const QByteArray bytes = QString::fromUcs4(&character, 1).toUtf8();
+        DisplayClusters clusters(bytes);
+        DisplayCluster cluster;
+        EXPECT_TRUE(clusters.next(cluster));
+        return cluster.look == Look::joined;
+    };
+    for (const auto &[first, last] : std::initializer_list<std::pair<char32_t, char32_t>>{{0x0900, 0x0dff},
+                                                                                          {0x0f00, 0x109f},
+                                                                                          {0x1700, 0x18af},
+                                                                                          {0x1a20, 0x1cff},
+                                                                                          {0xa800, 0xa8ff},
+                                                                                          {0xa980, 0xaaff},
+                                                                                          {0xabc0, 0xabff},
+                                                                                          {0x11000, 0x11fff}}) {
+        EXPECT_FALSE(looksJoined(first - 1)) << std::hex << std::uint32_t{first};
+        EXPECT_TRUE(looksJoined(first)) << std::hex << std::uint32_t{first};
+        EXPECT_TRUE(looksJoined(last)) << std::hex << std::uint32_t{last};
+        EXPECT_FALSE(looksJoined(last + 1)) << std::hex << std::uint32_t{last};
+    }
+}
+
+TEST(DisplayClusters, GiveALetterOfAFlagTwoCells)
+{
+    for (const auto &[character, cells] :
+         std::initializer_list<std::pair<char32_t, int>>{{0x1f1e5, 1}, {0x1f1e6, 2}, {0x1f1ff, 2}}) {
+        const QByteArray bytes = QString::fromUcs4(&character, 1).toUtf8();
+        DisplayClusters clusters(bytes);
+        DisplayCluster cluster;
+        ASSERT_TRUE(clusters.next(cluster));
+        EXPECT_EQ(cluster.cells, cells) << std::hex << std::uint32_t{character};
+    }
+}
+
+TEST(DisplayClusters, NameAControlByItsKeyAndAnyOtherByItsNumber)
+{
+    EXPECT_EQ(outputSymbolName(0x1f), "^_");
+    EXPECT_EQ(outputSymbolName(0x20), "U+0020");
+    EXPECT_EQ(outputSymbolName(0x7e), "U+007E");
+    EXPECT_EQ(outputSymbolName(0x7f), "^?");
+    EXPECT_EQ(outputSymbolName(0x80), "U+0080");
+}
+
+TEST(DisplayClusters, TakeThirtyTwoCodePointsTogetherAndNoMore)
+{
+    for (const int marks : {31, 32}) {
+        const QByteArray bytes = (u"a"_s + QString(marks, QChar(0x0301))).toUtf8();
+        DisplayClusters clusters(bytes);
+        DisplayCluster cluster;
+        ASSERT_TRUE(clusters.next(cluster));
+        EXPECT_EQ(cluster.size, 1 + 2 * 31);
+        EXPECT_EQ(clusters.next(cluster), marks > 31);
+    }
+}

@@ -62,3 +62,33 @@ TEST(VisibleText, WritesOutAJoinerThatOnlyHides)
     EXPECT_EQ(VisibleText::oneLine(u"\U0001f469\u200dx"_s), u"\U0001f469⟨U+200D⟩x"_s);
     EXPECT_EQ(VisibleText::oneLine(u"1\ufe0f2"_s), u"1⟨U+FE0F⟩2"_s);
 }
+
+TEST(VisibleText, IsCutToAsLittleAsIsAskedFor)
+{
+    EXPECT_EQ(VisibleText::elidedEnd(u"ab"_s, 0), u"…"_s);
+    EXPECT_EQ(VisibleText::elidedEnd(u"ab"_s, 1), u"a…"_s);
+    EXPECT_EQ(VisibleText::elidedEnd(u"\U0001f433b"_s, 1), u"…"_s) << "half a character is none";
+    EXPECT_EQ(VisibleText::elidedMiddle(u"ab"_s, 1), u"…"_s);
+    EXPECT_EQ(VisibleText::elidedMiddle(u"abc"_s, 2), u"a…c"_s);
+    EXPECT_EQ(VisibleText::elidedMiddle(u"\U0001f433b\U0001f433"_s, 2), u"…"_s);
+}
+
+TEST(VisibleText, SaysAtMostFiveHundredAsANameAndAThousandInAToolTip)
+{
+    EXPECT_EQ(VisibleText::accessibleName(QString(500, u'x')), QString(500, u'x'));
+    EXPECT_EQ(VisibleText::accessibleName(QString(501, u'x')), QString(500, u'x') + u'…');
+    EXPECT_EQ(VisibleText::toolTip(QString(1000, u'x')), u"<span>"_s + QString(1000, u'x') + u"</span>"_s);
+    EXPECT_EQ(VisibleText::toolTip(QString(1001, u'x')), u"<span>"_s + QString(1000, u'x') + u"…</span>"_s);
+    EXPECT_EQ(VisibleText::toolTip({}), QString());
+}
+
+TEST(VisibleText, WritesOutTheFirstAndTheLastTagAndNothingBeside)
+{
+    for (const char32_t character : {U'\U000e001f', U'\U000e0020', U'\U000e007f', U'\U000e0080'}) {
+        const QString text = u"a"_s + QString::fromUcs4(&character, 1);
+        EXPECT_TRUE(VisibleText::oneLine(text).startsWith(u"a⟨U+E00"_s)) << std::uint32_t{character};
+    }
+    EXPECT_EQ(VisibleText::oneLine(u"\U000e0067"_s), u"⟨U+E0067⟩"_s) << "by itself";
+    EXPECT_EQ(VisibleText::oneLine(u"\u0301\u200c\u062e"_s), u"\u0301⟨U+200C⟩\u062e"_s) << "behind a mark alone";
+    EXPECT_EQ(VisibleText::oneLine(u"\u0645\u200c\u062e"_s), u"\u0645\u200c\u062e"_s) << "at the very start";
+}
