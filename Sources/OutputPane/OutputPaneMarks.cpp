@@ -21,7 +21,7 @@ qsizetype characterAt(QByteArrayView text, qsizetype at)
 std::vector<TextMatch> OutputPaneMarks::between(Position from, Position to) const
 {
     std::vector<TextMatch> found;
-    if (m_pattern.isEmpty() || m_text.isEmpty())
+    if (m_pattern.isEmpty())
         return found;
     const Position outside = std::min<Position>(mostOutside, m_pattern.mostBytes());
     const Position begin = std::max(m_text.begin(), from - outside);
