@@ -194,8 +194,7 @@ void RowList::place(RowWidget *row)
 
 void RowList::retire(RowWidget *row)
 {
-    // It may be in the middle of telling that it was pressed.
-    row->setIndex(-1);
+    // Later, because it may be in the middle of telling that it was pressed.
     row->hide();
     row->deleteLater();
 }
