@@ -75,6 +75,24 @@ TEST_F(QuittingSavingTest, StaysWhenTheSavingIsCancelledOrFails)
     EXPECT_TRUE(guarded.window.isVisible());
 }
 
+TEST_F(QuittingSavingTest, StaysWhenAnotherSavingEndsAfterTheOneThatWasCancelled)
+{
+    EXPECT_FALSE(quit());
+    ASSERT_NE(sheet(), nullptr);
+    ByName::press(*sheet(), u"Cancel"_s);
+    EXPECT_TRUE(waitUntil([this] { return !guarded.saving.isSaving(); }));
+    QCoreApplication::processEvents();
+    guarded.saving.action()->trigger();
+    Q_EMIT guarded.window.findChild<QFileDialog *>()->fileSelected(path);
+    mayGoOn.release();
+    EXPECT_TRUE(waitUntil([this] { return !guarded.saving.isSaving(); }));
+    // Its end is told in the next turn, and quitting would be one more.
+    for (int turn = 0; turn < 5; ++turn)
+        QCoreApplication::processEvents();
+    EXPECT_TRUE(QFile::exists(path));
+    EXPECT_TRUE(guarded.window.isVisible()) << "who called it off has not asked again";
+}
+
 TEST_F(QuittingSavingTest, WithoutAQuestionCancelsItAndLeavesTheOldFile)
 {
     QTimer::singleShot(0, &guarded.window, [this] { guarded.guard.quitWithoutQuestion(); });

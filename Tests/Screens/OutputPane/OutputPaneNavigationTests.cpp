@@ -1,0 +1,82 @@
+#include "OutputPaneTest.h"
+
+#include "Text/Utf8.h"
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+using Position = TextStore::Position;
+
+/// All that navigation says of one position, counted from `begin`.
+std::vector<Position> saidOf(OutputPane &pane, Position position, Position begin)
+{
+    const OutputPaneNavigation &navigation = pane.navigation();
+    const OutputRange word = navigation.wordAt(position);
+    const OutputRange row = navigation.rowAt(position);
+    const OutputRange line = navigation.lineAt(position);
+    std::vector<Position> said{navigation.nextCharacter(position),
+                               navigation.previousCharacter(position),
+                               navigation.nextWord(position),
+                               navigation.previousWord(position),
+                               navigation.rowBegin({position, false}).position,
+                               navigation.rowEnd({position, false}).position,
+                               navigation.lineEnd(position).position,
+                               word.begin,
+                               word.end,
+                               row.begin,
+                               row.end,
+                               line.begin,
+                               line.end};
+    for (Position &each : said)
+        each -= begin;
+    return said;
+}
+
+} // namespace
+
+TEST_F(OutputPaneTest, IsWalkedThroughFarIntoATextAsAtItsStart)
+{
+    const QString sample = u"first\nA word,  two_words!\r\n\n\tcaf\u00e9 \u4e2d\u6587 e\u0301x (\u05d0\u05d1) \u0915\u094d\u0937\n"_s +
+                           u"a row that goes on and on and on "_s.repeated(12) + u"\nlast\n"_s;
+    const QByteArray bytes = sample.toUtf8();
+    RunController far;
+    OutputPane farPane(far, far.transcript().text());
+    farPane.resize(pane.size());
+    farPane.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&farPane));
+    far.append(u"0123456789 abcde\n"_s.repeated(20'000), OutputKind::out);
+    const Position begin = far.transcript().end();
+    ASSERT_GT(far.transcript().text().blockAt(begin), 1) << "in another block than the text's start";
+    far.append(sample, OutputKind::out);
+    run.append(sample, OutputKind::out);
+    const Position second = bytes.indexOf('\n') + 1;
+    const Position last = bytes.lastIndexOf("last");
+    for (Position at = second; at < last; ++at) {
+        if (!Utf8::isContinuation(bytes[at])) {
+            EXPECT_EQ(saidOf(farPane, begin + at, begin), saidOf(pane, at, 0)) << "at " << at;
+        }
+    }
+}
+
+TEST_F(OutputPaneTest, StaysWithinItsTextAtBothItsEnds)
+{
+    run.append(u"one two\nlast"_s, OutputKind::out);
+    const OutputPaneNavigation &navigation = pane.navigation();
+    EXPECT_EQ(navigation.previousCharacter(0), 0);
+    EXPECT_EQ(navigation.previousWord(0), 0);
+    EXPECT_EQ(navigation.previousWord(1), 0);
+    EXPECT_EQ(navigation.previousWord(4), 0);
+    EXPECT_EQ(navigation.previousWord(5), 4);
+    EXPECT_EQ(navigation.nextWord(0), 4);
+    EXPECT_EQ(navigation.nextWord(4), 7) << "before the line end";
+    EXPECT_EQ(navigation.nextWord(7), 8) << "behind it";
+    EXPECT_EQ(navigation.previousWord(8), 7);
+    EXPECT_EQ(navigation.nextWord(8), 12);
+    EXPECT_EQ(navigation.nextWord(12), 12);
+    EXPECT_EQ(navigation.nextCharacter(12), 12);
+    EXPECT_EQ(navigation.previousCharacter(12), 11);
+    EXPECT_EQ(navigation.lineEnd(9).position, 12);
+    EXPECT_EQ(navigation.lineEnd(0).position, 7);
+}
