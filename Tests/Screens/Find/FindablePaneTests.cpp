@@ -285,6 +285,31 @@ TEST_F(FindablePaneTest, SearchesOnThroughClearAndANewRunAndEndsWithItsWindow)
     EXPECT_EQ(QApplication::activeWindow(), &window);
 }
 
+TEST_F(FindablePaneTest, SelectsNothingAfterItsBarIsClosed)
+{
+    const TextView &all = run.transcript().record();
+    for (int piece = 0; piece < 40; ++piece)
+        run.append(u"0123456789abcdef\n"_s.repeated(60'000), OutputKind::out);
+    run.append(u"needle\n"_s, OutputKind::out);
+    auto *pane = new OutputPane(run, all);
+    FindablePane hasty(pane, run, &window);
+    window.layout()->addWidget(&hasty);
+    hasty.show();
+    const auto typeInto = [](FindablePane &where) {
+        where.find();
+        where.findChild<QLineEdit *>()->setText(u"needle"_s);
+    };
+    typeInto(hasty);
+    QTest::keyClick(hasty.findChild<QLineEdit *>(), Qt::Key_Escape);
+    auto *patientPane = new OutputPane(run, all);
+    FindablePane patient(patientPane, run, &window);
+    window.layout()->addWidget(&patient);
+    patient.show();
+    typeInto(patient);
+    EXPECT_TRUE(waitUntil([&] { return patientPane->selectedText() == u"needle"_s; })) << "asked for later";
+    EXPECT_EQ(pane->selectedText(), QString());
+}
+
 TEST_F(FindablePaneTest, IsWalkedThroughByKeyboard)
 {
     run.append(u"some text\n"_s, OutputKind::out);

@@ -169,6 +169,16 @@ TEST(NoteText, IsHiddenWhileEmpty)
     EXPECT_FALSE(note.isVisible());
 }
 
+TEST(PlainTextBox, WaitsWithACarriageReturnForWhatComesBehindIt)
+{
+    QString text = u"one\r"_s;
+    LogBox box(u"Log"_s, 90, [&text] { return text; }, nullptr);
+    EXPECT_EQ(box.shownText(), u"one"_s);
+    text = u"one\r\ntwo\r"_s;
+    box.reload();
+    EXPECT_TRUE(waitUntil([&box] { return box.shownText() == u"one\r\ntwo"_s; }));
+}
+
 TEST(PlainTextBox, CopiesALineOfAnyLengthAsOne)
 {
     QString text = QString(9001, u'x') + u"\n<b>second</b>\n\n"_s + u"😀"_s.repeated(3000);

@@ -1,3 +1,4 @@
+#include "Look/Typography.h"
 #include "Screens/Look/RowListTest.h"
 
 TEST_F(RowListTest, ShowsTextsDotAndButtonsOfARow)
@@ -174,6 +175,21 @@ TEST_F(RowListTest, IsQuickForAThousandRows)
     // Several times what is allowed, so that a sanitizer passes; the figures are the benchmark's.
     EXPECT_LT(filling / 1000000, 1500);
     EXPECT_LT(unchanged / 1000000, 50);
+}
+
+TEST_F(RowListTest, MeasuresItsRowsAnewInAnotherFont)
+{
+    list->setRows(rowsNumbered(0, 100));
+    const int usualHeight = list->row(0)->height();
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPixelSize(3 * QFontInfo(usual).pixelSize());
+    QApplication::setFont(large);
+    EXPECT_TRUE(waitUntil([&] { return list->row(0)->height() > 2 * usualHeight; }));
+    EXPECT_EQ(list->widget()->height(), 100 * list->row(0)->height());
+    EXPECT_EQ(list->row(0)->findChild<PlainLabel *>()->font(), Typography::headline());
+    QApplication::setFont(usual);
+    EXPECT_TRUE(waitUntil([&] { return list->row(0)->height() == usualHeight; }));
 }
 
 TEST_F(RowListTest, FollowsTheWidthOfTheWindow)

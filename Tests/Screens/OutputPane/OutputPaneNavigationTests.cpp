@@ -38,8 +38,9 @@ std::vector<Position> saidOf(OutputPane &pane, Position position, Position begin
 
 TEST_F(OutputPaneTest, IsWalkedThroughFarIntoATextAsAtItsStart)
 {
-    const QString sample = u"first\nA word,  two_words!\r\n\n\tcaf\u00e9 \u4e2d\u6587 e\u0301x (\u05d0\u05d1) \u0915\u094d\u0937\n"_s +
-                           u"a row that goes on and on and on "_s.repeated(12) + u"\nlast\n"_s;
+    const QString sample =
+        u"first\nA word,  two_words!\r\n\n\tcaf\u00e9 \u4e2d\u6587 e\u0301x (\u05d0\u05d1) \u0915\u094d\u0937\n"_s +
+        u"a row that goes on and on and on "_s.repeated(12) + u"\nlast\n"_s;
     const QByteArray bytes = sample.toUtf8();
     RunController far;
     OutputPane farPane(far, far.transcript().text());

@@ -3,6 +3,7 @@
 #include "Look/Colours.h"
 #include "Look/Typography.h"
 #include "OutputPane/OutputPanePainter.h"
+#include "Screens/PaintWatch.h"
 
 #include <QClipboard>
 #include <QElapsedTimer>
@@ -51,6 +52,21 @@ TEST_F(OutputPaneTest, IsNamedAndReachedByKeyboardAndAtLeast160High)
     EXPECT_EQ(pane.accessibleName(), u"Output"_s);
     EXPECT_NE(pane.focusPolicy() & Qt::TabFocus, 0);
     EXPECT_EQ(pane.minimumHeight(), 160);
+}
+
+TEST_F(OutputPaneTest, IsPaintedOnceAFrameHoweverOftenTextComes)
+{
+    run.append(u"first\n"_s, OutputKind::out);
+    ASSERT_TRUE(showsEnd());
+    const PaintWatch watch(*pane.viewport());
+    QElapsedTimer time;
+    time.start();
+    while (watch.count() < 20 && time.elapsed() < 20'000) {
+        run.append(u"more\n"_s, OutputKind::out);
+        QCoreApplication::processEvents();
+    }
+    EXPECT_GE(watch.count(), 20);
+    EXPECT_GE(time.elapsed(), 18 * 15) << "sixty times a second";
 }
 
 TEST_F(OutputPaneTest, CopiesASelectionAcrossSegmentsWithNothingAdded)

@@ -55,6 +55,7 @@ protected:
         saving.action()->trigger();
         auto *dialog = window.findChild<QFileDialog *>();
         ASSERT_NE(dialog, nullptr);
+        EXPECT_TRUE(dialog->isVisible());
         EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptSave);
         EXPECT_EQ(dialog->windowTitle(), u"Save Output"_s);
         EXPECT_EQ(dialog->defaultSuffix(), u"txt"_s);

@@ -59,6 +59,19 @@ TEST_F(QuittingTest, AsksForEveryKindOfOperation)
     EXPECT_TRUE(quit());
 }
 
+TEST_F(QuittingTest, QuitsAtOnceWhenTheOperationEndsBeforeTheAnswer)
+{
+    tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s));
+    guarded.tools.machines.remove(u"box"_s);
+    EXPECT_FALSE(quit());
+    ASSERT_NE(asked(u"The machine box is being deleted."_s), nullptr);
+    tools().addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([this] { return !guarded.tools.machines.busy(); }));
+    QCoreApplication::processEvents();
+    QTimer::singleShot(0, &guarded.window, [this] { press(u"Quit when it is done"_s); });
+    EXPECT_TRUE(endsByItself());
+}
+
 TEST_F(QuittingTest, LeavesAnOperationWhenAskedTwice)
 {
     tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s));

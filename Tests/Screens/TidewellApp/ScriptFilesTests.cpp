@@ -35,6 +35,7 @@ protected:
     {
         auto *dialog = window.findChild<QFileDialog *>();
         ASSERT_NE(dialog, nullptr);
+        EXPECT_TRUE(dialog->isVisible());
         Q_EMIT dialog->fileSelected(path);
         delete dialog;
     }

@@ -107,6 +107,16 @@ TEST_F(OutputQueueTest, JoinsShortNeighboursOfOneStreamAndKeepsTheOrder)
     EXPECT_EQ(delivered, (std::vector<Delivered>{{"ab", false}, {"c", true}, {"d", false}}));
 }
 
+TEST_F(OutputQueueTest, JoinsNoMoreThanAChunkHolds)
+{
+    const std::string almost(64 * 1024 - 1, 'x');
+    queue.append(QByteArrayView(almost.data(), static_cast<qsizetype>(almost.size())), OutputStream::standard);
+    queue.append("y", OutputStream::standard);
+    queue.append("z", OutputStream::standard);
+    deliverAll(queue);
+    EXPECT_EQ(delivered, (std::vector<Delivered>{{almost + "y", false}, {"z", false}}));
+}
+
 TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
 {
     QByteArray block("x");
