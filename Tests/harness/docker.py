@@ -25,7 +25,15 @@ def why_not():
     missing = [tool for tool in _NEEDED if shutil.which(tool) is None]
     if client() is None:
         missing.append("docker")
-    return f"not installed: {' '.join(missing)}" if missing else ""
+    if missing:
+        return f"not installed: {' '.join(missing)}"
+    return "" if _can_make_control_groups() else "the system's control groups are read-only here"
+
+
+def _can_make_control_groups():
+    with open("/proc/self/mounts", encoding="utf-8") as file:
+        mounts = [line.split() for line in file]
+    return any(kind.startswith("cgroup") and os.access(path, os.W_OK) for _, path, kind, *_ in mounts)
 
 
 def client():
