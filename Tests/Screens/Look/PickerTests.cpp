@@ -3,14 +3,29 @@
 
 using namespace Qt::StringLiterals;
 
-TEST(Picker, SaysItsChoiceAsItsText)
+namespace
 {
+
+/// One of two choices, as assistive technology sees it.
+class PickerAccessibility : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
 #ifdef Q_OS_MACOS
-    GTEST_SKIP() << "there it is what Qt makes of it";
+        GTEST_SKIP() << "there it is what Qt makes of it";
 #endif
+        picker.addItems({u"ubuntu"_s, u"debian"_s});
+    }
+
     QWidget window;
-    Picker picker(u"Distro"_s, Picker::Label::invisible, &window);
-    picker.addItems({u"ubuntu"_s, u"debian"_s});
+    Picker picker{u"Distro"_s, Picker::Label::invisible, &window};
+};
+
+} // namespace
+
+TEST_F(PickerAccessibility, SaysItsChoiceAsItsText)
+{
     picker.setCurrentIndex(1);
     EXPECT_EQ(ByName::nameOf(&picker), u"Distro"_s);
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&picker);
@@ -33,14 +48,8 @@ TEST(Picker, SaysItsChoiceAsItsText)
     EXPECT_EQ(std::pair(start, end), std::pair(0, 6));
 }
 
-TEST(Picker, IsOneChoiceThatIsOpenedAndNotWrittenInto)
+TEST_F(PickerAccessibility, IsOneChoiceThatIsOpenedAndNotWrittenInto)
 {
-#ifdef Q_OS_MACOS
-    GTEST_SKIP() << "there it is what Qt makes of it";
-#endif
-    QWidget window;
-    Picker picker(u"Distro"_s, Picker::Label::invisible, &window);
-    picker.addItems({u"ubuntu"_s, u"debian"_s});
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&picker);
     EXPECT_TRUE(accessible->state().expandable);
     EXPECT_TRUE(accessible->state().readOnly);
