@@ -19,8 +19,9 @@ METHOD = f"""\
 - Starting and idling are watched from outside, on a display without a window manager, once in a run: fifteen starts of
   the application and of the smallest window by turns, and five minutes of both at the same time. Scripts without end run
   once as well.
-- Where the host of a virtual machine took more than a hundredth of the processor time, it is measured again after half a
-  minute's rest, ours and theirs alike, up to three times; not what takes minutes.
+- Where the host of a virtual machine took more than a hundredth of the processor time, it is measured again after a rest
+  of 45 s, ours and theirs alike, up to three times. What takes minutes is measured once, after such a rest, and what the
+  host took meanwhile stands with its figures.
 - Memory is what no other process shares (private in `/proc/PID/smaps_rollup`; of a terminal with all its processes, once it
   is idle again), less what it was before the text, over the bytes of the text. Some terminals keep their lines in
   nameless files instead; these are told apart. A terminal that is told to keep fewer lines holds only those.

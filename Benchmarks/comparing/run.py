@@ -47,7 +47,7 @@ def measurements(results, desktop, programs, folder):
             yield peer.title, False, lambda peer=peer: terminal.measure(peer, desktop, file("plain"))
 
 
-def measure(results, planned, deadline):
+def measure(results, planned, deadline, rest=time.sleep):
     """Goes on where the results end, with what `planned()` lists. Whether everything is measured."""
     for number in range(results["rounds_wanted"]):
         for title, is_long, measurement in planned():
@@ -56,7 +56,7 @@ def measure(results, planned, deadline):
             if time.monotonic() > deadline:
                 return False
             try:
-                outcome = measurement() if is_long else host.undisturbed(measurement)
+                outcome = (host.rested if is_long else host.undisturbed)(measurement, rest=rest)
                 said = f"{outcome['mib_per_second']:.1f} MiB/s" if "mib_per_second" in outcome else "measured"
             except CannotRun as reason:
                 outcome, said = str(reason), f"did not run: {reason}"

@@ -80,8 +80,11 @@ class Comparing(unittest.TestCase):
 
         results = self.results()
         results.add(0, "one", speed(1))
-        self.assertFalse(run.measure(Results.resume(os.path.join(self.folder, "results.json")), planned, deadline=0))
-        self.assertTrue(run.measure(Results.resume(os.path.join(self.folder, "results.json")), planned, float("inf")))
+        def goes_on(deadline):
+            return run.measure(Results.resume(os.path.join(self.folder, "results.json")), planned, deadline, rest=lambda _: None)
+
+        self.assertFalse(goes_on(deadline=0))
+        self.assertTrue(goes_on(float("inf")))
         self.assertEqual(done, ["minutes", "one"])
 
     def test_only_a_whole_run_is_published(self):
@@ -140,6 +143,17 @@ class Comparing(unittest.TestCase):
         self.assertEqual(tries(0, hour, hour, hour), (2, 1))
         self.assertEqual(tries(0, hour, 0, hour, 0, hour), (4, 3))
         self.assertGreaterEqual(host.taken_seconds(), 0)
+
+    def test_what_takes_minutes_is_measured_after_a_rest_and_tells_what_the_host_took_meanwhile(self):
+        happened, readings = [], iter((5, 7))
+
+        def measurement():
+            happened.append("measured")
+            return {"mib": 1}
+
+        figures = host.rested(measurement, lambda: next(readings), lambda _: happened.append("rested"))
+        self.assertEqual(figures, {"mib": 1, "seconds_taken_by_the_host": 2})
+        self.assertEqual(happened, ["rested", "measured"])
 
     def test_a_terminal_that_is_not_there_is_told_so(self):
         with self.assertRaisesRegex(CannotRun, "^not installed$"):
