@@ -2,9 +2,11 @@
 """What a script cannot do from a machine to the computer, tried by scripts that mean to."""
 
 import os
+import subprocess
 import tempfile
+import unittest
 
-from harness.engine_case import EngineCase, main
+from harness.engine_case import ORB, EngineCase, main
 
 # With ctypes, as a script would that brings its own program. Each ends with 0 when it got where it must not.
 _TRACE = "import ctypes, sys; exit(ctypes.CDLL(None).ptrace(16, int(sys.argv[1]), 0, 0) != 0)"
@@ -71,6 +73,19 @@ class Confinement(EngineCase):
             "cat /proc/$PPID/environ",
             "exec 3> /proc/$PPID/mem",
         )
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can hand a power down")
+    def test_powers_that_outlive_a_change_of_program_are_given_up_too(self):
+        def handing_down(*arguments):
+            powers = ["setpriv", "--inh-caps=+sys_admin", "--ambient-caps=+sys_admin"]
+            return subprocess.run([*powers, ORB, *arguments], env=self.environment, capture_output=True, text=True)
+
+        self.assert_succeeds(handing_down("create", "debian", "other"))
+        for attempt in ("mount -t tmpfs tmpfs /opt", "nsenter --target 1 --mount true"):
+            with self.subTest(attempt):
+                self.assertNotEqual(handing_down("-m", "other", *attempt.split()).returncode, 0)
+        same = 'test "$(grep CapPrm /proc/1/status)" = "$(grep CapPrm /proc/self/status)"'
+        self.assert_succeeds(self.script("other", same))
 
     def test_no_file_is_reached_past_its_path_and_no_device_made(self):
         self.assert_refused(f"python3 - <<'END'\n{_OPEN_BY_NUMBER}\nEND", "mknod /opt/disk b 8 0", "mknod /opt/null c 1 3")
