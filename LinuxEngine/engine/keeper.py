@@ -87,7 +87,8 @@ def _keep(report, word):
         if os.read(word, 1):
             kernel.give_up_power_over_the_host()
             signal.signal(signal.SIGCHLD, signal.SIG_IGN)
-            os.execv("/bin/sleep", ["sleep", "infinity"])
+            # Scripts can read with what environment it was started.
+            os.execve("/bin/sleep", ["sleep", "infinity"], {})
     except OSError as error:
         os.write(report, f"\n{error.args[-1]}".encode())
     finally:

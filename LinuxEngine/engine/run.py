@@ -174,6 +174,8 @@ def _become(command):
         os.umask(0o022)
         os.chdir(system.HOME)
         kernel.give_up_power_over_the_host()
+        # A folder that the caller has open would be a way out.
+        os.closerange(3, os.sysconf("SC_OPEN_MAX"))
         environment = {name: os.environ[name] for name in _PASSED_ON if name in os.environ}
         environment |= {"HOME": system.HOME, "USER": "root", "LOGNAME": "root", "SHELL": "/bin/bash",
                         "PATH": "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"}  # fmt: skip

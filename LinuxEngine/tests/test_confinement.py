@@ -74,6 +74,17 @@ class Confinement(EngineCase):
             "exec 3> /proc/$PPID/mem",
         )
 
+    def test_what_the_caller_has_open_or_in_its_environment_stays_outside(self):
+        self.environment |= {"SECRET": "x"}
+        self.create("other")
+        with self.subTest("environment"):
+            self.assertNotEqual(self.script("other", "grep -q SECRET /proc/1/environ").returncode, 0)
+        folder = os.open("/", os.O_RDONLY)
+        self.addCleanup(os.close, folder)
+        with self.subTest("folder"):
+            listed = self.orb("-m", "box", "ls", f"/proc/self/fd/{folder}/", pass_fds=[folder])
+            self.assertNotEqual(listed.returncode, 0)
+
     @unittest.skipIf(os.geteuid() != 0, "only root can hand a power down")
     def test_powers_that_outlive_a_change_of_program_are_given_up_too(self):
         def handing_down(*arguments):
