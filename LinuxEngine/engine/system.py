@@ -47,7 +47,8 @@ def build(machine):
     # Sharing the host's root would otherwise share this mount within itself.
     kernel.mount(None, root, None, kernel.MOUNT_UNBINDABLE)
     for name in _OWN_FOLDERS:
-        os.makedirs(f"{root}/{name}", exist_ok=True)
+        if not os.path.lexists(f"{root}/{name}"):
+            os.mkdir(f"{root}/{name}")
     for name in _LAYERED_FOLDERS:
         _mount_layer(machine, name)
     _share_host_files(root)
@@ -61,6 +62,13 @@ def build(machine):
     else:
         kernel.mount("sysfs", root + "/sys", "sysfs", _QUIET | kernel.MOUNT_READ_ONLY)
     kernel.change_root(root)
+
+
+def _make_place(path):
+    """A folder to mount on. A link that a script left there would be followed out of the machine."""
+    if os.path.lexists(path) and (os.path.islink(path) or not os.path.isdir(path)):
+        os.remove(path)
+    os.makedirs(path, exist_ok=True)
 
 
 def mount_processes():
@@ -85,7 +93,7 @@ def _mount_layer(machine, name):
             os.symlink(os.readlink(source), target)
     elif os.path.isdir(source):
         upper, work = machine.path("upper", name), machine.path("work", name)
-        os.makedirs(upper, exist_ok=True)
+        _make_place(upper)
         os.makedirs(work, exist_ok=True)
         options = f"lowerdir={source},upperdir={upper},workdir={work}"
         if _root_is_somebody_else_outside():
@@ -95,7 +103,8 @@ def _mount_layer(machine, name):
 
 def _share_host_files(root):
     """The host's files at /mnt/mac, where those of the system can only be read, and people's at their own path, too."""
-    os.makedirs(root + "/mnt/mac", exist_ok=True)
+    for place in ("/mnt", "/mnt/mac"):
+        _make_place(root + place)
     kernel.mount("/", root + "/mnt/mac", None, _SHARED)
     kernel.make_read_only(root + "/mnt/mac")
     for name in ("proc", "sys", "dev", "run"):
@@ -103,7 +112,7 @@ def _share_host_files(root):
     kernel.mount("/tmp", root + "/mnt/mac/tmp", None, _SHARED)
     for entry in os.scandir("/"):
         if entry.is_dir(follow_symlinks=False) and entry.name not in _NOT_SHARED:
-            os.makedirs(root + entry.path, exist_ok=True)
+            _make_place(root + entry.path)
             kernel.mount(entry.path, root + entry.path, None, _SHARED)
             kernel.mount(entry.path, root + "/mnt/mac" + entry.path, None, _SHARED)
     for state in (root + state_folder(), root + "/mnt/mac" + state_folder()):

@@ -98,6 +98,15 @@ class Confinement(EngineCase):
         same = 'test "$(grep CapPrm /proc/1/status)" = "$(grep CapPrm /proc/self/status)"'
         self.assert_succeeds(self.script("other", same))
 
+    def test_a_machine_that_starts_again_follows_no_link_of_a_script_out_of_itself(self):
+        self.assert_succeeds(self.script("box", f"mv /mnt /opt && ln -s {self.scratch} /mnt"))
+        self.assert_succeeds(self.orb("stop", "box"))
+        self.assert_succeeds(self.script("box", "cat /mnt/mac/etc/passwd >/dev/null"))
+        self.assertEqual(os.listdir(self.scratch), ["state"])
+        self.assert_succeeds(self.script("box", f"mv /mnt /opt/again && mkdir /mnt && ln -s {self.scratch} /mnt/mac"))
+        self.assert_succeeds(self.orb("stop", "box"))
+        self.assert_succeeds(self.script("box", "test -d /mnt/mac/etc"))
+
     def test_no_file_is_reached_past_its_path_and_no_device_made(self):
         self.assert_refused(f"python3 - <<'END'\n{_OPEN_BY_NUMBER}\nEND", "mknod /opt/disk b 8 0", "mknod /opt/null c 1 3")
 

@@ -133,6 +133,13 @@ class MachineLife(EngineCase):
         result = self.script("box", "cat /root-file; ls /tmp")
         self.assertEqual(result.stdout, "kept\n")
 
+    def test_a_machine_starts_again_whatever_a_script_made_of_its_folders(self):
+        self.create()
+        self.assert_succeeds(self.script("box", "rmdir /boot /opt && ln -s /nowhere /opt && mv /mnt /former && touch /boot /mnt"))
+        self.assert_succeeds(self.orb("stop", "box"))
+        result = self.script("box", "readlink /opt; test -f /boot && ls -d /mnt/mac/tmp")
+        self.assertEqual((result.stdout, result.stderr), ("/nowhere\n/mnt/mac/tmp\n", ""))
+
     def test_deletion_by_force_removes_a_running_machine_with_its_files(self):
         self.create()
         self.script("box", "mkdir -p /deep/er; chmod 000 /deep")
