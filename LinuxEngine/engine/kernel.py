@@ -24,10 +24,10 @@ _SET_CHILD_SUBREAPER = 36
 _DROP_FROM_BOUNDING_SET = 24
 _CAPABILITY_SETS_VERSION = 0x20080522
 # To mount (or uncover what is mounted over), to look into a process that may, and ways around both: to open a file by its
-# number on the disk, to make a device, to run code in the kernel.
-_CAPABILITIES_OVER_THE_HOST = {"dac_read_search": 2, "sys_module": 16, "sys_rawio": 17, "sys_ptrace": 19,
-                               "sys_admin": 21, "sys_boot": 22, "sys_time": 25, "mknod": 27, "perfmon": 38,
-                               "bpf": 39}  # fmt: skip
+# number on the disk, to make a device, to run code in the kernel. And to set up the network, which is the host's.
+_CAPABILITIES_OVER_THE_HOST = {"dac_read_search": 2, "net_admin": 12, "sys_module": 16, "sys_rawio": 17,
+                               "sys_ptrace": 19, "sys_admin": 21, "sys_boot": 22, "sys_time": 25, "mknod": 27,
+                               "perfmon": 38, "bpf": 39}  # fmt: skip
 _SET_MOUNT_ATTRIBUTES_NUMBER = 442
 _FROM_THE_WORKING_FOLDER = -100
 _RECURSIVELY = 0x8000

@@ -74,7 +74,8 @@ def _make_place(path):
 def mount_processes():
     """To be called by the machine's first process; keeps the host's settings in /proc from being changed."""
     kernel.mount("proc", "/proc", "proc", _QUIET)
-    for path in ("/proc/sys", "/proc/sysrq-trigger", "/proc/irq"):
+    for name in ("acpi", "bus", "fs", "irq", "scsi", "sys", "sysrq-trigger"):
+        path = f"/proc/{name}"
         if os.path.exists(path):
             kernel.mount(path, path, None, kernel.MOUNT_BIND)
             kernel.mount(None, path, None, kernel.MOUNT_BIND | kernel.MOUNT_REMOUNT | kernel.MOUNT_READ_ONLY | _QUIET)

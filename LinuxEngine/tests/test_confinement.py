@@ -10,6 +10,11 @@ from harness.engine_case import ORB, EngineCase, main
 
 # With ctypes, as a script would that brings its own program. Each ends with 0 when it got where it must not.
 _TRACE = "import ctypes, sys; exit(ctypes.CDLL(None).ptrace(16, int(sys.argv[1]), 0, 0) != 0)"
+_SET_NETWORK = """
+import fcntl, socket
+device = socket.socket()
+fcntl.ioctl(device, 0x8914, fcntl.ioctl(device, 0x8913, b"lo".ljust(40, b"\\0")))
+"""
 _OPEN_BY_NUMBER = """
 import ctypes, os, struct
 c = ctypes.CDLL(None)
@@ -52,6 +57,9 @@ class Confinement(EngineCase):
             "umount -l /mnt/mac/proc",
             "umount -l /mnt/mac",
         )
+
+    def test_neither_the_hardware_nor_the_network_can_be_set_up(self):
+        self.assert_refused("test -w /proc/bus", "test -w /proc/fs", f"python3 -c '{_SET_NETWORK}'")
 
     def test_a_user_namespace_of_ones_own_uncovers_nothing_either(self):
         self.assert_refused(
