@@ -69,8 +69,7 @@ void RowList::setRows(const QList<RowContent> &rows)
     const std::map<int, RowWidget *> staying = m_widgets;
     for (const auto &[index, row] : staying) {
         row->setContent(m_rows[index]);
-        if (row->index() >= 0)
-            place(row);
+        place(row);
     }
     if (!isOrderKept) {
         for (auto position = m_widgets.begin(); position != m_widgets.end(); ++position)
