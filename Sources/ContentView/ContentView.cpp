@@ -9,6 +9,7 @@
 #include "ContentView/SetupHeader.h"
 #include "ContentView/TabSelector.h"
 #include "Look/Colours.h"
+#include "Look/NestedLoops.h"
 #include "MachineStore/MachineStore.h"
 #include "RunController/RunController.h"
 #include "SetupController/SetupController.h"
@@ -188,7 +189,7 @@ void ContentView::showScreen()
     QWidget *before = m_screen->takeWidget();
     // Deleted later, because the change of tabs may have begun with one of its own buttons.
     if (before != nullptr)
-        before->deleteLater();
+        NestedLoops::deleteAfter(before);
 
     QWidget *screen = makeScreen();
     // Around whatever padding is the screen's own, which depends on where it stands.

@@ -2,7 +2,9 @@
 
 // Waiting without sleeping: the event loop turns until a condition holds or the watchdog's time is over.
 
+#include <QEventLoop>
 #include <QTest>
+#include <QTimer>
 #include <qcorotask.h>
 
 #include <chrono>
@@ -40,3 +42,14 @@ struct TaskWaiter {
     }
 };
 inline constexpr TaskWaiter waitFor;
+
+/// Takes the steps from within an event loop, as the application's own does it.
+inline void inEventLoop(const std::function<void()> &steps)
+{
+    QEventLoop loop;
+    QTimer::singleShot(0, &loop, [&] {
+        steps();
+        loop.quit();
+    });
+    loop.exec();
+}

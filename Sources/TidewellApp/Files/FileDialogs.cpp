@@ -1,5 +1,6 @@
 #include "TidewellApp/Files/FileDialogs.h"
 
+#include "Look/NestedLoops.h"
 #include "Text/VisibleText.h"
 
 #include <QFileInfo>
@@ -10,7 +11,7 @@ QFileDialog *FileDialogs::make(QWidget &window, const QString &title, QFileDialo
 {
     window.show();
     auto *dialog = new QFileDialog(&window, title);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(dialog, &QDialog::finished, dialog, [dialog] { NestedLoops::deleteAfter(dialog); });
     dialog->setAcceptMode(mode);
     dialog->setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     return dialog;

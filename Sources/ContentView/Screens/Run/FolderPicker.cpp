@@ -2,6 +2,7 @@
 
 #include "Look/Colours.h"
 #include "Look/Controls.h"
+#include "Look/NestedLoops.h"
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
 
@@ -36,7 +37,6 @@ void FolderPicker::chooseFolder()
     if (m_dialog && m_dialog->isVisible())
         return;
     m_dialog = new QFileDialog(this, u"Share a folder"_s, m_folder.value_or(QDir::homePath()));
-    m_dialog->setAttribute(Qt::WA_DeleteOnClose);
     m_dialog->setFileMode(QFileDialog::Directory);
     m_dialog->setOption(QFileDialog::ShowDirsOnly);
     m_dialog->setLabelText(QFileDialog::Accept, u"Share"_s);
@@ -45,7 +45,10 @@ void FolderPicker::chooseFolder()
         if (!path.isEmpty())
             setFolder(QDir::cleanPath(path));
     });
-    connect(m_dialog, &QFileDialog::finished, m_share, [this] { m_share->setFocus(); });
+    connect(m_dialog, &QFileDialog::finished, m_share, [this] {
+        m_share->setFocus();
+        NestedLoops::deleteAfter(m_dialog);
+    });
     m_dialog->open();
 }
 

@@ -88,6 +88,33 @@ TEST(RunView, KeepsTheFolderThatItHasWhenTheDialogIsCancelled)
     EXPECT_TRUE(runScript(window, u"pwd"_s).contains(u"\n"_s + folder + u'\n'));
 }
 
+TEST(RunView, ClosesItsFolderDialogAlsoWhileThatSaysThatThereIsNoSuchFolder)
+{
+    const auto byButton = [](ContentView &, QFileDialog &dialog) { press(dialog, u"Cancel"_s); };
+    const auto byLeaving = [](ContentView &content, QFileDialog &) { content.setTab(AppTab::machines); };
+    for (const std::function<void(ContentView &, QFileDialog &)> &close :
+         {std::function(byButton), std::function(byLeaving)}) {
+        TestWindow window;
+        ContentView &content = window.show();
+        inEventLoop([&] {
+            const QPointer<QFileDialog> dialog = openFolderDialog(content);
+            ASSERT_NE(dialog, nullptr);
+            auto *name = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s);
+            name->setText(u"no such folder"_s);
+            // Qt's dialog says so in an event loop of its own, and returns when it is answered.
+            bool hasSaidSo = false;
+            QTimer::singleShot(0, &content, [&] {
+                hasSaidSo = alert() != nullptr;
+                close(content, *dialog);
+            });
+            QTest::keyClick(name, Qt::Key_Return);
+            EXPECT_TRUE(hasSaidSo);
+            EXPECT_TRUE(waitUntil([&] { return dialog == nullptr; }));
+            EXPECT_EQ(alert(), nullptr);
+        });
+    }
+}
+
 TEST(RunView, AsksForAFolderOnceHoweverOftenItIsPressed)
 {
     TestWindow window;
