@@ -30,25 +30,40 @@ int ringInset(RoundedFrame::Ground ground)
     return ground == RoundedFrame::Ground::field ? outlineThickness : 0;
 }
 
-/// Draws within the rectangle, whose edges and whose outline are moved onto whole pixels.
-void drawSharply(QPainter &painter, const QRectF &rectangle, double radius, const QColor &outline, int points,
-                 const QBrush &ground)
+/// A rectangle whose edges are moved onto whole pixels of the screen, and lines of whole pixels within it.
+class SharpRectangle
 {
-    const QTransform toPixels = painter.deviceTransform();
-    const double scale = toPixels.m11();
-    const double pixels = std::max(1.0, std::floor(points * scale));
-    const double inset = outline.isValid() ? pixels / 2 : 0;
-    const QRectF exact = toPixels.mapRect(rectangle);
-    const QRectF whole(QPointF(std::round(exact.left()), std::round(exact.top())),
-                       QPointF(std::round(exact.right()), std::round(exact.bottom())));
-    const QRectF line = toPixels.inverted().mapRect(whole.adjusted(inset, inset, -inset, -inset));
+public:
+    SharpRectangle(const QPainter &painter, const QRectF &rectangle) : m_toPixels(painter.deviceTransform())
+    {
+        const QRectF exact = m_toPixels.mapRect(rectangle);
+        m_pixels = QRectF(QPointF(std::round(exact.left()), std::round(exact.top())),
+                          QPointF(std::round(exact.right()), std::round(exact.bottom())));
+    }
 
+    /// How wide a line of so many points is: whole pixels, in points.
+    double lineWidth(int points) const { return std::max(1.0, std::floor(points * scale())) / scale(); }
+
+    QRectF insetBy(double points) const
+    {
+        const double pixels = points * scale();
+        return m_toPixels.inverted().mapRect(m_pixels.adjusted(pixels, pixels, -pixels, -pixels));
+    }
+
+private:
+    double scale() const { return m_toPixels.m11(); }
+
+    QTransform m_toPixels;
+    QRectF m_pixels;
+};
+
+void drawRounded(QPainter &painter, const QRectF &rectangle, double radius, const QPen &pen, const QBrush &brush)
+{
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(outline.isValid() ? QPen(outline, pixels / scale) : QPen(Qt::NoPen));
-    painter.setBrush(ground);
-    const double lineRadius = radius - inset / scale;
-    painter.drawRoundedRect(line, lineRadius, lineRadius);
+    painter.setPen(pen);
+    painter.setBrush(brush);
+    painter.drawRoundedRect(rectangle, radius, radius);
     painter.restore();
 }
 
@@ -77,13 +92,23 @@ bool RoundedFrame::eventFilter(QObject *watched, QEvent *event)
 void RoundedFrame::draw(QPainter &painter, const QRectF &rectangle, double radius, const QColor &outline,
                         const QColor &ground)
 {
-    drawSharply(painter, rectangle, radius, outline, outlineThickness, ground.isValid() ? QBrush(ground) : QBrush());
+    const SharpRectangle sharp(painter, rectangle);
+    if (!outline.isValid())
+        return drawRounded(painter, sharp.insetBy(0), radius, Qt::NoPen, ground);
+    // The ground upon the outline's colour: a line drawn around it would take ten times as long, and the window is full
+    // of frames when it is first seen.
+    const double width = sharp.lineWidth(outlineThickness);
+    drawRounded(painter, sharp.insetBy(0), radius, Qt::NoPen, outline);
+    drawRounded(painter, sharp.insetBy(width), radius - width, Qt::NoPen, ground);
 }
 
 void RoundedFrame::drawRing(QPainter &painter, const QRectF &rectangle, double radius, int thickness,
                             const QPalette &palette)
 {
-    drawSharply(painter, rectangle, radius, palette.color(QPalette::Highlight), thickness, Qt::NoBrush);
+    const SharpRectangle sharp(painter, rectangle);
+    const double width = sharp.lineWidth(thickness);
+    drawRounded(painter, sharp.insetBy(width / 2), radius - width / 2, QPen(palette.color(QPalette::Highlight), width),
+                Qt::NoBrush);
 }
 
 void RoundedFrame::paint() const

@@ -27,7 +27,7 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
     /// Fills a rounded rectangle and draws its outline, a point wide, within it. The outline covers whole pixels of the
-    /// screen at every scale, so it is sharp at 1.5, too. A colour that is not valid draws nothing.
+    /// screen at every scale, so it is sharp at 1.5, too; one whose colour is not valid is not drawn.
     static void draw(QPainter &painter, const QRectF &rectangle, double radius, const QColor &outline,
                      const QColor &ground);
 
