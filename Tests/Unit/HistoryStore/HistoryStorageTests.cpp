@@ -2,6 +2,7 @@
 #include "Support/Waiting.h"
 #include "Unit/HistoryStore/HistoryStoreTest.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 
 #include <csignal>
@@ -122,7 +123,10 @@ TEST_F(HistoryStorageTest, WaitsForTheOtherOnlyForAMomentAndTriesAgain)
     HistoryStore store(supportFolder(), std::chrono::milliseconds(10));
     const int other = ::open(QFile::encodeName(storeFolder()).constData(), O_RDONLY | O_DIRECTORY);
     ASSERT_EQ(::flock(other, LOCK_EX), 0);
+    QElapsedTimer moment;
+    moment.start();
     store.add(entryNumber(1));
+    EXPECT_GE(moment.elapsed(), 1000) << "the other may be done within it";
     EXPECT_EQ(store.saveError(), u"another Tidewell is writing it"_s);
     ::close(other);
     EXPECT_TRUE(waitUntil([&] { return !store.saveError(); }));
