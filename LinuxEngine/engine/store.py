@@ -16,14 +16,15 @@ import json
 import os
 import re
 import secrets
+import stat
 import sys
 import time
 from contextlib import contextmanager
 
-# Of Linux's ioctl: the same numbers on every processor that this runs on.
+# Of Linux's ioctl: the same numbers on every processor that this runs on. They speak of 8 bytes; the kernel takes 4.
 _GET_FLAGS = 0x80086601
 _SET_FLAGS = 0x40086602
-_FLAGS_SIZE = 8
+_FLAGS_SIZE = 4
 _IMMUTABLE_OR_ONLY_APPENDED = 0x10 | 0x20
 
 NAME_PATTERN = re.compile(r"[A-Za-z0-9][A-Za-z0-9.-]{0,62}")
@@ -250,7 +251,9 @@ def _make_mutable(folder):
     for parent, _, files in os.walk(folder):
         for path in (parent, *(os.path.join(parent, name) for name in files)):
             try:
-                # Without waiting, as for the other end of a pipe.
+                # To open a device is to use it.
+                if stat.S_IFMT(os.lstat(path).st_mode) not in (stat.S_IFREG, stat.S_IFDIR):
+                    continue
                 descriptor = os.open(path, os.O_RDONLY | os.O_NOFOLLOW | os.O_NONBLOCK)
             except OSError:
                 continue

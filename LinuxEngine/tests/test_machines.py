@@ -147,21 +147,6 @@ class MachineLife(EngineCase):
         self.assertEqual(self.machines(), [])
         self.assertEqual(os.listdir(os.path.join(self.state, "machines")), [])
 
-    def test_what_a_script_made_immutable_is_deleted_with_its_machine_and_keeps_no_other_from_being_made(self):
-        self.create()
-        mark = "mkdir /opt/kept && touch /opt/kept/file /opt/log && chattr +i /opt/kept/file /opt/kept && chattr +a /opt/log"
-        if self.script("box", mark).returncode != 0:
-            self.skipTest("nothing can be made immutable here")
-        self.assert_succeeds(self.orb("stop", "box"))
-        machines = os.path.join(self.state, "machines")
-        os.rename(os.path.join(machines, "box"), os.path.join(machines, ".old-0123"))
-        os.utime(os.path.join(machines, ".old-0123"), (1, 1))
-        self.create()
-        self.assertEqual(os.listdir(machines), ["box"])
-        self.assert_succeeds(self.script("box", mark))
-        self.assert_succeeds(self.orb("delete", "-f", "box"))
-        self.assertEqual(os.listdir(machines), [])
-
     def test_deletion_without_force_asks(self):
         self.create()
         question = (
