@@ -42,9 +42,10 @@ class Confinement(EngineCase):
             self.assert_refused(f"rm -f /mnt/mac{file.name}", f"echo changed > /mnt/mac{file.name}")
             self.assertEqual(file.read(), b"")
             self.assertTrue(os.path.exists(file.name))
-        self.assert_refused(
-            *(f"touch /mnt/mac/{name}/tidewell-test" for name in ("", "boot", "etc", "opt", "usr", "var"))
-        )
+        for folder in ("/", "/boot", "/etc", "/opt", "/usr", "/var"):
+            new = os.path.join(folder, f"tidewell-test-{os.getpid()}")
+            self.addCleanup(subprocess.run, ["rm", "-f", new], check=True)
+            self.assert_refused(f"touch /mnt/mac{new}")
 
     def test_nothing_can_be_mounted_or_uncovered(self):
         self.assert_refused(

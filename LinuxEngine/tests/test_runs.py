@@ -74,12 +74,14 @@ class System(EngineCase):
 
     def test_what_a_script_changes_stays_in_its_machine(self):
         self.create("other")
-        self.assert_succeeds(self.script("box", "echo changed > /etc/tidewell-test; mkdir /opt/new"))
+        file = f"/etc/tidewell-test-{os.getpid()}"
+        self.addCleanup(subprocess.run, ["rm", "-f", file], check=True)
+        self.assert_succeeds(self.script("box", f"echo changed > {file}; mkdir /opt/new"))
         # Without root the folders inside the system's belong to somebody else, in a machine as outside.
         self.assertEqual(self.script("box", "rm /usr/bin/env").returncode, 0 if os.geteuid() == 0 else 1)
-        self.assertEqual(self.script("box", "cat /etc/tidewell-test; ls /opt").stdout, "changed\nnew\n")
-        self.assertNotEqual(self.script("other", "cat /etc/tidewell-test 2>/dev/null").returncode, 0)
-        self.assertFalse(os.path.exists("/etc/tidewell-test"))
+        self.assertEqual(self.script("box", f"cat {file}; ls /opt").stdout, "changed\nnew\n")
+        self.assertNotEqual(self.script("other", f"cat {file} 2>/dev/null").returncode, 0)
+        self.assertFalse(os.path.exists(file))
         self.assertTrue(os.path.exists("/usr/bin/env"))
 
     def test_the_script_begins_in_a_home_that_is_not_the_hosts(self):
