@@ -30,6 +30,11 @@ def start(machine):
             raise EngineError(f"start '{machine.name}': {trouble or 'the machine ended while it was starting'}")
         machine.set_keeper(int(pid))
         go.write(b"go")
+        go.flush()
+        # Only what is a program of the machine's can be entered. The pipe then has no reader any more.
+        started = select.poll()
+        started.register(go, 0)
+        started.poll()
 
 
 def stop(machine):
@@ -63,6 +68,7 @@ def _build_and_exit(machine, report, word):
         os.umask(0o022)
         if os.geteuid() != 0:
             _become_root_of_a_user_namespace()
+        kernel.close_to_others()
         kernel.unshare(_NAMESPACES)
         kernel.set_host_name(machine.name)
         system.build(machine)
@@ -83,9 +89,9 @@ def _keep(report, word):
     """The keeper. Processes that lose their parent come to it, and the kernel buries them."""
     try:
         system.mount_processes()
+        kernel.give_up_power_over_the_host()
         _let_go_of_everything_but(word)
         if os.read(word, 1):
-            kernel.give_up_power_over_the_host()
             signal.signal(signal.SIGCHLD, signal.SIG_IGN)
             # Scripts can read with what environment it was started.
             os.execve("/bin/sleep", ["sleep", "infinity"], {})

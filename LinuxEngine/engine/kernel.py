@@ -20,6 +20,7 @@ MOUNT_UNBINDABLE = 0x20000
 MOUNT_PRIVATE = 0x40000
 UNMOUNT_DETACHED = 0x2
 
+_SET_DUMPABLE = 4
 _SET_CHILD_SUBREAPER = 36
 _DROP_FROM_BOUNDING_SET = 24
 _CAPABILITY_SETS_VERSION = 0x20080522
@@ -101,6 +102,12 @@ def set_host_name(name):
 def adopt_orphans():
     """Descendants whose parents end become children of this process instead of their namespace's first one."""
     _check(_library.prctl(_SET_CHILD_SUBREAPER, 1, 0, 0, 0), "adopting orphans")
+
+
+def close_to_others():
+    """Until it starts a program, no script looks into this process and its children: their environment, memory and what
+    they have open, the interpreter among it, are the host's."""
+    _check(_library.prctl(_SET_DUMPABLE, 0, 0, 0, 0), "closing to others")
 
 
 def give_up_power_over_the_host():

@@ -40,6 +40,7 @@ def run(machine, command):
 
     for number in _ENDING_SIGNALS:
         signal.signal(number, pass_on)
+    kernel.close_to_others()
     kernel.enter(process, user | kernel.NEW_PIDS)
     warden = os.fork()
     if warden == 0:
@@ -62,6 +63,7 @@ def _watch_over(command, process, orb_lives):
         for number in _ENDING_SIGNALS:
             signal.signal(number, signal.SIG_DFL)
         kernel.enter(process, kernel.NEW_MOUNTS | kernel.NEW_HOST_NAME | kernel.NEW_IPC)
+        kernel.give_up_power_over_the_host()
         os.setsid()
         kernel.adopt_orphans()
         child_ended = _child_ends()
@@ -173,7 +175,6 @@ def _become(command):
         os.setsid()
         os.umask(0o022)
         os.chdir(system.HOME)
-        kernel.give_up_power_over_the_host()
         # A folder that the caller has open would be a way out.
         os.closerange(3, os.sysconf("SC_OPEN_MAX"))
         environment = {name: os.environ[name] for name in _PASSED_ON if name in os.environ}

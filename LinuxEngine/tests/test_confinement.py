@@ -2,6 +2,7 @@
 """What a script cannot do from a machine to the computer, tried by scripts that mean to."""
 
 import os
+import socket
 import subprocess
 import tempfile
 import unittest
@@ -23,6 +24,32 @@ if c.name_to_handle_at(-100, b"/mnt/mac/etc/passwd", handle, ctypes.byref(ctypes
     exit(1)
 shared = os.open("/mnt/mac/tmp", os.O_RDONLY)
 exit(c.open_by_handle_at(shared, handle, os.O_RDWR) < 0)
+"""
+# Of a process outside a machine, to which a socket leads: through the network, which is the computer's.
+_TAKE_WHAT_ANOTHER_HAS_OPEN = """
+import ctypes, socket, sys
+client = socket.socket(socket.AF_UNIX)
+client.connect("\\0" + sys.argv[1])
+exit(ctypes.CDLL(None).syscall(438, client.getsockopt(socket.SOL_SOCKET, 77), int(sys.argv[2]), 0) < 0)
+"""
+# Whoever has the interpreter of one of the engine's processes open can write it, the computer's own, once that has ended.
+_WAIT_FOR_ONE_OF_THE_ENGINES = """
+import os
+print("ready", flush=True)
+while True:
+    with open("/proc/loadavg") as file:
+        newest = int(file.read().split()[-1])
+    for pid in (1, *range(newest, newest + 4)):
+        try:
+            program = os.open(f"/proc/{pid}/exe", os.O_RDONLY)
+            if pid != os.getpid() and "python" in os.readlink(f"/proc/self/fd/{program}"):
+                print(f"open: the program of {pid}", flush=True)
+            os.close(program)
+            with open(f"/proc/{pid}/environ") as file:
+                if "SECRET" in file.read():
+                    print(f"read: the environment of {pid}", flush=True)
+        except OSError:
+            pass
 """
 
 
@@ -82,6 +109,26 @@ class Confinement(EngineCase):
             "cat /proc/$PPID/environ",
             "exec 3> /proc/$PPID/mem",
         )
+
+    def test_no_process_has_more_power_than_a_script(self):
+        powers = self.script("box", "grep -h CapPrm /proc/[0-9]*/status | sort -u").stdout.splitlines()
+        self.assertEqual(len(powers), 1, powers)
+
+    def test_a_run_that_starts_cannot_be_reached_from_another(self):
+        self.environment |= {"SECRET": "x"}
+        waiting = self.start_script("box", f"exec python3 - <<'END'\n{_WAIT_FOR_ONE_OF_THE_ENGINES}\nEND")
+        for _ in range(30):
+            self.assert_succeeds(self.orb("-m", "box", "true"))
+        waiting.terminate()
+        self.assertEqual(waiting.stdout.read(), "")
+
+    def test_nothing_is_taken_out_of_a_process_of_the_computer_that_a_socket_leads_to(self):
+        name = f"tidewell-test-{os.getpid()}"
+        with socket.socket(socket.AF_UNIX) as listening:
+            listening.bind("\0" + name)
+            listening.listen()
+            take = f"python3 - {name} {listening.fileno()} <<'END'\n{_TAKE_WHAT_ANOTHER_HAS_OPEN}\nEND"
+            self.assert_refused(take)
 
     def test_what_the_caller_has_open_or_in_its_environment_stays_outside(self):
         self.environment |= {"SECRET": "x"}

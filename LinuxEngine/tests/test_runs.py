@@ -202,6 +202,11 @@ class Ends(EngineCase):
         self.assertEqual(self.script("box", "hostname").stdout, "box\n")
         self.assertEqual(self.orb("status").stdout, "Running\n")
 
+    def test_a_machine_can_be_entered_as_soon_as_it_has_started(self):
+        for _ in range(30):
+            self.orb("stop", "box")
+            self.assert_succeeds(self.orb("-m", "box", "true"))
+
     def test_twenty_scripts_at_once_each_get_their_own_output(self):
         processes = [self.start_orb("-m", "box", "bash", "-s") for _ in range(20)]
         for number, process in enumerate(processes):
