@@ -32,7 +32,6 @@ _CAPABILITIES_OVER_THE_HOST = {"dac_read_search": 2, "net_admin": 12, "sys_modul
 _SET_MOUNT_ATTRIBUTES_NUMBER = 442
 _FROM_THE_WORKING_FOLDER = -100
 _RECURSIVELY = 0x8000
-_ATTRIBUTE_READ_ONLY = 0x1
 _PIVOT_ROOT_NUMBERS = {"x86_64": 155, "aarch64": 41}
 
 _library = ctypes.CDLL(None, use_errno=True)
@@ -67,9 +66,9 @@ def mount(source, target, kind=None, flags=0, options=None):
     )
 
 
-def make_read_only(folder):
-    """A mount with all that is mounted in it."""
-    attributes = (ctypes.c_uint64 * 4)(_ATTRIBUTE_READ_ONLY)
+def restrict(folder, flags):
+    """A mount with all that is mounted in it: MOUNT_READ_ONLY, whose number is the same here."""
+    attributes = (ctypes.c_uint64 * 4)(flags)
     _check(
         _library.syscall(
             ctypes.c_long(_SET_MOUNT_ATTRIBUTES_NUMBER),
@@ -79,7 +78,7 @@ def make_read_only(folder):
             attributes,
             ctypes.c_size_t(ctypes.sizeof(attributes)),
         ),
-        f"read-only {folder}",
+        f"restricting {folder}",
     )
 
 

@@ -10,9 +10,12 @@ HOME = "/var/roothome"
 
 # What a system is made of. Of these a machine sees the host's, and changes to them are its own.
 _LAYERED_FOLDERS = ("bin", "etc", "lib", "lib32", "lib64", "libx32", "sbin", "usr", "var")
-# These it has for itself from the first. Every other folder at the top holds people's files, which it shares.
+# Some systems have more, much of it mounted from elsewhere, where a layer does not reach: the host's, only to be read.
+_READ_ONLY_FOLDERS = ("efi", "gnu", "nix", "ostree", "snap", "sysroot")
+# These it has for itself from the first. Every other folder at the top holds people's files, which it shares, and so do two
+# of these on the host.
 _OWN_FOLDERS = ("boot", "dev", "mnt", "opt", "proc", "run", "sys", "tmp")
-_NOT_SHARED = {*_LAYERED_FOLDERS, *_OWN_FOLDERS, "lost+found"}
+_NOT_SHARED = {*_LAYERED_FOLDERS, *_OWN_FOLDERS, "lost+found"} - {"mnt", "tmp"}
 _DEVICES = ("null", "zero", "full", "random", "urandom", "tty")
 _DEVICE_LINKS = {"fd": "/proc/self/fd", "stdin": "/proc/self/fd/0", "stdout": "/proc/self/fd/1",
                  "stderr": "/proc/self/fd/2", "ptmx": "pts/ptmx"}  # fmt: skip
@@ -107,14 +110,18 @@ def _share_host_files(root):
     for place in ("/mnt", "/mnt/mac"):
         _make_place(root + place)
     kernel.mount("/", root + "/mnt/mac", None, _SHARED)
-    kernel.make_read_only(root + "/mnt/mac")
+    kernel.restrict(root + "/mnt/mac", kernel.MOUNT_READ_ONLY)
     for name in ("proc", "sys", "dev", "run"):
         _hide(f"{root}/mnt/mac/{name}")
-    kernel.mount("/tmp", root + "/mnt/mac/tmp", None, _SHARED)
     for entry in os.scandir("/"):
-        if entry.is_dir(follow_symlinks=False) and entry.name not in _NOT_SHARED:
+        if not entry.is_dir(follow_symlinks=False) or entry.name in _NOT_SHARED:
+            continue
+        if entry.name not in _OWN_FOLDERS:
             _make_place(root + entry.path)
             kernel.mount(entry.path, root + entry.path, None, _SHARED)
+        if entry.name in _READ_ONLY_FOLDERS:
+            kernel.restrict(root + entry.path, kernel.MOUNT_READ_ONLY)
+        else:
             kernel.mount(entry.path, root + "/mnt/mac" + entry.path, None, _SHARED)
     for state in (root + state_folder(), root + "/mnt/mac" + state_folder()):
         if os.path.isdir(state):
