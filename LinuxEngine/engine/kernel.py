@@ -67,7 +67,7 @@ def mount(source, target, kind=None, flags=0, options=None):
 
 
 def restrict(folder, flags):
-    """A mount with all that is mounted in it: MOUNT_READ_ONLY, whose number is the same here."""
+    """A mount with all that is mounted in it: MOUNT_READ_ONLY, MOUNT_NO_DEVICES, whose numbers are the same here."""
     attributes = (ctypes.c_uint64 * 4)(flags)
     _check(
         _library.syscall(

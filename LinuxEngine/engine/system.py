@@ -55,6 +55,8 @@ def build(machine):
     for name in _LAYERED_FOLDERS:
         _mount_layer(machine, name)
     _share_host_files(root)
+    # A device that lies about, in another system's folder or from before a script could make none, is one of the host's.
+    kernel.restrict(root, kernel.MOUNT_NO_DEVICES)
     _mount_devices(root + "/dev")
     kernel.mount("tmpfs", root + "/tmp", "tmpfs", kernel.MOUNT_NO_DEVICES, "mode=1777")
     kernel.mount("tmpfs", root + "/run", "tmpfs", kernel.MOUNT_NO_DEVICES, "mode=755")

@@ -3,6 +3,8 @@
 
 import os
 import subprocess
+import tempfile
+import unittest
 
 from harness.engine_case import ORB, EngineCase, main
 
@@ -62,6 +64,26 @@ class Sharing(EngineCase):
         result = self.on_another_computer(tries + "true", "cd /; ls $folders")
         listed = "\n\n".join(f"{name}:\nkept" for name in _OF_THE_SYSTEM) + "\n"
         self.assertEqual((result.stdout, result.stderr), ("kept\n" * 2 * len(_OF_THE_SYSTEM) + listed, ""))
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can make a device")
+    def test_devices_among_the_shared_files_cannot_be_opened(self):
+        self.create()
+        home = os.path.expanduser("~")
+        for parent, shared in (("/tmp", "/mnt/mac/tmp"), ("/var/tmp", "/mnt/mac/var/tmp"), ("/var/tmp", "/var/tmp"),
+                               (home, "/mnt/mac" + home), (home, home)):  # fmt: skip
+            with tempfile.TemporaryDirectory(prefix=".tidewell-test-", dir=parent) as folder, self.subTest(shared):
+                os.mknod(f"{folder}/null", 0o20666, os.makedev(1, 3))
+                path = shared + folder[len(parent) :] + "/null"
+                self.assertEqual(self.script("box", f"test -c {path} && ! cat {path}").returncode, 0)
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can make a device")
+    def test_devices_that_are_left_in_a_machine_cannot_be_opened(self):
+        self.create()
+        for folder in ("", "var/"):
+            place = os.path.join(self.state, "machines", "box", "upper", folder)
+            os.mknod(place + "null", 0o20666, os.makedev(1, 3))
+            with self.subTest(folder):
+                self.assertEqual(self.script("box", f"test -c /{folder}null && ! cat /{folder}null").returncode, 0)
 
 
 if __name__ == "__main__":
