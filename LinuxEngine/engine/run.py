@@ -31,26 +31,31 @@ def run(machine, command):
         raise EngineError(f"the machine '{machine.name}' was stopped")
     user = 0 if os.geteuid() == 0 else kernel.NEW_USER
     orb_lives, orb_holds = os.pipe()
-    received = []
-
-    def pass_on(number, _):
-        if not received:
-            received.append(number)
-            os.close(orb_holds)
-
-    for number in _ENDING_SIGNALS:
-        signal.signal(number, pass_on)
     kernel.close_to_others()
     kernel.enter(process, user | kernel.NEW_PIDS)
+    # Taken one after another below: one that comes just before it is waited for is not overlooked either.
+    news = {*_ENDING_SIGNALS, signal.SIGCHLD}
+    signal.signal(signal.SIGCHLD, signal.SIG_DFL)
+    signal.pthread_sigmask(signal.SIG_BLOCK, news)
     warden = os.fork()
     if warden == 0:
         os.close(orb_holds)
         _watch_over(command, process, orb_lives)
-    status = _shell_status(os.waitpid(warden, 0)[1])
-    if received:
-        signal.signal(received[0], signal.SIG_DFL)
-        os.kill(os.getpid(), received[0])
-    return status
+    received = None
+    while True:
+        number = signal.sigwait(news)
+        if number == signal.SIGCHLD:
+            ended, status = os.waitpid(warden, os.WNOHANG)
+            if ended:
+                break
+        elif received is None:
+            received = number
+            os.close(orb_holds)
+    if received is not None:
+        signal.signal(received, signal.SIG_DFL)
+        signal.pthread_sigmask(signal.SIG_UNBLOCK, news)
+        os.kill(os.getpid(), received)
+    return _shell_status(status)
 
 
 def _shell_status(status):
@@ -62,6 +67,7 @@ def _watch_over(command, process, orb_lives):
     try:
         for number in _ENDING_SIGNALS:
             signal.signal(number, signal.SIG_DFL)
+        signal.pthread_sigmask(signal.SIG_SETMASK, ())
         kernel.enter(process, kernel.NEW_MOUNTS | kernel.NEW_HOST_NAME | kernel.NEW_IPC)
         kernel.give_up_power_over_the_host()
         os.setsid()
