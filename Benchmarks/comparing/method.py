@@ -8,6 +8,8 @@ METHOD = f"""\
 - All draw on the same display without a screen (Xvfb), under the same window manager, in windows of about {WIDTH} by
   {HEIGHT}. Terminals that want a graphics card draw with Mesa's software renderer.
 - The text is the same file for all: varied lines of 80 columns, a twentieth of them with letters beyond ASCII.
+- Before each of them shows it, the text and the files of all fonts are read once: a system may have dropped them from memory
+  since the round before.
 - A terminal starts with a small program inside. Once the window has its size and the terminal leaves the processor alone,
   that program times `cat` of the text and, after it, the question where the cursor is (`ESC [ 6 n`). The answer comes when
   the terminal has taken in everything before; what it has yet to draw is not counted against it.

@@ -34,8 +34,14 @@ def _is_chosen(results, names):
 def measurements(results, desktop, programs, folder):
     """(title, whether it takes minutes, the measurement), in the order of a round. `folder` keeps the texts."""
 
+    fonts = surroundings.fonts()
+
     def file(kind):
-        return text_file(programs, folder, kind, results["mib"]) if kind else None
+        if not kind:
+            return None
+        path = text_file(programs, folder, kind, results["mib"])
+        host.read([path, *fonts])
+        return path
 
     for program in ours.PROGRAMS:
         if _is_chosen(results, {"ours", program.name, program.title}):

@@ -35,6 +35,11 @@ def versions():
     return {package: version for package in packages if (version := _package_version(package))}
 
 
+def fonts():
+    """The files of all that the system has."""
+    return [os.path.join(folder, name) for folder, _, names in os.walk("/usr/share/fonts") for name in names]
+
+
 def commit(repository):
     """Of what is measured, with a mark where it has changes since."""
     command = ("git", "-C", repository, "describe", "--always", "--dirty", "--exclude", "*")
