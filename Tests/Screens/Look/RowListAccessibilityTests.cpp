@@ -130,6 +130,19 @@ TEST_F(RowListTest, PressesAndFocusesAButtonOfARowThatIsNoWidget)
     EXPECT_EQ(focusedText(), u"Start row400"_s);
 }
 
+TEST_F(RowListTest, PressesNothingWhereAnotherRowHasComeMeanwhile)
+{
+    list->setRows(rowsNumbered(0, 1000));
+    QSignalSpy pressed(list, &RowList::pressed);
+    const QAccessibleInterface *row = QAccessible::queryAccessibleInterface(list->widget())->child(700);
+    QAccessibleInterface *button = row->child(row->childCount() - 1);
+    ASSERT_EQ(button->text(QAccessible::Name), u"Delete"_s);
+    button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    list->setRows(rowsNumbered(1, 1000));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(pressed.count(), 0);
+}
+
 TEST_F(RowListTest, ForgetsRowsThatWereNoWidgetsWhenOthersCome)
 {
     list->setRows(rowsNumbered(0, 1000));

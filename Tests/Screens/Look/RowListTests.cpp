@@ -192,6 +192,24 @@ TEST_F(RowListTest, MeasuresItsRowsAnewInAnotherFont)
     EXPECT_TRUE(waitUntil([&] { return list->row(0)->height() == usualHeight; }));
 }
 
+TEST_F(RowListTest, KeepsTheFocusInAnotherFontInTheFirstRowToo)
+{
+    list->setRows(rowsNumbered(0, 100));
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPixelSize(3 * QFontInfo(usual).pixelSize());
+    for (const int row : {0, 7}) {
+        list->row(row)->focusButton(0, Qt::OtherFocusReason);
+        const QString focused = focusedText();
+        EXPECT_TRUE(focused.endsWith(u"row%1"_s.arg(row))) << focused.toStdString();
+        const int height = list->row(0)->height();
+        QApplication::setFont(QApplication::font() == usual ? large : usual);
+        EXPECT_TRUE(waitUntil([&] { return list->row(0)->height() != height; }));
+        EXPECT_EQ(focusedText(), focused);
+    }
+    QApplication::setFont(usual);
+}
+
 TEST_F(RowListTest, FollowsTheWidthOfTheWindow)
 {
     list->setRows(rowsNumbered(0, 100));

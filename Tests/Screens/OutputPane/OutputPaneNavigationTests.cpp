@@ -81,3 +81,28 @@ TEST_F(OutputPaneTest, StaysWithinItsTextAtBothItsEnds)
     EXPECT_EQ(navigation.lineEnd(9).position, 12);
     EXPECT_EQ(navigation.lineEnd(0).position, 7);
 }
+
+TEST_F(OutputPaneTest, LeavesTheCaretWhereTheUserPutItWhileMoreComes)
+{
+    fill();
+    const auto isAtEnd = [this] { return pane.selection().caret().position == run.transcript().end(); };
+    EXPECT_TRUE(waitUntil(isAtEnd)) << "it goes with the end from the first";
+    QTest::keySequence(&pane, QKeySequence::MoveToStartOfDocument);
+    const int before = pane.verticalScrollBar()->maximum();
+    run.append(u"one more\n"_s, OutputKind::out);
+    ASSERT_TRUE(waitUntil([&] { return pane.verticalScrollBar()->maximum() > before; }));
+    EXPECT_EQ(pane.selection().caret().position, run.transcript().begin());
+    QTest::keySequence(&pane, QKeySequence::MoveToEndOfDocument);
+    run.append(u"and one more\n"_s, OutputKind::out);
+    EXPECT_TRUE(waitUntil(isAtEnd));
+}
+
+TEST_F(OutputPaneTest, PutsTheCaretAtTheEndAgainWhenItIsCleared)
+{
+    run.append(u"one\ntwo\n"_s, OutputKind::out);
+    ASSERT_TRUE(showsEnd());
+    QTest::keySequence(&pane, QKeySequence::MoveToStartOfDocument);
+    run.clearTranscript();
+    run.append(u"three\n"_s, OutputKind::out);
+    EXPECT_TRUE(waitUntil([this] { return pane.selection().caret().position == run.transcript().end(); }));
+}

@@ -181,6 +181,19 @@ TEST_F(LinuxStyleMeasures, RoundAGroupBoxBySixPoints)
         }));
 }
 
+TEST_F(LinuxStyleMeasures, LeaveAGroupBoxThatCanBeCheckedToThePlatform)
+{
+    auto option = optionOf<QStyleOptionGroupBox>(QStyle::State_Enabled);
+    option.subControls = QStyle::SC_GroupBoxLabel | QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxCheckBox;
+    option.text = QStringLiteral("Box");
+    const QStyle::SubControl contents = QStyle::SC_GroupBoxContents;
+    EXPECT_EQ(style.subControlRect(QStyle::CC_GroupBox, &option, contents, nullptr),
+              base.subControlRect(QStyle::CC_GroupBox, &option, contents, nullptr));
+    option.subControls = QStyle::SC_GroupBoxLabel | QStyle::SC_GroupBoxFrame;
+    EXPECT_NE(style.subControlRect(QStyle::CC_GroupBox, &option, contents, nullptr),
+              base.subControlRect(QStyle::CC_GroupBox, &option, contents, nullptr));
+}
+
 TEST_F(LinuxStyleMeasures, GiveControlsTwentySixPointsAndMoreWhereTheyNeedMore)
 {
     const auto height = [this](QStyle::ContentsType type, const QStyleOption &option, int content) {

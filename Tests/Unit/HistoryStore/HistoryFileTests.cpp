@@ -55,6 +55,14 @@ bool isRefusedWith(const QByteArray &key, const QByteArray &text)
 
 } // namespace
 
+TEST(HistoryFile, IsReadUpToItsLargestSize)
+{
+    QByteArray content = "[]" + QByteArray(HistoryFile::largestSize - 2, ' ');
+    EXPECT_EQ(HistoryFile::decode(content), QList<HistoryEntry>());
+    content += ' ';
+    EXPECT_EQ(HistoryFile::decode(content), std::nullopt);
+}
+
 TEST(HistoryFile, IsCompactWithItsMembersInOrder)
 {
     EXPECT_EQ(HistoryFile::encode({entry()}),

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -59,4 +60,11 @@ TEST_F(MainThreadDeliveryTest, DeliversNothingMoreOnceItIsStopped)
     delivery.stop();
     QCoreApplication::processEvents();
     EXPECT_TRUE(delivered.isEmpty());
+}
+
+TEST(MainThreadDelivery, DeliversInTheMainThreadWhereverItIsMade)
+{
+    std::unique_ptr<MainThreadDelivery> delivery;
+    std::thread([&] { delivery = std::make_unique<MainThreadDelivery>(); }).join();
+    EXPECT_EQ(delivery->thread(), QCoreApplication::instance()->thread());
 }

@@ -131,6 +131,22 @@ TEST(DisplayClusters, JoinTheScriptsWhoseLettersChangeWithTheirNeighboursAndNoOt
     }
 }
 
+TEST(DisplayClusters, GiveALetterTwoCellsWithAMarkBesideItAndOneWithAMarkAboveIt)
+{
+    const auto cellsOf = [](const QString &text) {
+        const QByteArray bytes = text.toUtf8();
+        DisplayClusters clusters(bytes);
+        DisplayCluster cluster;
+        EXPECT_TRUE(clusters.next(cluster));
+        EXPECT_EQ(cluster.size, bytes.size());
+        return cluster.cells;
+    };
+    EXPECT_EQ(cellsOf(u"\u0915"_s), 1);
+    EXPECT_EQ(cellsOf(u"\u0915\u0940"_s), 2) << "beside it";
+    EXPECT_EQ(cellsOf(u"\u0915\u0947"_s), 1) << "above it";
+    EXPECT_EQ(cellsOf(u"\u0915\u0940\u0901"_s), 2) << "beside it, and one above";
+}
+
 TEST(DisplayClusters, GiveALetterOfAFlagTwoCells)
 {
     for (const auto &[character, cells] :

@@ -81,6 +81,9 @@ TEST(NamelessFile, DoesNotGrowPastTheLimitForFilesAtWhichTheSystemEndsAProcess)
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &lower), 0);
     EXPECT_TRUE(file->mayGrow(2 * mebibyte, 0, 0));
     EXPECT_FALSE(file->mayGrow(2 * mebibyte + 1, 0, 0));
+    const auto former = std::signal(SIGXFSZ, SIG_IGN);
+    EXPECT_EQ(file->write(2 * mebibyte, "x"), EFBIG) << "and not for ever";
+    std::signal(SIGXFSZ, former);
     ::setrlimit(RLIMIT_FSIZE, &before);
 }
 
