@@ -18,7 +18,7 @@ METHOD = f"""\
 - A script that writes to its two streams by turns must write each line by itself, 1.3 million times for this text. What
   that takes when nobody makes the writer wait is what `WritingLines` tells. Where this alone is more than twice the time of
   the plain text, nothing that reads can pass the bar of the alternating streams; the two further ones tell Tidewell's part.
-- Starting and idling are watched from outside, on a display without a window manager, once in a run: fifteen starts of
+- Starting and idling are watched from outside, on a display without a window manager, once in a run: 51 starts of
   the application and of the smallest window by turns, and five minutes of both at the same time. Scripts without end run
   once as well.
 - Where the host of a virtual machine took more than a hundredth of the processor time, it is measured again after a rest

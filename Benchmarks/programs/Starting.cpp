@@ -83,7 +83,7 @@ private:
 
 int main(int argumentCount, char *arguments[])
 {
-    const int rounds = argumentCount > 1 ? std::atoi(arguments[1]) : 15;
+    const int rounds = argumentCount > 1 ? std::atoi(arguments[1]) : 51;
     Screen screen;
     std::vector<double> ours;
     std::vector<double> smallest;
