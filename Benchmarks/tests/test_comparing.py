@@ -80,6 +80,7 @@ class Comparing(unittest.TestCase):
 
         results = self.results()
         results.add(0, "one", speed(1))
+
         def goes_on(deadline):
             return run.measure(Results.resume(os.path.join(self.folder, "results.json")), planned, deadline, rest=lambda _: None)
 

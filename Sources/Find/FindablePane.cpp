@@ -56,7 +56,9 @@ FindablePane::FindablePane(OutputPane *pane, RunController &controller, QWidget 
 FindablePane *FindablePane::inFrontWindow()
 {
     const QWidget *const window = QApplication::activeWindow();
-    if (window == nullptr)
+    // One that is hidden may be about to go, and its children before it: the focus leaves them then, which is asked
+    // about.
+    if (window == nullptr || !window->isVisible())
         return nullptr;
     for (FindablePane *pane : window->findChildren<FindablePane *>()) {
         if (pane->isVisible())

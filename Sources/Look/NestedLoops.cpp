@@ -4,6 +4,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <chrono>
+
 namespace
 {
 

@@ -32,6 +32,21 @@ protected:
 
     ~QuittingSavingTest() override { mayGoOn.release(); }
 
+    void quitAndCancelTheSaving()
+    {
+        EXPECT_FALSE(quit());
+        ASSERT_NE(sheet(), nullptr);
+        ByName::press(*sheet(), u"Cancel"_s);
+        EXPECT_TRUE(waitUntil([this] { return !guarded.saving.isSaving(); }));
+        QCoreApplication::processEvents();
+    }
+
+    void saveAgain()
+    {
+        guarded.saving.action()->trigger();
+        Q_EMIT guarded.window.findChild<QFileDialog *>()->fileSelected(path);
+    }
+
     SavingSheet *sheet() const { return guarded.window.findChild<SavingSheet *>(); }
 
     std::counting_semaphore<> mayGoOn{0};
@@ -58,17 +73,12 @@ TEST_F(QuittingSavingTest, WaitsUntilAllIsSavedAndShowsSo)
 
 TEST_F(QuittingSavingTest, StaysWhenTheSavingIsCancelledOrFails)
 {
-    EXPECT_FALSE(quit());
-    ASSERT_NE(sheet(), nullptr);
-    ByName::press(*sheet(), u"Cancel"_s);
-    EXPECT_TRUE(waitUntil([this] { return !guarded.saving.isSaving(); }));
-    QCoreApplication::processEvents();
+    quitAndCancelTheSaving();
     EXPECT_TRUE(guarded.window.isVisible());
     EXPECT_FALSE(QFile::exists(path));
 
     failure = u"It cannot be written."_s;
-    guarded.saving.action()->trigger();
-    Q_EMIT guarded.window.findChild<QFileDialog *>()->fileSelected(path);
+    saveAgain();
     EXPECT_FALSE(quit());
     mayGoOn.release();
     EXPECT_NE(asked(u"“output.txt” was not saved."_s), nullptr);
@@ -77,13 +87,8 @@ TEST_F(QuittingSavingTest, StaysWhenTheSavingIsCancelledOrFails)
 
 TEST_F(QuittingSavingTest, StaysWhenAnotherSavingEndsAfterTheOneThatWasCancelled)
 {
-    EXPECT_FALSE(quit());
-    ASSERT_NE(sheet(), nullptr);
-    ByName::press(*sheet(), u"Cancel"_s);
-    EXPECT_TRUE(waitUntil([this] { return !guarded.saving.isSaving(); }));
-    QCoreApplication::processEvents();
-    guarded.saving.action()->trigger();
-    Q_EMIT guarded.window.findChild<QFileDialog *>()->fileSelected(path);
+    quitAndCancelTheSaving();
+    saveAgain();
     mayGoOn.release();
     // Its end is told in the next turn, and quitting would be one more.
     constexpr int stays = 1;

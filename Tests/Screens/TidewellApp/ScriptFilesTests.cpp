@@ -6,9 +6,11 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPointer>
 
 using namespace Qt::StringLiterals;
 
@@ -145,4 +147,30 @@ TEST_F(ScriptFilesTest, AskOverTheWindowThoughItWasHidden)
         EXPECT_TRUE(window.isVisible());
         delete window.findChild<QFileDialog *>();
     }
+}
+
+TEST_F(ScriptFilesTest, CloseTheirDialogAlsoWhileThatAsksSomethingItself)
+{
+    const QString existing = file("before");
+    for (const auto &[label, path] :
+         {std::pair(u"Open Script…"_s, existing + u".missing"_s), std::pair(u"Save Script As…"_s, existing)}) {
+        inEventLoop([&] {
+            trigger(label);
+            const QPointer<QFileDialog> dialog = window.findChild<QFileDialog *>();
+            ASSERT_NE(dialog, nullptr);
+            auto *name = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s);
+            name->setText(path);
+            bool hasAsked = false;
+            QTimer::singleShot(0, &window, [&] {
+                hasAsked = dialog->findChild<QMessageBox *>() != nullptr;
+                dialog->reject();
+            });
+            QTest::keyClick(name, Qt::Key_Return);
+            EXPECT_TRUE(hasAsked) << label.toStdString();
+            EXPECT_TRUE(waitUntil([&] { return dialog == nullptr; }));
+        });
+    }
+    QFile left(existing);
+    EXPECT_TRUE(left.open(QIODevice::ReadOnly));
+    EXPECT_EQ(left.readAll(), "before") << "nobody said that it may be replaced";
 }
