@@ -23,7 +23,8 @@ METHOD = f"""\
   once as well.
 - Where the host of a virtual machine took more than a hundredth of the processor time, it is measured again after a rest
   of 45 s, ours and theirs alike, up to three times. What takes minutes is measured once, after such a rest, and what the
-  host took meanwhile stands with its figures.
+  host took meanwhile stands with its figures. So does the longest time that a thread of the highest priority, which only
+  wakes every millisecond, was not woken: no window on that machine answers sooner.
 - Memory is what no other process shares (private in `/proc/PID/smaps_rollup`; of a terminal with all its processes, once it
   is idle again), less what it was before the text, over the bytes of the text. Some terminals keep their lines in
   nameless files instead; these are told apart. A terminal that is told to keep fewer lines holds only those.

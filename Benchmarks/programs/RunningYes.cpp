@@ -7,6 +7,7 @@
 #include "shared/FrameWatch.h"
 #include "shared/Heartbeat.h"
 #include "shared/JumpingAbout.h"
+#include "shared/MachineWatch.h"
 #include "shared/Measuring.h"
 #include "shared/RealWindow.h"
 
@@ -27,10 +28,12 @@ int main(int argumentCount, char *arguments[])
     const std::int64_t idle = residentMemory();
 
     Heartbeat heartbeat;
+    MachineWatch machine;
     frames.watch(real.pane().viewport());
     real.press(u"Run"_s);
     const Clock::time_point start = Clock::now();
     heartbeat.takeGaps();
+    machine.takeWorst();
     const Transcript &transcript = real.run().transcript();
     // What stood before the flood gives way to it.
     while (transcript.end() < 1024 * 1024)
@@ -44,6 +47,7 @@ int main(int argumentCount, char *arguments[])
     const double held = mebibytes(transcript.memory());
     const int frameCount = frames.count();
     const std::vector<double> flooded = heartbeat.takeGaps();
+    const double machineWorst = machine.takeWorst();
     const std::vector<double> scrolled = jumpAbout(frames, real.pane());
 
     // The line that tells of the stop is of another kind, and makes the transcript drop the flood.
@@ -68,6 +72,7 @@ int main(int argumentCount, char *arguments[])
                                  {"held_mib", held},
                                  {"gap_p99_ms", percentile(flooded, 0.99)},
                                  {"gap_worst_ms", percentile(flooded, 1)},
+                                 {"machine_gap_worst_ms", machineWorst},
                                  {"frames_per_second", static_cast<double>(frameCount) / seconds},
                                  {"jump_median_ms", median(scrolled)},
                                  {"jump_worst_ms", percentile(scrolled, 1)},
