@@ -21,6 +21,17 @@ constexpr qsizetype mostGrowth = 3;
 /// So many bytes are folded in one go, with the processor's wide registers.
 constexpr qsizetype stride = 64;
 
+using Units = std::array<char16_t, mostUnits>;
+
+/// The folding of a text that is one character.
+QStringView folding(QStringView character, Units &units)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    const int count = u_strFoldCase(units.data(), mostUnits, character.utf16(), static_cast<int>(character.size()),
+                                    U_FOLD_CASE_DEFAULT, &error);
+    return {units.data(), count};
+}
+
 /// The characters that folding changes: a bit for each, because nearly all of a text has to be looked up.
 class ChangingCharacters
 {
@@ -28,23 +39,32 @@ public:
     ChangingCharacters()
     {
         UErrorCode error = U_ZERO_ERROR;
-        const USet *const changing = u_getBinaryPropertySet(UCHAR_CHANGES_WHEN_CASEFOLDED, &error);
+        // Not the property of that name: it is about the decomposed character, and so leaves out those whose folding is
+        // their decomposition.
+        const USet *const cased = u_getBinaryPropertySet(UCHAR_CASED, &error);
         // Without the library's data only ASCII is folded.
-        const int ranges = U_SUCCESS(error) ? uset_getItemCount(changing) : 0;
+        const int ranges = U_SUCCESS(error) ? uset_getItemCount(cased) : 0;
         for (int range = 0; range < ranges; ++range) {
             UChar32 first = 0;
             UChar32 last = 0;
-            if (uset_getItem(changing, range, &first, &last, nullptr, 0, &error) != 0)
+            if (uset_getItem(cased, range, &first, &last, nullptr, 0, &error) != 0)
                 break;
-            for (auto character = static_cast<std::size_t>(first); character <= static_cast<std::size_t>(last);
-                 ++character)
-                m_bits[character / bits] |= std::uint64_t{1} << (character % bits);
+            for (UChar32 character = first; character <= last; ++character)
+                noteIfChanged(static_cast<char32_t>(character));
         }
     }
 
     bool contain(char32_t character) const { return (m_bits[character / bits] >> (character % bits) & 1U) != 0; }
 
 private:
+    void noteIfChanged(char32_t character)
+    {
+        const auto text = QChar::fromUcs4(character);
+        Units units{};
+        if (folding(text, units) != QStringView(text))
+            m_bits[character / bits] |= std::uint64_t{1} << (character % bits);
+    }
+
     static constexpr std::size_t bits = 64;
 
     std::array<std::uint64_t, 0x110000 / bits> m_bits{};
@@ -71,12 +91,8 @@ qsizetype foldAscii(QByteArrayView text, char *out)
 
 QByteArray folded(char32_t character)
 {
-    const QString text = QString::fromUcs4(&character, 1);
-    std::array<char16_t, mostUnits> units{};
-    UErrorCode error = U_ZERO_ERROR;
-    const int count = u_strFoldCase(units.data(), mostUnits, reinterpret_cast<const char16_t *>(text.utf16()),
-                                    static_cast<int>(text.size()), U_FOLD_CASE_DEFAULT, &error);
-    return QStringView(units.data(), count).toUtf8();
+    Units units{};
+    return folding(QChar::fromUcs4(character), units).toUtf8();
 }
 
 } // namespace

@@ -79,6 +79,7 @@ TEST(TextPattern, FindsTextsThatDifferInCaseAlone)
     EXPECT_EQ(found(u"strasse"_s, u"Straße STRASSE STRAẞE"_s), QStringList({u"Straße"_s, u"STRASSE"_s, u"STRAẞE"_s}));
     EXPECT_EQ(found(u"Straße"_s, u"a strasse"_s), QStringList({u"strasse"_s}));
     EXPECT_EQ(found(u"5 kelvin"_s, u"5 \u212aELVIN"_s), QStringList({u"5 \u212aELVIN"_s})) << "three bytes for one";
+    EXPECT_EQ(found(u"\u0390"_s, u"\u0399\u0308\u0301"_s), QStringList({u"\u0399\u0308\u0301"_s})) << "its capital";
     EXPECT_EQ(found(u"\U00010428"_s, u"x\U00010400y"_s), QStringList({u"\U00010400"_s}));
 }
 
