@@ -205,13 +205,17 @@ void BlockStore::work()
     BlockPacker packer(m_key);
     Lock lock(m_lock);
     while (!m_isStopped) {
-        if (!giveBack(lock) && !fileOne(lock) && !(isPackingDue(0) && packOne(lock, packer)))
+        if (giveBack(lock) || fileOne(lock))
+            continue;
+        if (isPackingDue(0))
+            packOne(lock, packer);
+        else
             m_wake.wait(lock);
     }
 }
 
 /// Packs the oldest block that nobody packs yet.
-bool BlockStore::packOne(Lock &lock, BlockPacker &packer)
+void BlockStore::packOne(Lock &lock, BlockPacker &packer)
 {
     const Number number = m_nextToPack++;
     const std::shared_ptr<TextBlock> block = m_plain[static_cast<std::size_t>(number - m_firstPlain)];
@@ -220,7 +224,7 @@ bool BlockStore::packOne(Lock &lock, BlockPacker &packer)
     const QByteArrayView packed = packer.pack(number, content);
     lock.lock();
     if (number < m_firstPlain)
-        return true; // forgotten meanwhile
+        return; // forgotten meanwhile
     const PackedBlocks::Room room = m_packed.makeRoom(packed.size(), number);
     // Without the lock, which the window may wait for: the pages are touched for the first time.
     lock.unlock();
@@ -228,7 +232,7 @@ bool BlockStore::packOne(Lock &lock, BlockPacker &packer)
     lock.lock();
     m_packed.fill(room);
     if (number < m_firstPlain)
-        return true;
+        return;
     Entry &packedEntry = entry(number);
     packedEntry.place = room.place;
     packedEntry.packedSize = static_cast<std::int32_t>(packed.size());
@@ -244,7 +248,6 @@ bool BlockStore::packOne(Lock &lock, BlockPacker &packer)
                 m_onLoss();
         }
     }
-    return true;
 }
 
 /// Writes the oldest slab in memory to the file when there are too many.

@@ -117,7 +117,7 @@ private:
     void release(PackedBlocks::Unused &unused);
     void wake(Lock &lock);
     void work();
-    bool packOne(Lock &lock, BlockPacker &packer);
+    void packOne(Lock &lock, BlockPacker &packer);
     bool fileOne(Lock &lock);
     bool giveBack(Lock &lock);
 
