@@ -100,7 +100,11 @@ TEST(ContainerList, TakesTheLastOfTwoValuesForOneKey)
 {
     EXPECT_EQ(parseContainers(u"{\"ID\":\"x\",\"State\":\"created\",\"State\":\"running\"}"_s).value(0).state,
               u"running"_s);
-    EXPECT_EQ(parseContainers(u"{\"ID\":\"x\",\"State\":\"created\",\"State\":1}"_s).value(0).state, QString());
+    for (const QString &last : {u"1"_s, u"-1"_s, u"1.5"_s, u"true"_s, u"null"_s, u"[]"_s, u"[\"running\"]"_s, u"{}"_s,
+                                u"{\"State\":\"running\"}"_s}) {
+        const QString line = u"{\"ID\":\"x\",\"State\":\"created\",\"State\":"_s + last + u'}';
+        EXPECT_EQ(parseContainers(line).value(0).state, QString()) << last.toStdString();
+    }
 }
 
 TEST(ContainerList, TrimsNothing)

@@ -1,6 +1,7 @@
 #include "HistoryStore/HistoryFile.h"
 #include "Support/Waiting.h"
 #include "Unit/HistoryStore/HistoryStoreTest.h"
+#include "Unit/Process/DescriptorRoom.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -21,15 +22,6 @@ namespace
 class HistoryStorageTest : public HistoryStoreTest
 {
 protected:
-    /// The bytes of the files that were set aside, in the order of their names.
-    QList<QByteArray> setAside() const
-    {
-        QList<QByteArray> contents;
-        for (const QString &name : QDir(storeFolder()).entryList({u"history.json.damaged-*"_s}, QDir::Files))
-            contents.append(contentOf(storeFolder() + u'/' + name));
-        return contents;
-    }
-
     mode_t modeOf(const QString &path) const
     {
         struct stat status = {};
@@ -39,45 +31,32 @@ protected:
 
 } // namespace
 
-TEST_F(HistoryStorageTest, SetsADamagedFileAsideBeforeItWritesANewOne)
-{
-    const QByteArray damaged = HistoryFile::encode({entryNumber(1), entryNumber(2)}).chopped(1);
-    writeFile(damaged);
-    HistoryStore store(supportFolder());
-    store.add(entryNumber(3));
-    store.add(entryNumber(4));
-    EXPECT_EQ(setAside(), QList{damaged}) << "the bytes are the user's";
-    EXPECT_EQ(reloaded(), store.entries());
-    EXPECT_EQ(store.saveError(), std::nullopt);
-}
-
-TEST_F(HistoryStorageTest, SetsEveryDamagedFileAsideUnderANameOfItsOwn)
+TEST_F(HistoryStorageTest, FollowsNoRingOfLinks)
 {
     HistoryStore store(supportFolder());
-    const QList<QByteArray> contents{"one", "two", "three"};
-    for (const QByteArray &content : contents) {
-        writeFile(content);
-        store.add(entryNumber(1));
-    }
-    EXPECT_EQ(setAside().size(), 3);
-    for (const QByteArray &content : contents)
-        EXPECT_TRUE(setAside().contains(content)) << content.toStdString();
-    EXPECT_EQ(store.entries().size(), 3) << "what is in memory is no worse for it";
-    EXPECT_EQ(reloaded(), store.entries());
-}
-
-TEST_F(HistoryStorageTest, DoesNotParseAFileThatIsTooLargeToBeAHistory)
-{
-    writeFile({});
-    // A hole: many megabytes that take no room on the disk.
-    ASSERT_TRUE(QFile::resize(filePath(), HistoryFile::largestSize + 1));
-    HistoryStore store(supportFolder());
-    EXPECT_TRUE(store.entries().isEmpty());
+    ASSERT_TRUE(QFile::link(filePath(), storeFolder() + u"/other"_s));
+    ASSERT_TRUE(QFile::link(storeFolder() + u"/other"_s, filePath()));
     store.add(entryNumber(1));
+    EXPECT_TRUE(store.saveError().has_value());
+    EXPECT_EQ(store.entries().size(), 1);
+    EXPECT_TRUE(QFileInfo(filePath()).isSymLink());
+}
+
+TEST_F(HistoryStorageTest, LeavesAFileAloneThatItCannotReadForWantOfADescriptor)
+{
+    HistoryStore store(supportFolder());
+    store.add(entryNumber(1));
+    const QByteArray before = fileContent();
+    {
+        const DescriptorRoom room(0);
+        store.add(entryNumber(2));
+    }
+    EXPECT_EQ(store.saveError(), u"Too many open files"_s);
+    EXPECT_EQ(filesInFolder(), QStringList{u"history.json"_s}) << "nothing is wrong with it";
+    EXPECT_EQ(fileContent(), before);
+    store.save();
+    EXPECT_EQ(store.saveError(), std::nullopt);
     EXPECT_EQ(reloaded(), store.entries());
-    const QStringList aside = QDir(storeFolder()).entryList({u"history.json.damaged-*"_s}, QDir::Files);
-    ASSERT_EQ(aside.size(), 1);
-    EXPECT_EQ(QFileInfo(storeFolder() + u'/' + aside.first()).size(), HistoryFile::largestSize + 1);
 }
 
 TEST_F(HistoryStorageTest, LosesNoRunOfTwoThatWriteTheSameFile)
@@ -242,34 +221,4 @@ TEST_F(HistoryStorageTest, LeavesTheFileAsItWasWhenTheDiskIsFull)
 
     store.save();
     EXPECT_EQ(reloaded(), store.entries()) << "the next write has room again";
-}
-
-TEST_F(HistoryStorageTest, KeepsTheBytesOfAFileThatIsCutAnywhereOrDamagedInAnyByte)
-{
-    const HistoryEntry first = entryNumber(1);
-    const QByteArray content = HistoryFile::encode({first});
-    QList<QByteArray> damaged;
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
-    constexpr qsizetype step = 7; // all of them take minutes there
-#else
-    constexpr qsizetype step = 1;
-#endif
-    for (qsizetype at = 1; at < content.size(); at += step) {
-        damaged.append(content.first(at));
-        damaged.append(content);
-        damaged.last()[at] = static_cast<char>(damaged.last()[at] ^ 0x15);
-    }
-    int keptAside = 0;
-    for (const QByteArray &bytes : damaged) {
-        writeFile(bytes);
-        HistoryStore store(supportFolder());
-        store.add(entryNumber(2));
-        EXPECT_EQ(reloaded(), store.entries());
-        const bool isReadable = HistoryFile::decode(bytes).has_value();
-        EXPECT_EQ(store.entries().size(), isReadable ? 2 : 1) << bytes.toStdString();
-        EXPECT_EQ(setAside(), isReadable ? QList<QByteArray>() : QList{bytes});
-        keptAside += isReadable ? 0 : 1;
-        ASSERT_TRUE(QDir(storeFolder()).removeRecursively());
-    }
-    EXPECT_GT(keptAside, damaged.size() / 2);
 }

@@ -49,6 +49,10 @@ TEST(CLIResult, SucceedsOnlyWhenStartedInTimeWithStatusZero)
     result.status = 1;
     EXPECT_FALSE(result.succeeded());
     EXPECT_FALSE(CLIResult().succeeded());
+    EXPECT_EQ(CLIResult().status, -1) << "before it is known";
+    result = withTexts(QString(), QString());
+    result.stoppedAfter = 1;
+    EXPECT_FALSE(result.succeeded());
 }
 
 TEST(CLIResult, TellsWhyItFailedInTheOrderOfItsJudgement)
@@ -70,4 +74,13 @@ TEST(CLIResult, TellsAFailureWithoutAWordAsAnEmptyOne)
     CLIResult result = withTexts(QString(), u" \n"_s);
     result.status = 1;
     EXPECT_EQ(result.failure(u"orb list"_s), QString());
+}
+
+TEST(CLIResult, TellsInMebibytesAfterHowMuchItWasStopped)
+{
+    CLIResult result = withTexts(QString(), QString());
+    result.stoppedAfter = 3 * 1024 * 1024;
+    EXPECT_EQ(result.failure(u"orb list"_s), u"orb list printed more than 3 MiB and was stopped."_s);
+    result.stoppedAfter = 3 * 1024 * 1024 - 1;
+    EXPECT_EQ(result.failure(u"docker ps"_s), u"docker ps printed more than 2 MiB and was stopped."_s);
 }

@@ -46,3 +46,23 @@ TEST(CollectedOutput, BeginsWithAWholeCharacter)
     output.append(QUtf8StringView(text.data(), text.size()));
     EXPECT_EQ(output.text(), u"(only the last 1 MiB are kept)\n"_s + QString(1024 * 1024 / 3, u'\u20ac'));
 }
+
+TEST(CollectedOutput, IsCollectedUpToSoMuch)
+{
+    EXPECT_EQ(OrbCLI::wholeList.most, 67'108'864);
+    EXPECT_EQ(OrbCLI::wholeList.beyond, OutputNeed::Beyond::stopTool);
+    EXPECT_EQ(OrbCLI::endOfLog.most, 4'194'304);
+    EXPECT_EQ(OrbCLI::endOfLog.beyond, OutputNeed::Beyond::keepEnd);
+}
+
+TEST(CollectedOutput, IsCutAsSoonAsItIsMoreThanIsKept)
+{
+    constexpr qsizetype most = 1024 * 1024;
+    CollectedOutput output({.most = most, .beyond = OutputNeed::Beyond::keepEnd});
+    const QByteArray text = "a" + QByteArray(most - 1, 'b');
+    output.append(QUtf8StringView(text.data(), text.size()));
+    EXPECT_EQ(output.text(), QString::fromLatin1(text));
+    output.append("c");
+    EXPECT_EQ(output.text(), u"(only the last 1 MiB are kept)\n"_s + QString(most - 1, u'b') + u'c');
+    EXPECT_FALSE(output.isTooMuch());
+}

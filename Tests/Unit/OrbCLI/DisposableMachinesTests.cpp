@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/file.h>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -86,4 +89,27 @@ TEST_F(DisposableMachinesTest, AreNotKeptWithoutAFolderOrInOneThatCannotBeMade)
     const DisposableMachines blocked(tools.addFile(u"file"_s));
     EXPECT_FALSE(blocked.writeDown(u"sbx-000001"_s).isOpen());
     EXPECT_TRUE(blocked.leftBehind().isEmpty());
+}
+
+TEST_F(DisposableMachinesTest, AreWrittenDownInTheirOwnFolderAloneForTheirOwnerAlone)
+{
+    const FileDescriptor first = machines.writeDown(u"sbx-000001"_s);
+    EXPECT_EQ(QFile::permissions(folder + u"/sbx-000001"_s),
+              QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
+    // Where the name is taken by something else, what was begun stays, hidden.
+    ASSERT_TRUE(QDir().mkpath(folder + u"/sbx-000002"_s));
+    EXPECT_FALSE(machines.writeDown(u"sbx-000002"_s).isOpen());
+    EXPECT_EQ(QDir(support + u"/Tidewell"_s).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{u"Disposable machines"_s});
+    EXPECT_EQ(namesIn(machines.leftBehind()), QStringList());
+}
+
+TEST_F(DisposableMachinesTest, AreNotWrittenDownWhileAnotherProgramWritesTheSameName)
+{
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const FileDescriptor other(
+        ::open(QFile::encodeName(folder + u"/.sbx-000001"_s).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_EQ(::flock(other.number(), LOCK_EX | LOCK_NB), 0);
+    EXPECT_FALSE(machines.writeDown(u"sbx-000001"_s).isOpen());
+    EXPECT_FALSE(QFile::exists(folder + u"/sbx-000001"_s));
 }

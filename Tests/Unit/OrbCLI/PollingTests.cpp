@@ -47,6 +47,11 @@ TEST(Polling, StartsNoFifthToolWhileFourHangOfTheSameQuestion)
     EXPECT_EQ(again->status, 7);
 }
 
+TEST(Polling, GivesAToolTenSecondsOfGrace)
+{
+    EXPECT_EQ(OrbCLI::pollingGraceTime, 10);
+}
+
 TEST(Polling, WaitsForWhoeverHoldsThePipesOfAToolThatExitedInTime)
 {
     TestTools tools;

@@ -119,18 +119,22 @@ TEST_F(OutputQueueTest, JoinsNoMoreThanAChunkHolds)
 
 TEST_F(OutputQueueTest, CutsALongBlockBetweenCharactersOnly)
 {
-    QByteArray block("x");
-    while (block.size() < 300'000)
-        block += "\xE2\x82\xAC";
-    queue.adopt(block, block.size(), OutputStream::standard);
-    deliverAll(queue);
-    std::string joined;
-    for (const Delivered &chunk : delivered) {
-        EXPECT_LE(chunk.text.size(), 64U * 1024U);
-        EXPECT_TRUE(QByteArrayView(chunk.text.data(), static_cast<qsizetype>(chunk.text.size())).isValidUtf8());
-        joined += chunk.text;
+    for (const QByteArray &character : {QByteArray("\u20ac"), QByteArray("\u00e9"), QByteArray("\U0001f44d")}) {
+        for (qsizetype before = 0; before < character.size(); ++before) {
+            const QByteArray block = QByteArray(before, 'x') + character.repeated(300'000 / character.size());
+            queue.adopt(block, block.size(), OutputStream::standard);
+            delivered.clear();
+            deliverAll(queue);
+            std::string joined;
+            for (const Delivered &chunk : delivered) {
+                EXPECT_LE(chunk.text.size(), 64U * 1024U);
+                EXPECT_GE(chunk.text.size() + (&chunk == &delivered.back() ? 64U * 1024U : 3U), 64U * 1024U);
+                EXPECT_TRUE(QByteArrayView(chunk.text.data(), static_cast<qsizetype>(chunk.text.size())).isValidUtf8());
+                joined += chunk.text;
+            }
+            EXPECT_EQ(joined, block.toStdString());
+        }
     }
-    EXPECT_EQ(joined, block.toStdString());
 }
 
 TEST_F(OutputQueueTest, CutsALongCopiedTextBetweenCharactersOnly)
@@ -166,8 +170,10 @@ TEST_F(OutputQueueTest, BoundsWhatWaitsAndNotifiesWhenThereIsRoomAgain)
         ++blocks;
     }
     EXPECT_EQ(blocks, 4);
-    while (roomNotices == 0)
+    int chunks = 0;
+    for (; roomNotices == 0; ++chunks)
         ASSERT_TRUE(queue.deliverNext());
+    EXPECT_EQ(chunks, 32) << "as soon as half of it is delivered";
     EXPECT_TRUE(queue.hasRoom());
     deliverAll(queue);
     EXPECT_EQ(roomNotices, 1); // nobody has asked since
@@ -186,6 +192,15 @@ TEST_F(OutputQueueTest, GivesALongBlockBackOnceAllOfItIsDelivered)
     EXPECT_EQ(back.constData(), memory);
     EXPECT_EQ(back.size(), size);
     EXPECT_TRUE(queue.takeDelivered().isEmpty());
+}
+
+TEST_F(OutputQueueTest, GivesNoBlockBackThatIsNoLongerThanAChunk)
+{
+    for (const qsizetype size : {64 * 1024, 64 * 1024 + 1}) {
+        queue.adopt(QByteArray(size, 'x'), 1, OutputStream::standard);
+        deliverAll(queue);
+        EXPECT_EQ(queue.takeDelivered().size(), size > 64 * 1024 ? size : 0);
+    }
 }
 
 TEST_F(OutputQueueTest, GivesNoBlockBackThatTheHandlersShare)

@@ -69,6 +69,9 @@ TEST(GraphemeCounter, CountsIndicConsonantsThatAreWrittenAsOneAsOne)
     EXPECT_EQ(countInOne(u"\u0915\u093c\u094d\u0937\u094d\u092f\u093e"_s), 1) << "of any number";
     EXPECT_EQ(countInOne(u"\u0915\u094d\u200c\u0937"_s), 2) << "held apart on purpose";
     EXPECT_EQ(countInOne(u"\u0915\u0937"_s), 2);
+    for (const QString &conjunct :
+         {u"\u0a95\u0acd\u0ab7"_s, u"\u0b15\u0b4d\u0b37"_s, u"\u0c15\u0c4d\u0c37"_s, u"\u0d15\u0d4d\u0d37"_s})
+        EXPECT_EQ(countInOne(conjunct), 1) << conjunct.toStdString();
     EXPECT_EQ(countInOne(u"\u0915\u093e\u094d\u0937"_s), 2);
     EXPECT_EQ(countInOne(u"\u0b95\u0bcd\u0bb7"_s), 2) << "Tamil writes them side by side";
     EXPECT_EQ(countInPieces({"\u0995", "\u09cd", "\u09b7"}), 1);
@@ -82,6 +85,22 @@ TEST(GraphemeCounter, JoinsCharactersThatAreCutBetweenChunks)
     EXPECT_EQ(countInPieces({"\U0001F1E9", "\U0001F1EA", "\U0001F1EB", "\U0001F1F7"}), 2);
     EXPECT_EQ(countInPieces({"\U0001F468", "\u200D", "\U0001F469", "\u200D\U0001F467"}), 1);
     EXPECT_EQ(countInPieces({"\u200D", "\U0001F469"}), 2);
+}
+
+TEST(GraphemeCounter, ReadsNothingBeyondTheEndOfAPiece)
+{
+    for (const QByteArrayView whole : {QByteArrayView("ab\r\ncd\r\n"), QByteArrayView("\r\n\r\n\r\n"),
+                                       QByteArrayView("a\r\r\n\n\r\nb"), QByteArrayView("x\u00e9\r\ny\r\n")}) {
+        for (qsizetype size = 0; size <= whole.size(); ++size) {
+            if (size < whole.size() && (static_cast<unsigned char>(whole[size]) & 0xc0U) == 0x80U)
+                continue;
+            GraphemeCounter counter(unlimited);
+            counter.add(whole.first(size));
+            EXPECT_EQ(counter.count(), countByIcu(QString::fromUtf8(whole.first(size)))) << size;
+            counter.add(whole.sliced(size));
+            EXPECT_EQ(counter.count(), countByIcu(QString::fromUtf8(whole))) << size;
+        }
+    }
 }
 
 TEST(GraphemeCounter, AgreesWithIcuForRandomTextInRandomChunks)

@@ -92,3 +92,26 @@ TEST(VisibleText, WritesOutTheFirstAndTheLastTagAndNothingBeside)
     EXPECT_EQ(VisibleText::oneLine(u"\u0301\u200c\u062e"_s), u"\u0301⟨U+200C⟩\u062e"_s) << "behind a mark alone";
     EXPECT_EQ(VisibleText::oneLine(u"\u0645\u200c\u062e"_s), u"\u0645\u200c\u062e"_s) << "at the very start";
 }
+
+TEST(VisibleText, WritesOutTheThreeMarksOfAnnotationsButNotWhatStandsForAnObject)
+{
+    EXPECT_EQ(VisibleText::oneLine(u"\ufff9\ufffa\ufffb\ufffc\ufffd"_s), u"⟨U+FFF9⟩⟨U+FFFA⟩⟨U+FFFB⟩\ufffc\ufffd"_s);
+}
+
+TEST(VisibleText, LeavesThePresentationOfAnEmojiAndOfNothingElse)
+{
+    for (const QString &presentation : {u"\ufe0e"_s, u"\ufe0f"_s}) {
+        EXPECT_EQ(VisibleText::oneLine(u"\u2764"_s + presentation), u"\u2764"_s + presentation);
+        EXPECT_EQ(VisibleText::oneLine(u"#"_s + presentation + u'\u20e3'), u"#"_s + presentation + u'\u20e3');
+        const QString name = u"⟨U+FE0"_s + (presentation == u"\ufe0e"_s ? u'E' : u'F') + u'⟩';
+        EXPECT_EQ(VisibleText::oneLine(u"x"_s + presentation), u"x"_s + name);
+        EXPECT_EQ(VisibleText::oneLine(u"x"_s + presentation + u'\u20e3'), u"x"_s + name + u'\u20e3') << "no key";
+        EXPECT_EQ(VisibleText::oneLine(u"\u2764\u0301"_s + presentation), u"\u2764\u0301"_s + name);
+    }
+}
+
+TEST(VisibleText, IsNoMarkupInAToolTipAndNoPlaceForAMarkInATitle)
+{
+    EXPECT_EQ(VisibleText::toolTip(u"<b>a</b> & \"b\""_s), u"<span>&lt;b&gt;a&lt;/b&gt; &amp; &quot;b&quot;</span>"_s);
+    EXPECT_EQ(VisibleText::windowTitle(u"Logs: web[*][*] [ * ]"_s), u"Logs: web[*][*][*][*] [ * ]"_s);
+}

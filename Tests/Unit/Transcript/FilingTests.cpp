@@ -205,13 +205,15 @@ TEST_F(FilingTest, LosesTheFrontOnlyAndNoMoreThanItMust)
 TEST_F(FilingTest, GivesTheDiskBackWhenTheTextIsCleared)
 {
     ViewedText text(storage());
-    fill(text, lines(8 * mebibyte));
-    text.clear();
-    EXPECT_TRUE(text.isEmpty());
-    EXPECT_LT(text.memory(), mebibyte);
+    for (int round = 0; round < 2; ++round) {
+        fill(text, lines(8 * mebibyte));
+        text.clear();
+        EXPECT_TRUE(text.isEmpty());
+        EXPECT_LT(text.memory(), mebibyte);
 #ifdef __linux__
-    EXPECT_TRUE(waitUntil([&] { return openFiles().isEmpty(); }));
+        EXPECT_TRUE(waitUntil([&] { return openFiles().isEmpty(); })) << "also the second time";
 #endif
+    }
     const QByteArray bytes = lines(8 * mebibyte);
     fill(text, bytes);
     EXPECT_TRUE(allOf(text) == bytes);

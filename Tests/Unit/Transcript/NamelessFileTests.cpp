@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <random>
 
@@ -68,6 +69,25 @@ TEST(NamelessFile, LeavesSoMuchOfTheDiskFree)
     EXPECT_FALSE(file->mayGrow(tooMuch, 0, 0));
     EXPECT_FALSE(file->mayGrow(mebibyte, tooMuch, 0));
     EXPECT_FALSE(file->mayGrow(mebibyte, 0, 1));
+}
+
+TEST(NamelessFile, TakesOfTheDiskOnlyWhatItGrowsBy)
+{
+    const QTemporaryDir folder;
+    const std::shared_ptr<NamelessFile> file = NamelessFile::open(folder.path().toStdString());
+    constexpr std::int64_t end = std::int64_t{1} << 42; // more than a disk has free; there is a hole before it
+    ASSERT_FALSE(file->mayGrow(end + mebibyte, 0, 0));
+    ASSERT_EQ(file->write(end - 1, "x"), 0);
+    EXPECT_TRUE(file->mayGrow(end + mebibyte, 0, 0));
+    EXPECT_FALSE(file->mayGrow(2 * end, 0, 0));
+}
+
+TEST(NamelessFile, KnowsWhichErrorsTellThatThereIsNoRoom)
+{
+    for (const int error : {ENOSPC, EDQUOT, EFBIG})
+        EXPECT_TRUE(NamelessFile::isOutOfRoom(error)) << error;
+    for (const int error : {0, EIO, ENOENT, EBADF})
+        EXPECT_FALSE(NamelessFile::isOutOfRoom(error)) << error;
 }
 
 TEST(NamelessFile, DoesNotGrowPastTheLimitForFilesAtWhichTheSystemEndsAProcess)

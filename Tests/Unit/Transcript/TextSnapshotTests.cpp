@@ -130,3 +130,28 @@ TEST_F(TextSnapshotTest, TellsWhichPieceIsMissing)
     EXPECT_EQ(piece.begin, 5);
     EXPECT_GT(piece.end, 100'000);
 }
+
+TEST_F(TextSnapshotTest, MovesWithAllThatItHolds)
+{
+    ViewedText text(storage());
+    const QByteArray bytes = lines(8 * mebibyte);
+    fill(text, bytes);
+    TextSnapshot whole = text.snapshot();
+    text.dropFront(4 * mebibyte);
+    TextSnapshot half = text.snapshot();
+    text.clear();
+    TextSnapshot moved(std::move(whole));
+    EXPECT_TRUE(whole.isEmpty()); // NOLINT(bugprone-use-after-move): that it is empty is told
+    EXPECT_TRUE(forwards(moved) == bytes);
+    whole = std::move(half);
+    EXPECT_TRUE(forwards(whole) == bytes.sliced(4 * mebibyte));
+    std::swap(whole, moved);
+    EXPECT_TRUE(forwards(whole) == bytes);
+    EXPECT_TRUE(forwards(moved) == bytes.sliced(4 * mebibyte));
+    whole = TextSnapshot();
+    EXPECT_TRUE(forwards(moved) == bytes.sliced(4 * mebibyte)) << "the other holds its own part";
+    moved = TextSnapshot();
+#ifdef __linux__
+    EXPECT_TRUE(waitUntil([&] { return openFiles().isEmpty(); })) << "nobody holds anything";
+#endif
+}

@@ -1,0 +1,143 @@
+#include "Process/OutputReader.h"
+
+#include "Process/Pipe.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+constexpr qsizetype usualSize = 64 * 1024;
+constexpr qsizetype largeSize = 1024 * 1024;
+
+class OutputReaderTest : public testing::Test
+{
+protected:
+    explicit OutputReaderTest(OutputStream stream = OutputStream::standard)
+    {
+        std::optional<Pipe> pipe = openPipe();
+        writeEnd = std::move(pipe->writeEnd);
+        makeNonBlocking(writeEnd);
+        reader = OutputReader(std::move(pipe->readEnd), stream);
+    }
+
+    void write(const QByteArray &bytes) const
+    {
+        ASSERT_EQ(::write(writeEnd.number(), bytes.constData(), static_cast<std::size_t>(bytes.size())), bytes.size());
+    }
+
+    qsizetype read() { return reader.read(block, *queue); }
+
+    /// All that was read since, one text a chunk.
+    std::vector<std::string> delivered()
+    {
+        told.clear();
+        while (queue->deliverNext()) {
+        }
+        return std::exchange(told, {});
+    }
+
+    FileDescriptor writeEnd;
+    OutputReader reader;
+    QByteArray block;
+    std::vector<std::string> told;
+    const std::shared_ptr<OutputQueue> queue = std::make_shared<OutputQueue>(
+        nullptr,
+        [this](QUtf8StringView text, bool isError) {
+            told.push_back((isError ? "error: " : "") +
+                           std::string(text.data(), static_cast<std::size_t>(text.size())));
+        },
+        nullptr,
+        OutputQueue::Listener{.onReady = [](const std::shared_ptr<OutputQueue> &) {}, .onRoom = [] {}});
+};
+
+class ErrorReaderTest : public OutputReaderTest
+{
+protected:
+    ErrorReaderTest() : OutputReaderTest(OutputStream::error) {}
+};
+
+using Texts = std::vector<std::string>;
+
+} // namespace
+
+TEST_F(OutputReaderTest, ReadsWhatThePipeHoldsAndIsAtItsEndWithIt)
+{
+    EXPECT_TRUE(OutputReader().isAtEnd());
+    EXPECT_FALSE(reader.isAtEnd());
+    EXPECT_EQ(read(), 0) << "nothing is there, which it does not wait for";
+    EXPECT_FALSE(reader.isAtEnd());
+    write("one");
+    EXPECT_EQ(read(), 3);
+    write("two");
+    EXPECT_EQ(read(), 3);
+    EXPECT_EQ(delivered(), Texts{"onetwo"});
+    write("last");
+    writeEnd.close();
+    EXPECT_EQ(read(), 4);
+    EXPECT_FALSE(reader.isAtEnd());
+    EXPECT_EQ(read(), 0);
+    EXPECT_TRUE(reader.isAtEnd());
+    EXPECT_EQ(delivered(), Texts{"last"});
+}
+
+TEST_F(ErrorReaderTest, TellsItsStreamHoweverTheTextIsTaken)
+{
+    write("short");
+    EXPECT_EQ(read(), 5);
+    EXPECT_EQ(delivered(), Texts{"error: short"});
+    const QByteArray much(usualSize / 2, 'x');
+    write(much);
+    EXPECT_EQ(read(), much.size());
+    EXPECT_EQ(delivered(), Texts{"error: " + much.toStdString()});
+    write("a\xff");
+    EXPECT_EQ(read(), 2) << "as many as were read, not as there are now";
+    EXPECT_EQ(delivered(), Texts{"error: a\ufffd"});
+}
+
+TEST_F(OutputReaderTest, GivesItsBlockAwayWithAQuarterOfItOrMore)
+{
+    write(QByteArray(usualSize / 4 - 1, 'x'));
+    EXPECT_EQ(read(), usualSize / 4 - 1);
+    EXPECT_EQ(block.size(), usualSize);
+    write(QByteArray(usualSize / 4, 'x'));
+    EXPECT_EQ(read(), usualSize / 4);
+    EXPECT_EQ(block.size(), 0);
+}
+
+TEST_F(OutputReaderTest, EnlargesAPipeThatWasFullAndFillsABlockAgainThatWasDelivered)
+{
+#ifndef F_GETPIPE_SZ
+    GTEST_SKIP() << "the system has no call for it";
+#else
+    const auto pipeSize = [this] { return ::fcntl(writeEnd.number(), F_GETPIPE_SZ); };
+    if (pipeSize() != usualSize)
+        GTEST_SKIP() << "this user has used up the system's allowance";
+    write(QByteArray(usualSize - 1, 'x'));
+    EXPECT_EQ(read(), usualSize - 1);
+    EXPECT_EQ(pipeSize(), usualSize);
+    write(QByteArray(usualSize, 'x'));
+    EXPECT_EQ(read(), usualSize);
+    if (pipeSize() == usualSize)
+        GTEST_SKIP() << "this user has used up the system's allowance";
+    EXPECT_EQ(pipeSize(), largeSize);
+    delivered();
+
+    write(QByteArray(largeSize, 'y'));
+    EXPECT_EQ(read(), largeSize) << "in one go";
+    EXPECT_EQ(block.size(), 0);
+    EXPECT_EQ(delivered(), Texts(largeSize / usualSize, std::string(usualSize, 'y')));
+    write("more");
+    EXPECT_EQ(read(), 4);
+    EXPECT_EQ(block.size(), largeSize);
+    EXPECT_TRUE(queue->takeDelivered().isEmpty()) << "it is the one that was delivered";
+    EXPECT_TRUE(block.endsWith("yyy"));
+#endif
+}
