@@ -9,7 +9,9 @@
 #include "Screens/ByName.h"
 #include "Screens/Places.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -115,6 +117,18 @@ TEST_F(FindBarTest, StaysWithItsResultOnceThatIsKnown)
     bar.showCount(1, 1);
     waitForALaterSearch();
     EXPECT_EQ(count(), u"1 of 1"_s);
+}
+
+TEST_F(FindBarTest, LetsTheKeysPassForWhichItHasNoUse)
+{
+    QSignalSpy close(&bar, &FindBar::closeWanted);
+    for (const auto &[key, isTaken] :
+         std::initializer_list<std::pair<Qt::Key, bool>>{{Qt::Key_Escape, true}, {Qt::Key_F5, false}}) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(&bar, &press);
+        EXPECT_EQ(press.isAccepted(), isTaken) << key;
+    }
+    EXPECT_EQ(close.count(), 1);
 }
 
 TEST_F(FindBarTest, TakesTheBeginningOfALongTextAndHalvesNoCharacter)

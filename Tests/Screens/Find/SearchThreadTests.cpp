@@ -2,7 +2,9 @@
 
 #include "Unit/Transcript/FiledText.h"
 
+#include <chrono>
 #include <memory>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -131,6 +133,37 @@ TEST_F(SearchThreadTest, EndsInTheMiddleOfASearchAndLetsTheTextGo)
     text.clear();
     settle(text);
     EXPECT_LT(text.memory(), mebibyte);
+#ifdef __linux__
+    EXPECT_TRUE(waitUntil([&] { return openFiles().isEmpty(); }));
+#endif
+}
+
+TEST_F(SearchThreadTest, LooksForNoFirstMatchThatAnEarlierSearchWasAskedFor)
+{
+    ViewedText text(storage());
+    text.append(lines(8 * mebibyte) + "here");
+    Search search;
+    for (int round = 0; round < 10; ++round) {
+        search.begin(u"nowhere to be found"_s, text);
+        // It has begun meanwhile, and is not done.
+        const auto begun = std::chrono::steady_clock::now() + std::chrono::milliseconds(1);
+        while (std::chrono::steady_clock::now() < begun)
+            std::this_thread::yield();
+        search.thread.search(TextPattern(u"here"_s, Qt::CaseSensitive), text.snapshot());
+    }
+    EXPECT_TRUE(waitUntil([&] { return !search.counted.empty(); }));
+    EXPECT_EQ(search.counted.back().number, 0);
+    EXPECT_TRUE(search.found.empty());
+}
+
+TEST_F(SearchThreadTest, HoldsNothingOfTheTextOnceItIsCounted)
+{
+    ViewedText text(storage());
+    fill(text, lines(8 * mebibyte));
+    Search search;
+    search.begin(u"nowhere to be found"_s, text);
+    EXPECT_TRUE(search.hasCounted(0, 0));
+    text.clear();
 #ifdef __linux__
     EXPECT_TRUE(waitUntil([&] { return openFiles().isEmpty(); }));
 #endif

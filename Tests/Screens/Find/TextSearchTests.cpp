@@ -86,7 +86,30 @@ TEST_F(TextSearchTest, FindsBeforeAnythingIsCounted)
     EXPECT_EQ(search->firstFrom(4 * stretch), expected);
     EXPECT_EQ(search->lastBefore(100), expected);
     EXPECT_EQ(search->firstFrom(0), expected);
+    EXPECT_EQ(search->firstFrom(expected.begin), expected);
+    EXPECT_EQ(search->firstFrom(expected.begin + 1), expected) << "round, to what is before in the same stretch";
+    EXPECT_EQ(search->lastBefore(expected.begin + 1), expected);
+    EXPECT_EQ(search->lastBefore(expected.begin), expected);
     EXPECT_EQ(countAll(*search), 1);
+}
+
+TEST_F(TextSearchTest, FindsTheFirstAndTheLastByteWhereverAStretchEnds)
+{
+    for (const Position size : {Position{1}, stretch - 1, stretch, stretch + 1, 2 * stretch, 2 * stretch + 1}) {
+        ViewedText text(storage());
+        QByteArray bytes(size, 'x');
+        bytes.back() = 'z';
+        bytes.front() = 'a';
+        text.append(bytes);
+        const auto last = searchFor(QString(QChar::fromLatin1(bytes.back())), text);
+        const TextMatch expected{size - 1, size};
+        EXPECT_EQ(last->firstFrom(0), expected) << size;
+        EXPECT_EQ(last->lastBefore(size), expected) << size;
+        EXPECT_EQ(countAll(*last), 1) << size;
+        EXPECT_EQ(last->countBefore(size - 1), 0) << size;
+        EXPECT_EQ(last->countBefore(size), 1) << size;
+        EXPECT_EQ(countAll(*searchFor(QString(QChar::fromLatin1(bytes.front())), text)), 1) << size;
+    }
 }
 
 TEST_F(TextSearchTest, CountsMatchesThatCouldOverlapOnceAlsoWhereStretchesMeet)

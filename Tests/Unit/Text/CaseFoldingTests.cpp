@@ -41,7 +41,8 @@ TEST(CaseFolding, LowersTheLettersOfAsciiAndNothingBesideWhereverTheyStand)
         const Folded folded(QByteArray(before, 'Z') + ascii);
         EXPECT_EQ(folded.bytes, QByteArray(before, 'z') + lowered) << before;
         EXPECT_TRUE(folded.changes.empty());
-        EXPECT_EQ(Folded(QByteArray(before, 'Z') + "\u00d6" + ascii).bytes, QByteArray(before, 'z') + "\u00f6" + lowered);
+        EXPECT_EQ(Folded(QByteArray(before, 'Z') + "\u00d6" + ascii).bytes,
+                  QByteArray(before, 'z') + "\u00f6" + lowered);
     }
     EXPECT_EQ(Folded(QByteArray()).bytes, QByteArray());
 }

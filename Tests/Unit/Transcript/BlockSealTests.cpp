@@ -70,17 +70,3 @@ TEST(BlockSeal, RefusesWhatWasAlteredAtAnyPlaceOrCutOrPackedUnderAnotherNumberOr
         EXPECT_FALSE(unpacked(key, 7, packed.first(place), content.size())) << place;
     }
 }
-
-TEST(BlockSeal, GivesBackWhatIsNoShorterPackedThanPlain)
-{
-    // A few bytes that compress among many that do not: somewhere the two are of the same length.
-    const BlockKey key;
-    BlockPacker packer(key);
-    RandomText random(23);
-    const QByteArray front = noise(random, 300);
-    for (int size = 0; size < 120; ++size) {
-        const QByteArray content = front + QByteArray(size, 'y');
-        ASSERT_EQ(unpacked(key, size, packer.pack(size, content).toByteArray(), content.size()), content) << size;
-    }
-    ASSERT_EQ(unpacked(key, 1, packer.pack(1, "a").toByteArray(), 1), "a");
-}

@@ -68,8 +68,8 @@ TEST(TranscriptLoss, IsToldWhereTheDiskIsNearlyFull)
     transcript.dropLost();
     const std::int64_t dropped = transcript.record().begin() - begin;
     EXPECT_GT(dropped, mebibyte);
-    EXPECT_EQ(transcript.loss(), u"The first "_s + sizeText(dropped) +
-                                     u" of the output were dropped: the disk is nearly full."_s);
+    EXPECT_EQ(transcript.loss(),
+              u"The first "_s + sizeText(dropped) + u" of the output were dropped: the disk is nearly full."_s);
 }
 
 TEST(TranscriptLoss, IsToldWhereTheDiskIsTooSlowForOneRunAndNotForTheNext)

@@ -1,0 +1,57 @@
+#include "FindablePaneTest.h"
+
+#include <QKeyEvent>
+
+using namespace Qt::StringLiterals;
+
+TEST_F(FindablePaneTest, BeginsWithWhatIsInViewWhereverTheCaretStands)
+{
+    run.append(u"one two\nONE two\none\n"_s, OutputKind::out);
+    output->select(9, 9);
+    type(u"one"_s);
+    EXPECT_TRUE(hasSelected(u"one"_s, 0));
+    QTest::keyClick(field(), Qt::Key_Escape);
+    output->select(9, 9);
+    findable->findNext();
+    EXPECT_TRUE(hasSelected(u"one"_s, 0)) << "the first in view";
+    output->select(9, 9);
+    findable->findPrevious();
+    EXPECT_TRUE(hasSelected(u"one"_s, 16)) << "the last in view";
+    output->select(8, 11);
+    findable->findPrevious();
+    EXPECT_TRUE(hasSelected(u"one"_s, 0)) << "the one before what is selected";
+    output->select(8, 11);
+    findable->findNext();
+    EXPECT_TRUE(hasSelected(u"one"_s, 16)) << "the one behind it";
+}
+
+TEST_F(FindablePaneTest, BeginsWithWhatIsInViewWhereTheSelectionIsNot)
+{
+    fill(3000);
+    findable->find();
+    for (const TextView::Position selected : {TextView::Position{0}, run.transcript().text().end() - 10}) {
+        field()->clear();
+        output->select(selected, selected + 4);
+        output->verticalScrollBar()->setValue(output->verticalScrollBar()->maximum() / 2);
+        const int place = output->verticalScrollBar()->value();
+        field()->setText(u"line"_s);
+        EXPECT_TRUE(waitUntil([this] { return output->selectedText() == u"line"_s; }));
+        EXPECT_EQ(output->selection().begin(), output->visibleRange().begin);
+        EXPECT_EQ(output->verticalScrollBar()->value(), place);
+    }
+}
+
+TEST_F(FindablePaneTest, ClosesItsBarAtEscapeAloneAndLetsEveryOtherKeyPass)
+{
+    const auto isTaken = [this](Qt::Key key) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(findable, &press);
+        return press.isAccepted();
+    };
+    EXPECT_FALSE(isTaken(Qt::Key_Escape)) << "it is not open";
+    findable->find();
+    EXPECT_FALSE(isTaken(Qt::Key_F5));
+    EXPECT_TRUE(isOpen());
+    EXPECT_TRUE(isTaken(Qt::Key_Escape));
+    EXPECT_FALSE(isOpen());
+}
