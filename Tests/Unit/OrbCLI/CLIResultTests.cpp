@@ -79,8 +79,8 @@ TEST(CLIResult, TellsAFailureWithoutAWordAsAnEmptyOne)
 TEST(CLIResult, TellsInMebibytesAfterHowMuchItWasStopped)
 {
     CLIResult result = withTexts(QString(), QString());
-    result.stoppedAfter = 3 * 1024 * 1024;
+    result.stoppedAfter = qsizetype{3} * 1024 * 1024;
     EXPECT_EQ(result.failure(u"orb list"_s), u"orb list printed more than 3 MiB and was stopped."_s);
-    result.stoppedAfter = 3 * 1024 * 1024 - 1;
+    result.stoppedAfter = qsizetype{3} * 1024 * 1024 - 1;
     EXPECT_EQ(result.failure(u"docker ps"_s), u"docker ps printed more than 2 MiB and was stopped."_s);
 }

@@ -23,7 +23,7 @@ TEST(CollectedOutput, AsksOnceForTheToolToBeStopped)
 
 TEST(CollectedOutput, KeepsTheLastBytesHoweverTheyCome)
 {
-    constexpr qsizetype most = 1024 * 1024;
+    constexpr qsizetype most = qsizetype{1024} * 1024;
     CollectedOutput output({.most = most, .beyond = OutputNeed::Beyond::keepEnd});
     const QByteArray chunk = QByteArray("0123456789").repeated(1000);
     const auto expected = [&](int chunks) {
@@ -57,7 +57,7 @@ TEST(CollectedOutput, IsCollectedUpToSoMuch)
 
 TEST(CollectedOutput, IsCutAsSoonAsItIsMoreThanIsKept)
 {
-    constexpr qsizetype most = 1024 * 1024;
+    constexpr qsizetype most = qsizetype{1024} * 1024;
     CollectedOutput output({.most = most, .beyond = OutputNeed::Beyond::keepEnd});
     const QByteArray text = "a" + QByteArray(most - 1, 'b');
     output.append(QUtf8StringView(text.data(), text.size()));

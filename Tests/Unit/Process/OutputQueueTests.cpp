@@ -196,10 +196,10 @@ TEST_F(OutputQueueTest, GivesALongBlockBackOnceAllOfItIsDelivered)
 
 TEST_F(OutputQueueTest, GivesNoBlockBackThatIsNoLongerThanAChunk)
 {
-    for (const qsizetype size : {64 * 1024, 64 * 1024 + 1}) {
+    for (const qsizetype size : {65'536, 65'537}) {
         queue.adopt(QByteArray(size, 'x'), 1, OutputStream::standard);
         deliverAll(queue);
-        EXPECT_EQ(queue.takeDelivered().size(), size > 64 * 1024 ? size : 0);
+        EXPECT_EQ(queue.takeDelivered().size(), size > 65'536 ? size : 0);
     }
 }
 

@@ -14,8 +14,8 @@
 namespace
 {
 
-constexpr qsizetype usualSize = 64 * 1024;
-constexpr qsizetype largeSize = 1024 * 1024;
+constexpr qsizetype usualSize = qsizetype{64} * 1024;
+constexpr qsizetype largeSize = qsizetype{1024} * 1024;
 
 class OutputReaderTest : public testing::Test
 {

@@ -9,7 +9,7 @@
 namespace
 {
 
-constexpr std::int64_t slabSize = 1024 * 1024;
+constexpr std::int64_t slabSize = std::int64_t{1024} * 1024;
 
 class PackedBlocksTest : public testing::Test
 {

@@ -6,7 +6,7 @@
 namespace
 {
 
-constexpr std::int64_t capacity = 128 * 1024;
+constexpr std::int64_t capacity = std::int64_t{128} * 1024;
 
 /// So many blocks, and of those that are packed next to nothing remains.
 void appendBlocks(ViewedText &text, int count)

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-constexpr std::int64_t mebibyte = 1024 * 1024;
+constexpr std::int64_t mebibyte = std::int64_t{1024} * 1024;
 
 QString sizeText(std::int64_t bytes)
 {
