@@ -195,7 +195,6 @@ void ContentView::showScreen()
     // Around whatever padding is the screen's own, which depends on where it stands.
     screen->setParent(m_screen->viewport());
     screen->layout()->setContentsMargins(screen->layout()->contentsMargins() + padding);
-    screen->setAutoFillBackground(false);
     m_screen->setWidget(screen);
 }
 
