@@ -1,6 +1,5 @@
 #include "TidewellApp/FieldFocus.h"
 
-#include <QAccessible>
 #include <QApplication>
 #include <QFocusEvent>
 #include <QLineEdit>
@@ -32,7 +31,7 @@ bool isInput(const QEvent &event)
 
 } // namespace
 
-FieldFocus::FieldFocus()
+FieldFocus::FieldFocus(bool (*isListening)()) : m_isListening(isListening)
 {
     // On macOS the screen reader asks for the focus itself.
 #ifndef Q_OS_MACOS
@@ -44,7 +43,7 @@ bool FieldFocus::eventFilter(QObject *watched, QEvent *event)
 {
     if (m_unselected && watched == m_unselected && isInput(*event))
         selectNow();
-    if (event->type() != QEvent::FocusIn || !QAccessible::isActive())
+    if (event->type() != QEvent::FocusIn || !m_isListening())
         return false;
     auto *field = qobject_cast<QLineEdit *>(watched);
     if (field == nullptr || field->hasSelectedText() || !selects(*static_cast<QFocusEvent *>(event)))
