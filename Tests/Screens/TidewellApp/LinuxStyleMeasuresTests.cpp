@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QPushButton>
+#include <QSet>
 #include <QStyleOption>
 
 #include <gtest/gtest.h>
@@ -127,6 +128,59 @@ TEST_F(LinuxStyleMeasures, MarkABoxByATickOrALineOfTwoPoints)
     EXPECT_EQ(line, QRect(25, 19, 10, 2));
     const QRect tick = inked(QStyle::State_On);
     EXPECT_EQ(tick.size(), QSize(10, 10));
+}
+
+TEST_F(LinuxStyleMeasures, DrawASmoothTickAndLeaveThePainterAsItWas)
+{
+    const QPen pen(Qt::green, 5);
+    QSet<QRgb> shades;
+    const QImage ticked = picture([&](QPainter &painter) {
+        painter.setPen(pen);
+        const auto option = optionOf<QStyleOptionButton>(QStyle::State_Enabled | QStyle::State_On);
+        style.drawPrimitive(QStyle::PE_IndicatorCheckBox, &option, &painter, nullptr);
+        EXPECT_EQ(painter.pen(), pen);
+        EXPECT_FALSE(painter.testRenderHint(QPainter::Antialiasing));
+    });
+    for (int y = 16; y < 24; ++y) {
+        for (int x = 26; x < 34; ++x)
+            shades.insert(ticked.pixel(x, y));
+    }
+    EXPECT_GT(shades.size(), 4) << "not only ink and ground";
+    EXPECT_FALSE(shades.contains(QColor(Qt::green).rgb()));
+}
+
+TEST_F(LinuxStyleMeasures, ChooseReadableColoursForEachGroupByItself)
+{
+    const QColor dark = QColor::fromRgb(0x202020);
+    const QColor deepBlue = QColor::fromRgb(0x003366);
+    const QColor skyBlue = QColor::fromRgb(0x3daee9);
+    for (const QPalette::ColorRole role : {QPalette::Window, QPalette::Base})
+        palette.setColor(QPalette::Inactive, role, dark);
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text})
+        palette.setColor(QPalette::Inactive, role, Qt::white);
+    const auto setSelection = [this](QPalette::ColorGroup group, const QColor &ground, const QColor &text) {
+        palette.setColor(group, QPalette::Highlight, ground);
+        palette.setColor(group, QPalette::HighlightedText, text);
+    };
+    setSelection(QPalette::Active, deepBlue, Qt::black);
+    setSelection(QPalette::Inactive, skyBlue, Qt::white);
+    palette.setColor(QPalette::Active, QPalette::Link, QColor::fromRgb(0xaaaaff));
+    palette.setColor(QPalette::Inactive, QPalette::Link, Qt::blue);
+    for (const auto group : {QPalette::Active, QPalette::Inactive})
+        palette.setColor(group, QPalette::PlaceholderText, palette.color(group, QPalette::Base));
+    QPalette polished = palette;
+    style.polish(polished);
+    EXPECT_EQ(polished.color(QPalette::Active, QPalette::HighlightedText), QColor(Qt::white));
+    EXPECT_EQ(polished.color(QPalette::Inactive, QPalette::HighlightedText), QColor(Qt::black));
+    EXPECT_EQ(polished.color(QPalette::Active, QPalette::Link), QColor::fromRgb(0x0b5cad));
+    EXPECT_EQ(polished.color(QPalette::Inactive, QPalette::Link), QColor::fromRgb(0x6cb6ff));
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        palette.setCurrentColorGroup(group);
+        EXPECT_EQ(polished.color(group, QPalette::PlaceholderText), Colours::placeholder(palette)) << group;
+    }
+    setSelection(QPalette::Active, deepBlue, Qt::yellow);
+    style.polish(palette);
+    EXPECT_EQ(palette.color(QPalette::Active, QPalette::HighlightedText), QColor(Qt::yellow)) << "it was readable";
 }
 
 TEST_F(LinuxStyleMeasures, RingWhatHasTheFocusByTwoPoints)

@@ -1,3 +1,4 @@
+#include "Screens/EventCount.h"
 #include "Screens/TestWindow.h"
 #include "TidewellApp/MainWindow.h"
 
@@ -74,6 +75,8 @@ TEST(MainWindow, ComesForwardFromWhereverItIs)
     QWidget other;
     other.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    const EventCount raised(window, QEvent::ZOrderChange);
     window.comeForward();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_GT(raised.count(), 0);
 }

@@ -3,6 +3,7 @@
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
 #include "OutputPane/OutputPane.h"
+#include "Screens/EventCount.h"
 #include "Screens/KeyboardWalk.h"
 #include "Screens/Places.h"
 #include "Screens/TestWindow.h"
@@ -10,6 +11,7 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
 
@@ -74,9 +76,12 @@ TEST_F(OutputWindowTest, IsOneAtMostAndComesForwardWhenAskedForAgain)
     OutputWindow &first = show();
     EXPECT_EQ(first.windowTitle(), u"All Output"_s);
     EXPECT_EQ(ByName::nameOf(first.focusWidget()), u"Output"_s);
+    EXPECT_EQ(first.windowIcon().availableSizes(), window.windowIcon().availableSizes());
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const EventCount raised(first, QEvent::ZOrderChange);
     EXPECT_EQ(&show(), &first);
+    EXPECT_GT(raised.count(), 0);
 }
 
 TEST_F(OutputWindowTest, ShowsWhatTheRunScreenNoLongerDoes)
@@ -205,5 +210,22 @@ TEST_F(OutputWindowTest, MovesNothingWhenJumpToEndComesAndGoes)
     QCoreApplication::processEvents();
     EXPECT_EQ(Places::in(output, &shown), before);
     EXPECT_EQ(Places::in(output, jump).right(), output.width() - 12 - 1);
+    EXPECT_EQ((Places::in(output, title) | Places::in(output, jump)).top(), 12);
     EXPECT_EQ(Places::gapsBelow(output, {{title, jump}, {&shown}}), QList<int>{6});
+}
+
+TEST_F(OutputWindowTest, LeavesTheKeyboardWhereItIsWhenTheEndComesIntoView)
+{
+    OutputWindow &output = show();
+    appendAndShow(pane(output), 1000);
+    QTest::keyClick(output.focusWidget(), Qt::Key_F, Qt::ControlModifier);
+    const auto *field = ByName::find<QLineEdit>(output, u"Find in output"_s);
+    ASSERT_NE(field, nullptr);
+    ASSERT_EQ(output.focusWidget(), field);
+    pane(output).verticalScrollBar()->setValue(0);
+    EXPECT_TRUE(ByName::isOffered(output, u"Jump to End"_s));
+    EXPECT_EQ(output.focusWidget(), field);
+    pane(output).jumpToEnd();
+    EXPECT_FALSE(ByName::shows(output, u"Jump to End"_s));
+    EXPECT_EQ(output.focusWidget(), field);
 }

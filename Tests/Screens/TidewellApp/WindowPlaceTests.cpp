@@ -5,6 +5,8 @@
 #include "TidewellApp/OutputWindow.h"
 
 #include <QScreen>
+#include <QSettings>
+#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -34,8 +36,10 @@ TEST(WindowPlace, LeavesTheTitleBarRoomOnASmallScreen)
     WindowPlace::restore(window, u"place"_s, {10'000, 10'000});
     const QSize available = window.screen()->availableSize();
     EXPECT_EQ(window.width(), available.width());
+    const QStyle &style = *window.style();
+    const int frame = style.pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+    EXPECT_EQ(window.height(), available.height() - style.pixelMetric(QStyle::PM_TitleBarHeight) - frame - frame);
     EXPECT_LT(window.height(), available.height());
-    EXPECT_GT(window.height(), available.height() - 100);
 }
 
 TEST(WindowPlace, SuitsWhatTheWindowsHoldWhenTheyAreFirstShown)
@@ -53,4 +57,15 @@ TEST(WindowPlace, SuitsWhatTheWindowsHoldWhenTheyAreFirstShown)
     if (available.height() >= 700) {
         EXPECT_EQ(output.height(), 640);
     }
+}
+
+TEST(WindowPlace, IsRememberedUnderTheNamesThatItAlwaysHad)
+{
+    TestWindow tools;
+    {
+        const MainWindow window(tools.controllers());
+        const OutputWindow output(tools.run, {});
+    }
+    for (const QString &key : {u"windowPlace"_s, u"outputWindowPlace"_s})
+        EXPECT_TRUE(QSettings().contains(key)) << key.toStdString();
 }

@@ -1,6 +1,8 @@
 #include "QuitGuardTest.h"
+#include "Screens/EventCount.h"
 
 #include <QFile>
+#include <QSessionManager>
 
 using namespace Qt::StringLiterals;
 
@@ -118,9 +120,46 @@ TEST(QuitGuard, HidesTheWindowWhereClosingIsNotQuittingAndBringsItBack)
     EXPECT_FALSE(guarded.window.isVisible());
     EXPECT_TRUE(guarded.tools.run.isRunning());
     EXPECT_FALSE(QGuiApplication::quitOnLastWindowClosed());
+    const EventCount raised(guarded.window, QEvent::ZOrderChange);
     QEvent activation(QEvent::ApplicationActivate);
     QCoreApplication::sendEvent(qApp, &activation);
     EXPECT_TRUE(guarded.window.isVisible());
+    EXPECT_GT(raised.count(), 0);
+    QCoreApplication::sendEvent(qApp, &activation);
+    EXPECT_EQ(raised.count(), 1) << "what is shown needs nothing";
+}
+
+TEST(QuitGuard, LeavesAHiddenWindowHiddenWhereClosingIsQuitting)
+{
+    Guarded guarded(QuitGuard::Closing::quits);
+    guarded.window.hide();
+    QEvent activation(QEvent::ApplicationActivate);
+    QCoreApplication::sendEvent(qApp, &activation);
+    EXPECT_FALSE(guarded.window.isVisible());
+}
+
+TEST(QuitGuard, LetsAnyOtherWindowCloseWhileARunIsGoing)
+{
+    Guarded guarded(QuitGuard::Closing::quits);
+    guarded.startRun(u"exec sleep 60"_s);
+    QWidget other;
+    other.show();
+    EXPECT_TRUE(other.close());
+    EXPECT_EQ(guarded.question(), nullptr);
+}
+
+TEST(QuitGuard, AsksNothingAtTheEndOfASessionThatWaitsForNoAnswer)
+{
+    Guarded guarded(QuitGuard::Closing::quits);
+    auto *session = qApp->findChild<QSessionManager *>();
+    if (session == nullptr || session->allowsInteraction())
+        GTEST_SKIP() << "there is no such session here";
+    for (const bool isRunning : {false, true}) {
+        if (isRunning)
+            guarded.startRun(u"exec sleep 60"_s);
+        Q_EMIT qApp->commitDataRequest(*session);
+        EXPECT_EQ(guarded.question(), nullptr);
+    }
 }
 
 TEST(QuitGuard, ShowsAHiddenWindowToAskInIt)
@@ -185,4 +224,24 @@ TEST(QuitGuard, QuitsFromFullScreenAtOnce)
     guarded.window.showFullScreen();
     ASSERT_TRUE(waitUntil([&] { return guarded.window.isFullScreen(); }));
     EXPECT_TRUE(quit());
+}
+
+TEST(QuitGuard, ClosesFromFullScreenAtOnceWhereClosingIsQuitting)
+{
+    Guarded guarded(QuitGuard::Closing::quits);
+    guarded.window.showFullScreen();
+    ASSERT_TRUE(waitUntil([&] { return guarded.window.isFullScreen(); }));
+    EXPECT_TRUE(guarded.window.close());
+    EXPECT_FALSE(guarded.window.isVisible());
+}
+
+TEST(QuitGuard, LeavesFullScreenAlsoAfterAQuittingThatDidNotEndTheApplication)
+{
+    Guarded guarded(QuitGuard::Closing::hides);
+    EXPECT_TRUE(quit());
+    QCoreApplication::processEvents();
+    guarded.window.showFullScreen();
+    ASSERT_TRUE(waitUntil([&] { return guarded.window.isFullScreen(); }));
+    EXPECT_FALSE(guarded.window.close());
+    EXPECT_TRUE(waitUntil([&] { return !guarded.window.isVisible(); }));
 }

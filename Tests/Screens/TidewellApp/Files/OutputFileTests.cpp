@@ -29,17 +29,26 @@ std::atomic<int> syncError = 0;
 std::atomic<OutputFile::Progress *> cancelledMeanwhile = nullptr;
 std::atomic<bool> isDiskSlow = false;
 std::atomic<int> syncsGoing = 0;
+std::atomic<int> syncsDone = 0;
+/// So many times it is interrupted first.
+std::atomic<int> interruptions = 0;
 
 } // namespace
 
 /// In place of the system's, for all that this program is linked from.
 extern "C" int fsync(int /*descriptor*/)
 {
+    if (interruptions > 0) {
+        --interruptions;
+        errno = EINTR;
+        return -1;
+    }
     ++syncsGoing;
     if (OutputFile::Progress *const progress = cancelledMeanwhile)
         progress->isCancelled = true;
     isDiskSlow.wait(true);
     --syncsGoing;
+    ++syncsDone;
     errno = syncError;
     return syncError == 0 ? 0 : -1;
 }
@@ -226,4 +235,41 @@ TEST_F(OutputFileTest, IsCancelledWithoutWaitingForTheDisk)
     isDiskSlow = false;
     isDiskSlow.notify_all();
     EXPECT_TRUE(waitUntil([] { return syncsGoing == 0; }));
+}
+
+TEST_F(OutputFileTest, IsBroughtToTheDiskHoweverOftenThatIsInterrupted)
+{
+    transcript.append(u8"new\n", OutputKind::out);
+    interruptions = 3;
+    EXPECT_EQ(save(path), std::nullopt);
+    EXPECT_EQ(interruptions, 0);
+    EXPECT_EQ(content(), "new\n");
+}
+
+TEST_F(OutputFileTest, IsBroughtToTheDiskOnceMoreForEvery64MebibytesBeforeItsEnd)
+{
+    constexpr qsizetype mebibyte = 1024 * 1024;
+    const auto syncsOf = [this](qsizetype size) {
+        transcript.clear();
+        const QByteArray text = QByteArray("output\n").repeated(size / 7);
+        transcript.append(QUtf8StringView(text.constData(), text.size()), OutputKind::out);
+        syncsDone = 0;
+        EXPECT_EQ(save(path), std::nullopt);
+        EXPECT_EQ(QFileInfo(path).size(), text.size());
+        return syncsDone.load();
+    };
+    const int once = syncsOf(mebibyte);
+    EXPECT_EQ(syncsOf(63 * mebibyte), once);
+    EXPECT_EQ(syncsOf(64 * mebibyte + mebibyte / 2), once + 1);
+}
+
+TEST_F(OutputFileTest, CountsWhatIsWrittenFromTheBeginningOfTheText)
+{
+    transcript.append(u8"old and long\n", OutputKind::out);
+    transcript.clear();
+    transcript.append(u8"new\n", OutputKind::out);
+    ASSERT_GT(transcript.record().begin(), 0);
+    OutputFile::Progress progress;
+    EXPECT_EQ(OutputFile::write(path, transcript.record().snapshot(), progress), std::nullopt);
+    EXPECT_EQ(progress.done, 4);
 }

@@ -1,6 +1,7 @@
 // Quitting during an operation, and without a question.
 
 #include "QuittingTest.h"
+#include "Screens/EventCount.h"
 
 #include <QFile>
 #include <QPushButton>
@@ -169,4 +170,48 @@ TEST_F(QuittingTest, AbandonsWhatDoesNotEndInTimeWithoutAQuestion)
     EXPECT_EQ(history.entries().first().note, u"stopped"_s);
     EXPECT_TRUE(waitUntil([this] { return hasBegunToDelete(); }));
     tools().addFile(u"go"_s);
+}
+
+TEST_F(QuittingTest, QuitsWhenTheMachineIsDeleted)
+{
+    tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s));
+    guarded.tools.machines.remove(u"box"_s);
+    EXPECT_FALSE(quit());
+    press(u"Quit when it is done"_s);
+    QTimer::singleShot(0, &guarded.window, [this] { tools().addFile(u"go"_s); });
+    EXPECT_TRUE(endsByItself());
+    EXPECT_FALSE(guarded.tools.machines.busy());
+}
+
+TEST_F(QuittingTest, ShowsAHiddenWindowForEachQuestionAboutAnOperation)
+{
+    tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s));
+    guarded.tools.machines.remove(u"box"_s);
+    for (const QString &answer : {u"Quit when it is done"_s, u"Keep open"_s}) {
+        guarded.window.hide();
+        const EventCount raised(guarded.window, QEvent::ZOrderChange);
+        EXPECT_FALSE(quit());
+        EXPECT_TRUE(guarded.window.isVisible());
+        EXPECT_GT(raised.count(), 0);
+        press(answer);
+    }
+    tools().addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([this] { return !guarded.tools.machines.busy(); }));
+}
+
+TEST_F(QuittingTest, CutsTheMiddleOutOfASentenceOfMoreThanTwoHundredCharacters)
+{
+    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
+    const qsizetype around = u"A container of  is being started."_s.size();
+    for (const qsizetype length : {200, 201}) {
+        const QString image(length - around, u'n');
+        guarded.tools.containers.runContainer(image, QString(), QString());
+        const QString whole = u"A container of "_s + image + u" is being started."_s;
+        EXPECT_FALSE(quit());
+        ASSERT_NE(asked(length == 200 ? whole : whole.first(100) + u'…' + whole.last(100)), nullptr);
+        press(u"Keep open"_s);
+        tools().addFile(u"go"_s);
+        EXPECT_TRUE(waitUntil([this] { return !guarded.tools.containers.busy(); }));
+        QFile::remove(tools().path(u"go"_s));
+    }
 }

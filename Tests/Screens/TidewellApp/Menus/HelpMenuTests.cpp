@@ -1,11 +1,14 @@
 #include "Look/Typography.h"
+#include "Screens/EventCount.h"
 #include "Screens/TestWindow.h"
-#include "Screens/TidewellApp/MenuActions.h"
+#include "Screens/TidewellApp/Menus/MenuActions.h"
 #include "TidewellApp/MainWindow.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QMessageBox>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextBrowser>
@@ -89,6 +92,24 @@ TEST(Menus, HelpBeginsAtItsBeginningAndHasNoLinkThatLeadsNowhere)
     EXPECT_GT(links, 0);
 }
 
+TEST(Menus, HelpKeepsTheWordsOfALinkThatLeadsToAFile)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+    const QString shown = window.findChild<QTextBrowser *>()->toPlainText().simplified();
+    QFile readme(u":/README.md"_s);
+    ASSERT_TRUE(readme.open(QIODevice::ReadOnly));
+    const QRegularExpression link(uR"((?<!!)\[([\w ./]+)\]\((?!https?:))"_s);
+    int links = 0;
+    for (const QRegularExpressionMatch &each : link.globalMatch(QString::fromUtf8(readme.readAll()))) {
+        ++links;
+        EXPECT_TRUE(shown.contains(each.captured(1).simplified())) << each.captured(1).toStdString();
+    }
+    EXPECT_GT(links, 0);
+}
+
 TEST(Menus, HelpComesForwardWhenAskedForAgainAndIsClosedByItsShortcut)
 {
     TestWindow tools;
@@ -100,7 +121,9 @@ TEST(Menus, HelpComesForwardWhenAskedForAgainAndIsClosedByItsShortcut)
     EXPECT_EQ(ByName::nameOf(page), u"Tidewell Help"_s);
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const EventCount raised(*page, QEvent::ZOrderChange);
     action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+    EXPECT_GT(raised.count(), 0);
     ASSERT_TRUE(QTest::qWaitForWindowActive(page));
     QTest::keySequence(page, QKeySequence::Close);
     EXPECT_TRUE(waitUntil([&page] { return page.isNull(); }));

@@ -5,6 +5,7 @@
 #include "Screens/KeyboardWalk.h"
 #include "Screens/Places.h"
 #include "Screens/TestWindow.h"
+#include "Screens/TimerWatch.h"
 #include "TidewellApp/Files/SavingSheet.h"
 #include "TidewellApp/MainWindow.h"
 
@@ -59,6 +60,8 @@ protected:
         EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptSave);
         EXPECT_EQ(dialog->windowTitle(), u"Save Output"_s);
         EXPECT_EQ(dialog->defaultSuffix(), u"txt"_s);
+        EXPECT_EQ(dialog->fileMode(), QFileDialog::AnyFile);
+        EXPECT_TRUE(dialog->selectedFiles().value(0).endsWith(u"/output.txt"_s));
         Q_EMIT dialog->fileSelected(to);
         delete dialog;
     }
@@ -134,10 +137,12 @@ TEST_F(OutputSavingTest, GoesOnThoughTheOutputIsCleared)
 
 TEST_F(OutputSavingTest, TellsHowFarItHasCome)
 {
+    const TimerWatch looks(std::chrono::milliseconds(50));
     begin(path);
     ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr; }));
     EXPECT_EQ(sheet()->windowTitle(), u"Saving “output.txt”…"_s);
     EXPECT_EQ(sheet()->width(), 420);
+    EXPECT_EQ(sheet()->windowModality(), Qt::WindowModal);
     auto *bar = ByName::find<QProgressBar>(*sheet(), u"Saving “output.txt”…"_s);
     ASSERT_NE(bar, nullptr);
     EXPECT_EQ(bar->value(), bar->minimum());
@@ -150,9 +155,25 @@ TEST_F(OutputSavingTest, TellsHowFarItHasCome)
     EXPECT_EQ(title->font(), Typography::headline());
     half.release();
     EXPECT_TRUE(waitUntil([bar] { return bar->value() == bar->maximum() / 2; }));
+    ASSERT_NE(looks.timer(), nullptr);
+    EXPECT_TRUE(looks.timer()->isActive());
     all.release();
     EXPECT_TRUE(waitUntil([this] { return ended.count() == 1; }));
     EXPECT_EQ(sheet(), nullptr);
+    EXPECT_FALSE(looks.timer()->isActive()) << "nothing is looked at any more";
+}
+
+TEST_F(OutputSavingTest, AsksOverTheMainWindowWhenTheOneInFrontCannotSave)
+{
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    saving.action()->trigger();
+    EXPECT_EQ(other.findChild<QFileDialog *>(), nullptr);
+    auto *dialog = window.findChild<QFileDialog *>();
+    EXPECT_NE(dialog, nullptr);
+    delete dialog;
 }
 
 TEST_F(OutputSavingTest, CanBeCancelledByButtonEscapeAndClosing)

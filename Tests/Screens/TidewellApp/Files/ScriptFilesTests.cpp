@@ -12,6 +12,9 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 
+#include <cerrno>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -97,6 +100,65 @@ TEST_F(ScriptFilesTest, SavesNoHalfOfACharacter)
     EXPECT_EQ(ScriptFiles::write(path, u"🐳\n"_s), std::nullopt);
 }
 
+TEST_F(ScriptFilesTest, FindsHalfACharacterWhereverItStands)
+{
+    const QChar first(0xd83d);
+    const QChar second(0xdc33);
+    const QString whole = QString(first) + second;
+    const QString path = tools.orbStack.tools().path(u"halves"_s);
+    const auto refusalOfLine = [](int line) {
+        return u"Line %1 has half a character, which no file can hold."_s.arg(line);
+    };
+    for (const QString &text : {QString(first), QString(second), u"a"_s + first, second + u"a"_s, first + u"a"_s,
+                                whole + first, whole + second, QString(second) + first, QString(first) + first})
+        EXPECT_EQ(ScriptFiles::write(path, text), refusalOfLine(1));
+    EXPECT_EQ(ScriptFiles::write(path, u"a\n\n"_s + whole + second), refusalOfLine(3));
+    EXPECT_EQ(ScriptFiles::write(path, u"a\n"_s + first + u'\n'), refusalOfLine(2));
+    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_EQ(ScriptFiles::write(path, whole + whole + u'\n' + whole), std::nullopt);
+}
+
+TEST_F(ScriptFilesTest, TellsThatAFileCannotBeRead)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"secret"_s);
+    ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
+    ASSERT_TRUE(QFile::setPermissions(path, QFileDevice::WriteOwner));
+    ASSERT_TRUE(QFile::setPermissions(folder.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                         QFileDevice::ExeOwner | QFileDevice::ExeGroup |
+                                                         QFileDevice::ExeOther));
+    constexpr uid_t nobody = 65534; // somebody whom the permissions of files concern
+    const bool isRoot = ::geteuid() == 0;
+    ASSERT_TRUE(!isRoot || ::seteuid(nobody) == 0);
+    const ScriptFiles::Reading reading = ScriptFiles::read(path);
+    ASSERT_TRUE(!isRoot || ::seteuid(0) == 0);
+    EXPECT_EQ(reading.refusal, u"It cannot be read: "_s + qt_error_string(EACCES) + u'.');
+#ifdef Q_OS_LINUX
+    // A file whose beginning is nowhere.
+    EXPECT_EQ(ScriptFiles::read(u"/proc/self/mem"_s).refusal, u"It cannot be read: "_s + qt_error_string(EIO) + u'.');
+#endif
+}
+
+TEST_F(ScriptFilesTest, OpenAndSaveInDialogsThatSayWhatTheyAreFor)
+{
+    trigger(u"Open Script…"_s);
+    auto *dialog = window.findChild<QFileDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog->windowTitle(), u"Open Script"_s);
+    EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptOpen);
+    EXPECT_EQ(dialog->fileMode(), QFileDialog::ExistingFile);
+    delete dialog;
+    trigger(u"Save Script As…"_s);
+    dialog = window.findChild<QFileDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog->windowTitle(), u"Save Script"_s);
+    EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptSave);
+    EXPECT_EQ(dialog->fileMode(), QFileDialog::AnyFile);
+    EXPECT_EQ(dialog->defaultSuffix(), u"sh"_s);
+    EXPECT_TRUE(dialog->selectedFiles().value(0).endsWith(u"/script.sh"_s));
+    delete dialog;
+}
+
 TEST_F(ScriptFilesTest, TellsWhatOfAnOpenedFileIsNotInTheEditor)
 {
     trigger(u"Open Script…"_s);
@@ -117,6 +179,10 @@ TEST_F(ScriptFilesTest, OpensNoFileWithLineEndsThatTheEditorWouldChange)
               u"It has line ends that the editor cannot keep (U+2028)."_s);
     EXPECT_EQ(ScriptFiles::read(file("one\xe2\x80\xa9two")).refusal,
               u"It has line ends that the editor cannot keep (U+2029)."_s);
+    EXPECT_EQ(ScriptFiles::read(file("one\xef\xb7\x90two")).refusal,
+              u"It has line ends that the editor cannot keep (U+FDD0)."_s);
+    EXPECT_EQ(ScriptFiles::read(file("one\xef\xb7\x91two")).refusal,
+              u"It has line ends that the editor cannot keep (U+FDD1)."_s);
 }
 
 TEST_F(ScriptFilesTest, SavesTheScriptAsUtf8ThatItsOwnerMayExecute)
@@ -129,6 +195,10 @@ TEST_F(ScriptFilesTest, SavesTheScriptAsUtf8ThatItsOwnerMayExecute)
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(saved.readAll(), QByteArray("echo \xc3\xa9\n"));
     EXPECT_TRUE(QFileInfo(path).isExecutable());
+    const QString existing = file("before");
+    trigger(u"Save Script As…"_s);
+    answer(existing);
+    EXPECT_FALSE(QFileInfo(existing).isExecutable()) << "as it was before";
 }
 
 TEST_F(ScriptFilesTest, SayWhenAScriptCannotBeSavedAndLeaveTheOldFile)

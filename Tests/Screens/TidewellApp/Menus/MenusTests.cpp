@@ -1,7 +1,7 @@
 #include "ContentView/ContentView.h"
 #include "OutputPane/OutputPane.h"
 #include "Screens/TestWindow.h"
-#include "Screens/TidewellApp/MenuActions.h"
+#include "Screens/TidewellApp/Menus/MenuActions.h"
 #include "TidewellApp/MainWindow.h"
 
 #include <QApplication>

@@ -1,5 +1,5 @@
 #include "Screens/TestWindow.h"
-#include "Screens/TidewellApp/MenuActions.h"
+#include "Screens/TidewellApp/Menus/MenuActions.h"
 #include "TidewellApp/MainWindow.h"
 
 using namespace Qt::StringLiterals;
@@ -89,5 +89,29 @@ TEST(Menus, GiveOnlyAboutAndQuitARoleOfTheirOwnAndLeaveEditToTheSystem)
             else
                 EXPECT_EQ(each->menuRole(), QAction::NoRole) << label.toStdString();
         }
+    }
+}
+
+TEST(Menus, MarkTheFirstTabAndOfferNothingToEditFindOrSaveBeforeTheWindowIsShown)
+{
+    TestWindow tools;
+    const MainWindow window(tools.controllers());
+    for (const AppTab tab : allAppTabs)
+        EXPECT_EQ(MenuActions::action(window, u"View"_s, rawValue(tab))->isChecked(), tab == AppTab::run);
+    for (const QString &label : {u"Undo"_s, u"Redo"_s, u"Cut"_s, u"Copy"_s, u"Paste"_s, u"Select All"_s, u"Find…"_s,
+                                 u"Find Next"_s, u"Find Previous"_s, u"Use Selection for Find"_s})
+        EXPECT_FALSE(MenuActions::action(window, u"Edit"_s, label)->isEnabled()) << label.toStdString();
+    EXPECT_FALSE(MenuActions::action(window, u"File"_s, u"Save Output As…"_s)->isEnabled());
+}
+
+TEST(Menus, KeepTheMarkOfATabThatIsChosenAgain)
+{
+    TestWindow tools;
+    const MainWindow window(tools.controllers());
+    QAction *history = MenuActions::action(window, u"View"_s, u"History"_s);
+    for (int times = 0; times < 2; ++times) {
+        history->trigger();
+        EXPECT_TRUE(history->isChecked());
+        EXPECT_FALSE(MenuActions::action(window, u"View"_s, u"Run"_s)->isChecked());
     }
 }

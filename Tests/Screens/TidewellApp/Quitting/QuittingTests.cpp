@@ -1,4 +1,5 @@
 #include "QuittingTest.h"
+#include "Screens/TimerWatch.h"
 
 #include <QPushButton>
 
@@ -36,9 +37,24 @@ TEST_F(QuittingTest, StaysOpenAndSaysSoWhenTheMachineCouldNotBeDeleted)
     EXPECT_EQ(question->informativeText(),
               u"The output tells why. The machine stays until it is deleted in the Machines tab."_s);
     EXPECT_EQ(question->defaultButton()->text(), u"Keep open"_s);
+    bool isPatienceOver = false;
+    QTimer::singleShot(2 * atOnce.untilAskedAgain, &guarded.window, [&] { isPatienceOver = true; });
+    EXPECT_TRUE(waitUntil([&] { return isPatienceOver; }));
+    EXPECT_EQ(guarded.question(), question) << "the run has ended, whose end was waited for";
     press(u"Keep open"_s);
     EXPECT_TRUE(guarded.window.isVisible());
     EXPECT_TRUE(quit()) << "who wants to quit then knows of it";
+}
+
+TEST_F(QuittingTest, StaysOpenAlsoWhenNobodyKnowsWhetherTheMachineIsThere)
+{
+    addOrbThatCannotDelete(true);
+    guarded.startRun(u"exec sleep 60"_s);
+    tools().addTool(u"orb"_s, u"[ $1 != list ] || echo 'no list' >&2; exit 1"_s);
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
+    EXPECT_NE(asked(run.undeletedMachine() + u" could not be deleted."_s), nullptr);
 }
 
 TEST_F(QuittingTest, LeavesAMachineThatCouldNotBeDeletedWhenToldTo)
@@ -66,6 +82,7 @@ TEST_F(QuittingTest, IsNotHeldUpByTheDeletionOfAMachineThatWasNeverMade)
 
 TEST_F(QuittingTest, AsksAgainWhenTheRunDoesNotEndAndMayBeCalledOff)
 {
+    const TimerWatch patience(atOnce.untilAskedAgain);
     startIgnoringRun();
     EXPECT_FALSE(quit());
     press(u"Stop it and quit"_s);
@@ -75,6 +92,8 @@ TEST_F(QuittingTest, AsksAgainWhenTheRunDoesNotEndAndMayBeCalledOff)
               u"Quitting now leaves it to itself. A disposable machine that stays behind is named in the Machines tab "
               "after the next start."_s);
     EXPECT_EQ(question->defaultButton()->text(), u"Keep open"_s);
+    ASSERT_NE(patience.timer(), nullptr);
+    EXPECT_FALSE(patience.timer()->isActive()) << "it is asked once more, not again and again";
     press(u"Keep open"_s);
     tools().addFile(u"go"_s);
     EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));

@@ -1,6 +1,7 @@
 #include "Look/Alert.h"
+#include "Screens/EventCount.h"
 #include "Screens/TestWindow.h"
-#include "Screens/TidewellApp/MenuActions.h"
+#include "Screens/TidewellApp/Menus/MenuActions.h"
 #include "TidewellApp/HelpWindow.h"
 #include "TidewellApp/MainWindow.h"
 
@@ -24,7 +25,9 @@ TEST(Menus, MinimizeZoomAndBringForwardTheWindow)
     EXPECT_TRUE(window.isMinimized());
     window.hide();
     window.setWindowState(Qt::WindowNoState);
+    const EventCount raised(window, QEvent::ZOrderChange);
     action(window, u"Window"_s, u"Tidewell"_s)->trigger();
+    EXPECT_GT(raised.count(), 0);
     EXPECT_TRUE(window.isVisible());
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
 }
