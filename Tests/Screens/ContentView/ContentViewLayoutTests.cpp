@@ -87,3 +87,18 @@ TEST(ContentView, FitsItsSmallestSizeByScrollingTheScreen)
     EXPECT_GE(content.findChild<QScrollArea *>()->y(),
               ByName::find<QWidget>(content, u"Setup log"_s)->geometry().bottom());
 }
+
+TEST(ContentView, SetsItsTabsInTheMiddleAndItsScreenFromEdgeToEdge)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    const auto *selector = content.findChild<QTabBar *>();
+    const auto *screen = content.findChild<QScrollArea *>();
+    for (const int width : {1000, 1001}) {
+        content.resize(width, 800);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(selector->x(), (width - selector->width()) / 2);
+        EXPECT_EQ(screen->viewport()->geometry(), screen->rect()) << "without a frame";
+    }
+    EXPECT_EQ(screen->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+}

@@ -1,5 +1,6 @@
 #include "ContentView/Screens/Run/RunView.h"
 #include "Screens/TestWindow.h"
+#include "Screens/TimerWatch.h"
 
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -119,8 +120,18 @@ TEST(ContentView, KeepsItsScreenWhenTheWheelTurnsOverTheTabs)
     QWheelEvent down(middle, tabs(content)->mapToGlobal(middle), {}, QPoint(0, -120), Qt::NoButton, {},
                      Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(tabs(content), &down);
+    EXPECT_FALSE(down.isAccepted()) << "it is somebody else's";
     EXPECT_EQ(content.tab(), AppTab::run);
     EXPECT_EQ(ByName::find<QLineEdit>(content, u"Packages, e.g. git curl"_s)->text(), u"git"_s);
+}
+
+TEST(ContentView, PutsTheKeyboardIntoTheScreenThatIsAskedForAgain)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    tabs(content)->setFocus();
+    content.setTab(AppTab::run);
+    EXPECT_EQ(ByName::nameOf(content.focusWidget()), u"Script"_s);
 }
 
 TEST(ContentView, BuildsTheSelectedScreenFreshAndNoOther)
@@ -183,12 +194,14 @@ TEST(ContentView, SleepsSixSecondsBetweenTwoRounds)
 {
     TestWindow window;
     ContentView content(window.controllers());
+    const TimerWatch sleep(6s);
     content.show();
     const auto before = std::chrono::steady_clock::now();
     EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(status) == 2; }));
     const auto waited = std::chrono::steady_clock::now() - before;
     EXPECT_GE(waited, 6s);
     EXPECT_LT(waited, 10s);
+    EXPECT_NE(sleep.timer(), nullptr) << "and not a little more";
 }
 
 TEST(ContentView, ListsAtOnceWhenOrbStackComesUp)

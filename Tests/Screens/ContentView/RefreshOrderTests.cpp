@@ -1,6 +1,7 @@
 // Which list is read when: in the rounds, when OrbStack comes up, and when a run ends.
 
 #include "Screens/TestWindow.h"
+#include "Screens/TimerWatch.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -126,4 +127,20 @@ TEST_F(RefreshOrder, ARoundWaitsForItsToolHoweverShortTheSleep)
     EXPECT_EQ(calls(status), 1);
     tools().addFile(u"go"_s);
     EXPECT_TRUE(waitUntil([&] { return calls(status) >= 2; }));
+}
+
+TEST_F(RefreshOrder, NobodySleepsDuringARoundOrInAHiddenWindow)
+{
+    constexpr auto sleep = 37ms;
+    const TimerWatch watch(sleep);
+    ContentView &content = window.show(sleep);
+    ASSERT_TRUE(waitUntil([&] { return watch.timer() != nullptr; }));
+    EXPECT_EQ(watch.timer()->timerType(), Qt::PreciseTimer);
+    tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s) + u"\necho Stopped"_s);
+    const qsizetype before = calls(status);
+    EXPECT_TRUE(waitUntil([&] { return calls(status) > before && !watch.timer()->isActive(); }));
+    tools().addFile(u"go"_s);
+    ASSERT_TRUE(waitUntil([&] { return watch.timer()->isActive(); }));
+    content.hide();
+    EXPECT_FALSE(watch.timer()->isActive());
 }

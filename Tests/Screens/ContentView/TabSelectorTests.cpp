@@ -1,9 +1,13 @@
 #include "ContentView/TabSelector.h"
 
+#include "Look/Colours.h"
+#include "Look/RoundedFrame.h"
 #include "Screens/Look/DarkPalette.h"
 #include "Support/Waiting.h"
 
+#include <QAccessible>
 #include <QImage>
+#include <QPainter>
 
 #include <gtest/gtest.h>
 
@@ -103,4 +107,58 @@ TEST_F(TabSelectorTest, GivesEachLabelRoomAndTakesNoMore)
     }
     EXPECT_EQ(tabs.width(), width);
     EXPECT_EQ(tabs.sizePolicy().horizontalPolicy(), QSizePolicy::Fixed);
+}
+
+TEST_F(TabSelectorTest, RoundsItsStripBySevenPointsAndTheSelectedSegmentWithinBySix)
+{
+    TabSelector blank;
+    for (int index = 0; index < 2; ++index)
+        blank.addTab(QString());
+    blank.resize(blank.sizeHint());
+    for (const QPalette &palette : {blank.palette(), darkPalette()}) {
+        blank.setPalette(palette);
+        const bool isDark = Colours::isDark(palette);
+        const QColor strip = Colours::mixed(isDark ? Qt::white : Qt::black, palette.color(QPalette::Window), 0.08F);
+        QImage expected(blank.size(), QImage::Format_RGB32);
+        expected.fill(palette.color(QPalette::Window));
+        QPainter painter(&expected);
+        RoundedFrame::draw(painter, blank.rect(), 7, {}, strip);
+        RoundedFrame::draw(painter, QRectF(blank.tabRect(0)).adjusted(1, 1, -1, -1), 6,
+                           Colours::mixed(Qt::black, strip, 0.14F),
+                           Colours::mixed(Qt::white, strip, isDark ? 0.22F : 1.0F));
+        painter.end();
+        EXPECT_EQ(blank.grab().toImage().convertToFormat(QImage::Format_RGB32), expected);
+    }
+}
+
+TEST_F(TabSelectorTest, WritesItsLabelsInTheColourOfTheWindowsText)
+{
+    tabs.setPalette(darkPalette());
+    const QImage picture = tabs.grab().toImage();
+    double brightest = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = tabs.tabRect(1).left(); x <= tabs.tabRect(1).right(); ++x)
+            brightest = std::max<double>(brightest, picture.pixelColor(x, y).lightnessF());
+    }
+    EXPECT_GT(brightest, 0.7);
+}
+
+TEST_F(TabSelectorTest, IsAListOfItsTabsAndOfNothingElse)
+{
+    QAccessibleInterface *list = QAccessible::queryAccessibleInterface(&tabs);
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->childCount(), 3);
+    EXPECT_EQ(list->indexOfChild(nullptr), -1);
+    EXPECT_EQ(list->indexOfChild(list), -1);
+    EXPECT_EQ(list->child(3), nullptr);
+    QAccessibleInterface *tab = list->child(1);
+    ASSERT_NE(tab, nullptr);
+    EXPECT_EQ(tab->text(QAccessible::Name), u"Machines"_s);
+    EXPECT_EQ(tab->text(QAccessible::Description), QString());
+    EXPECT_TRUE(tab->state().selectable);
+    EXPECT_EQ(tab->actionInterface()->actionNames(), QStringList{QAccessibleActionInterface::pressAction()});
+    tab->actionInterface()->doAction(u"another"_s);
+    EXPECT_EQ(tabs.currentIndex(), 0);
+    tab->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(tabs.currentIndex(), 1);
 }

@@ -198,3 +198,28 @@ TEST_F(ContainersViewTest, IsUsableByKeyboardAlone)
     ASSERT_TRUE(untilIdle());
     EXPECT_EQ(calls(u"<rm><-f><db>"_s), 1);
 }
+
+TEST_F(ContainersViewTest, RunsTheImageOnReturnInAnyFieldOfTheForm)
+{
+    show();
+    qsizetype runs = 0;
+    for (const QString &placeholder : {u"Image (nginx:latest)"_s, u"Ports (8080:80)"_s, u"Name (optional)"_s}) {
+        image().clear();
+        QTest::keyClick(&field(placeholder), Qt::Key_Return);
+        EXPECT_FALSE(window.containers.busy()) << placeholder.toStdString();
+        image().setText(u"nginx"_s);
+        QTest::keyClick(&field(placeholder), Qt::Key_Return);
+        EXPECT_TRUE(window.containers.busy()) << placeholder.toStdString();
+        ASSERT_TRUE(untilIdle());
+        EXPECT_EQ(calls(u"<run><-d><nginx>"_s), ++runs);
+    }
+}
+
+TEST_F(ContainersViewTest, GivesTheKeyboardToTheImageWhenTheLastContainerGoes)
+{
+    show();
+    list().row(1)->buttons()[3]->setFocus();
+    setContainers({});
+    ASSERT_TRUE(waitFor(window.containers.refresh()));
+    EXPECT_EQ(window.content().focusWidget(), &image());
+}

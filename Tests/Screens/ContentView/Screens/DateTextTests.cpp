@@ -47,6 +47,8 @@ TEST(DateText, WritesTheHoursAsTheSystemIsSetTo)
     EXPECT_EQ(textWith("de_DE", u"HH:mm 'Uhr am Tag'"_s), "01.03.2026, 14:05") << "what is quoted is text";
     EXPECT_EQ(textWith("fr_CA", u"HH 'h' mm"_s), textIn("fr_CA"));
     EXPECT_NE(textWith("fr_CA", u"h 'h' mm AP"_s), textIn("fr_CA"));
+    EXPECT_EQ(textWith("es_ES", u"H:mm"_s), textIn("es_ES"));
+    EXPECT_NE(textWith("es_ES", u"h:mm AP"_s), textIn("es_ES"));
 }
 
 TEST(DateText, KeepsTheDigitsAndDirectionMarksOfAnArabicDate)

@@ -103,3 +103,19 @@ TEST_F(MachinesViewTest, GoesAwayWithItsQuestion)
     EXPECT_FALSE(window.machines.busy());
     EXPECT_EQ(calls(u"<delete><-f><box>"_s), 0);
 }
+
+TEST_F(MachinesViewTest, AsksByTheFirstTwoHundredCharactersOfALongName)
+{
+    const QString longest(200, u'a');
+    show({longest, longest + u'b'});
+    const auto question = [this](int row) {
+        list().row(row)->buttons().last()->click();
+        EXPECT_NE(alert(), nullptr);
+        const QString text = alert()->text();
+        press(*alert(), u"Cancel"_s);
+        EXPECT_TRUE(waitUntil([this] { return alert() == nullptr; }));
+        return text;
+    };
+    EXPECT_EQ(question(0), u"Delete "_s + longest + u'?');
+    EXPECT_EQ(question(1), u"Delete "_s + longest + u"…?"_s);
+}

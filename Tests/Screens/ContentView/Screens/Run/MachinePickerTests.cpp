@@ -80,3 +80,37 @@ TEST(MachinePicker, ShowsANameOfAHundredCharactersWholeAndALongerOneCut)
     EXPECT_EQ(picker.itemText(1), longest + u'…');
     EXPECT_EQ(picker.itemData(1).toString().size(), 101) << "it is chosen by its whole name";
 }
+
+TEST(MachinePicker, ShowsAnyListAfterAnyOther)
+{
+    QList<QStringList> lists;
+    lists.append(QStringList());
+    for (qsizetype shorter = 0; lists.size() < 31; ++shorter) {
+        for (const QString &name : {u"a"_s, u"b"_s})
+            lists.append(QStringList(lists[shorter]) << name);
+    }
+    ASSERT_EQ(lists.last(), QStringList(4, u"b"_s)) << "all of up to four machines with two names";
+    MachinePicker picker;
+    for (const QStringList &before : lists) {
+        for (const QStringList &after : lists) {
+            picker.showMachines(machines(before), before.value(0));
+            picker.showMachines(machines(after), after.value(0));
+            ASSERT_EQ(entries(picker), after.isEmpty() ? QStringList{u"No machines"_s} : after)
+                << before.join(u' ').toStdString() << " -> " << after.join(u' ').toStdString();
+            ASSERT_EQ(picker.currentIndex(), 0);
+        }
+    }
+}
+
+TEST(MachinePicker, IsAsWideAsSixteenCharactersWhateverItOffers)
+{
+    QComboBox usual;
+    usual.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    usual.setMinimumContentsLength(16);
+    MachinePicker picker;
+    for (const QStringList &names : {QStringList(), QStringList{u"a"_s}, QStringList{QString(100, u'w')}}) {
+        picker.showMachines(machines(names), names.value(0));
+        EXPECT_EQ(picker.sizeHint().width(), usual.sizeHint().width());
+        EXPECT_EQ(picker.minimumSizeHint(), QSize(80, usual.minimumSizeHint().height()));
+    }
+}

@@ -1,4 +1,5 @@
 #include "Screens/ContentView/Screens/Run/RunViewSteps.h"
+#include "Screens/Places.h"
 
 #include <QPointer>
 
@@ -150,4 +151,43 @@ TEST(RunView, ShowsAFoldersPathCutInItsMiddleAndUndisguised)
     EXPECT_TRUE(isOffered(content, u"Clear"_s, u"Stop sharing the folder"_s));
     EXPECT_TRUE(content.rect().contains(QRect(toggle(content, u"10 minute time limit"_s)->mapTo(&content, QPoint()),
                                               toggle(content, u"10 minute time limit"_s)->size())));
+}
+
+TEST(RunView, PutsTheKeyboardOnSharingAfterTheFolderWasChosenOrGivenUp)
+{
+    TestWindow window;
+    ContentView &content = window.show();
+    const auto focused = [&content] { return ByName::nameOf(content.focusWidget()); };
+    ASSERT_EQ(focused(), u"Script"_s);
+    // As assistive technology presses a button: without a focus on it.
+    find<QAbstractButton>(content, u"Share a folder…"_s)->click();
+    auto *dialog = content.findChild<QFileDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    Q_EMIT dialog->fileSelected(window.orbStack.tools().directory(0));
+    dialog->reject();
+    EXPECT_EQ(focused(), u"Share a folder…"_s);
+    auto *clear = find<QAbstractButton>(content, u"Clear"_s, u"Stop sharing the folder"_s);
+    ASSERT_NE(clear, nullptr);
+    clear->setFocus();
+    QTest::keyClick(clear, Qt::Key_Space);
+    EXPECT_FALSE(clear->isVisible());
+    EXPECT_EQ(focused(), u"Share a folder…"_s);
+}
+
+TEST(RunView, LeavesNoRoomForAFolderThatIsNotShared)
+{
+#ifdef Q_OS_MACOS
+    GTEST_SKIP() << "the system's controls keep distances of their own";
+#endif
+    TestWindow window;
+    ContentView &content = window.show();
+    const auto gaps = [&content] {
+        return Places::gapsBeside(content, {find<QPushButton>(content, u"Share a folder…"_s),
+                                            find<QCheckBox>(content, u"10 minute time limit"_s)});
+    };
+    Places::expectSoon(gaps, QList<int>{12});
+    shareFolder(content, window.orbStack.tools().directory(0));
+    EXPECT_NE(gaps(), QList<int>{12});
+    press(content, u"Clear"_s, u"Stop sharing the folder"_s);
+    Places::expectSoon(gaps, QList<int>{12});
 }

@@ -1,5 +1,6 @@
 #include "Screens/ContentView/Screens/Run/RunViewSteps.h"
 
+#include "ContentView/Screens/Run/OutputSection.h"
 #include "Look/Picker.h"
 #include "Look/Typography.h"
 #include "OutputPane/OutputPane.h"
@@ -155,4 +156,21 @@ TEST_F(RunViewLayout, SaysBesideRunThatOrbStackMustBeStarted)
     EXPECT_NEAR(place(hint).center().y(), place(run).center().y(), 1);
     EXPECT_EQ(hint->font(), Typography::caption());
     EXPECT_EQ(colourOf(hint), Colours::secondary(content.palette()));
+}
+
+TEST_F(RunViewLayout, GivesTheOutputTwiceTheHeightOfTheScriptWithinItsBounds)
+{
+    const auto *script = the<ScriptEditor>(u"Script"_s);
+    const auto *output = content.findChild<OutputSection *>();
+    int compared = 0;
+    for (int height = 640; height <= 1200; height += 20) {
+        content.resize(1200, height);
+        QCoreApplication::processEvents();
+        if (script->height() == script->minimumHeight() || script->height() == script->maximumHeight())
+            continue;
+        ++compared;
+        EXPECT_NEAR(output->height(), 2 * script->height(), 2) << height;
+    }
+    EXPECT_GT(compared, 3);
+    EXPECT_EQ(script->height(), 200);
 }

@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QInputMethodEvent>
 #include <QTest>
 #include <QTextBlock>
 
@@ -151,6 +152,41 @@ TEST_F(ScriptEditorLongLine, TakesALineEndForOneWhereAPieceOfItWasReplaced)
     QTest::keyClick(&editor, Qt::Key_Return);
     QTest::keyClicks(&editor, u"c"_s);
     EXPECT_EQ(run.script(), line.first(begin) + u"\nc"_s + line.sliced(end) + u' ');
+}
+
+TEST_F(ScriptEditorLongLine, TakesALineEndForOneWhereAPieceOfItWasDeletedCharacterByCharacter)
+{
+    const QString line = lineOf(6000);
+    editor.replaceText(line);
+    QTextCursor piece(editor.document()->findBlockByNumber(1));
+    const qsizetype begin = 2000;
+    const qsizetype end = begin + piece.block().length() - 1;
+    piece.setPosition(piece.position() + 1);
+    piece.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    editor.setTextCursor(piece);
+    QTest::keyClick(&editor, Qt::Key_Delete);
+    QTest::keyClick(&editor, Qt::Key_Backspace);
+    ASSERT_EQ(run.script(), line.first(begin) + line.sliced(end));
+    QTest::keyClicks(&editor, u"a"_s);
+    QTest::keyClick(&editor, Qt::Key_Return);
+    QTest::keyClicks(&editor, u"b"_s);
+    EXPECT_EQ(run.script(), line.first(begin) + u"a\nb"_s + line.sliced(end));
+}
+
+TEST_F(ScriptEditorLongLine, TakesALineEndForOneWhereAnInputMethodReplacedAPieceOfIt)
+{
+    const QString line = lineOf(6000);
+    editor.replaceText(line);
+    QTextCursor piece(editor.document()->findBlockByNumber(1));
+    const qsizetype begin = 2000;
+    const qsizetype end = begin + piece.block().length() - 1;
+    piece.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    editor.setTextCursor(piece);
+    QInputMethodEvent typed;
+    typed.setCommitString(u"é"_s);
+    QCoreApplication::sendEvent(&editor, &typed);
+    QTest::keyClick(&editor, Qt::Key_Return);
+    EXPECT_EQ(run.script(), line.first(begin) + u"é\n"_s + line.sliced(end));
 }
 
 TEST_F(ScriptEditorLongLine, IsCopiedAndPastedAsOneLine)

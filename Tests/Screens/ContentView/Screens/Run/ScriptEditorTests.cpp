@@ -6,6 +6,7 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QInputMethodEvent>
 #include <QMimeData>
 #include <QPushButton>
 #include <QScrollBar>
@@ -53,6 +54,7 @@ TEST(ScriptEditor, IsAFieldOfThirteenPointsFromSixLinesToTen)
     editor.resize(400, 150);
     editor.show();
     EXPECT_EQ(editor.font(), Typography::monospaced(13));
+    EXPECT_EQ(editor.document()->defaultFont(), Typography::monospaced(13));
     EXPECT_EQ(editor.minimumHeight(), 120);
     EXPECT_EQ(editor.maximumHeight(), 200);
     EXPECT_EQ(editor.sizeHint().height(), 120);
@@ -119,6 +121,9 @@ TEST(ScriptEditor, TypesATabAndIsLeftByControlTabAndShiftTab)
         editor->setFocus();
         QTest::keyClick(editor, Qt::Key_Backtab, control | Qt::ShiftModifier);
         EXPECT_EQ(window.focusWidget(), before);
+        editor->setFocus();
+        QTest::keyClick(editor, Qt::Key_Tab, control | Qt::ShiftModifier);
+        EXPECT_EQ(window.focusWidget(), before) << "where Shift-Tab is no key of its own";
         editor->setFocus();
     }
     QTest::keyClick(editor, Qt::Key_Backtab, Qt::ShiftModifier);
@@ -217,4 +222,34 @@ TEST(ScriptEditor, KeepsItsScrollBarWithinTheRoundedFrame)
     ASSERT_TRUE(bar->isVisible());
     EXPECT_LT(bar->mapTo(&editor, bar->rect().bottomRight()).x(), editor.rect().right());
     EXPECT_LT(bar->mapTo(&editor, bar->rect().bottomRight()).y(), editor.rect().bottom());
+}
+
+TEST(ScriptEditor, ShowsTheBeginningOfWhateverTookTheScriptsPlace)
+{
+    RunController run;
+    ScriptEditor editor(run);
+    editor.resize(400, 120);
+    editor.show();
+    const auto isAtBeginning = [&editor] {
+        return editor.textCursor().position() == 0 && editor.verticalScrollBar()->value() == 0;
+    };
+    for (const bool canBeUndone : {false, true}) {
+        const QString script = u"a line\n"_s.repeated(canBeUndone ? 200 : 100);
+        canBeUndone ? editor.replaceText(script) : run.setScript(script);
+        EXPECT_EQ(run.script(), script);
+        EXPECT_GT(editor.verticalScrollBar()->maximum(), 0);
+        EXPECT_TRUE(isAtBeginning());
+        editor.moveCursor(QTextCursor::End);
+        EXPECT_FALSE(isAtBeginning());
+    }
+}
+
+TEST(ScriptEditor, TakesWhatAnInputMethodCommits)
+{
+    RunController run;
+    ScriptEditor editor(run);
+    QInputMethodEvent typed;
+    typed.setCommitString(u"é"_s);
+    QCoreApplication::sendEvent(&editor, &typed);
+    EXPECT_EQ(run.script(), u"é"_s);
 }
