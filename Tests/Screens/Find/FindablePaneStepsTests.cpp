@@ -25,22 +25,6 @@ TEST_F(FindablePaneTest, BeginsWithWhatIsInViewWhereverTheCaretStands)
     EXPECT_TRUE(hasSelected(u"one"_s, 16)) << "the one behind it";
 }
 
-TEST_F(FindablePaneTest, BeginsWithWhatIsInViewWhereTheSelectionIsNot)
-{
-    fill(3000);
-    findable->find();
-    for (const TextView::Position selected : {TextView::Position{0}, run.transcript().text().end() - 10}) {
-        field()->clear();
-        output->select(selected, selected + 4);
-        output->verticalScrollBar()->setValue(output->verticalScrollBar()->maximum() / 2);
-        const int place = output->verticalScrollBar()->value();
-        field()->setText(u"line"_s);
-        EXPECT_TRUE(waitUntil([this] { return output->selectedText() == u"line"_s; }));
-        EXPECT_EQ(output->selection().begin(), output->visibleRange().begin);
-        EXPECT_EQ(output->verticalScrollBar()->value(), place);
-    }
-}
-
 TEST_F(FindablePaneTest, ClosesItsBarAtEscapeAloneAndLetsEveryOtherKeyPass)
 {
     const auto isTaken = [this](Qt::Key key) {

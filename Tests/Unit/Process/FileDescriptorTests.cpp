@@ -41,8 +41,8 @@ TEST(FileDescriptor, IsMovedAndWhatWasThereBeforeIsClosed)
     FileDescriptor other(second);
     owner = std::move(other);
     EXPECT_EQ(owner.number(), second);
-    EXPECT_EQ(other.number(),
-              -1); // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move): that it is closed is told
+    // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move): that it is closed is told
+    EXPECT_EQ(other.number(), -1);
     EXPECT_FALSE(isOpenInTheSystem(first));
     EXPECT_TRUE(isOpenInTheSystem(second));
     FileDescriptor &itself = owner;
@@ -50,8 +50,8 @@ TEST(FileDescriptor, IsMovedAndWhatWasThereBeforeIsClosed)
     EXPECT_TRUE(isOpenInTheSystem(second));
     const FileDescriptor third(std::move(owner));
     EXPECT_EQ(third.number(), second);
-    EXPECT_EQ(owner.number(),
-              -1); // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move): that it is closed is told
+    // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move): that it is closed is told
+    EXPECT_EQ(owner.number(), -1);
 }
 
 TEST(FileDescriptor, IsClosedOnce)

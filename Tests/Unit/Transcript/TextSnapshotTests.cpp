@@ -141,8 +141,8 @@ TEST_F(TextSnapshotTest, MovesWithAllThatItHolds)
     TextSnapshot half = text.snapshot();
     text.clear();
     TextSnapshot moved(std::move(whole));
-    EXPECT_TRUE(
-        whole.isEmpty()); // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move): that it is empty is told
+    // NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move): that it is empty is told
+    EXPECT_TRUE(whole.isEmpty());
     EXPECT_TRUE(forwards(moved) == bytes);
     whole = std::move(half);
     EXPECT_TRUE(forwards(whole) == bytes.sliced(4 * mebibyte));
