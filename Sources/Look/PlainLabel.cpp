@@ -103,7 +103,6 @@ void PlainLabel::paintEvent(QPaintEvent *event)
         return;
     }
     QPainter painter(this);
-    painter.setPen(palette().color(foregroundRole()));
     painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine, elided());
 }
 

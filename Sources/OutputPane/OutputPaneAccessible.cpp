@@ -163,8 +163,7 @@ private:
     QString read(OutputRange range) const
     {
         const Position view = pane().positionAt(QPoint(0, 0));
-        const OutputPaneAccessible::Range handed =
-            OutputPaneAccessible::readable({range.begin, range.end}, view, mostRead);
+        const OutputRange handed = OutputPaneAccessible::readable(range, view, mostRead);
         return store().text(handed.begin, handed.end);
     }
 
@@ -212,7 +211,7 @@ void OutputPaneAccessible::install()
     QAccessible::installFactory(interfaceFor); // which keeps one of each
 }
 
-OutputPaneAccessible::Range OutputPaneAccessible::readable(Range range, Position view, Position most)
+OutputRange OutputPaneAccessible::readable(OutputRange range, Position view, Position most)
 {
     if (range.end - range.begin <= most)
         return range;

@@ -3,6 +3,7 @@
 // The output pane as assistive technology meets it: a read-only text of many lines, read range by range straight from
 // the transcript. Offsets are UTF-16 code units from the transcript's first character.
 
+#include "OutputPane/OutputPaneNavigation.h"
 #include "OutputPane/Throttle.h"
 #include "Transcript/TextView.h"
 
@@ -14,14 +15,9 @@ namespace OutputPaneAccessible
 /// Makes output panes known to the accessibility framework; to be called before one is used, any number of times.
 void install();
 
-struct Range {
-    TextView::Position begin = 0;
-    TextView::Position end = 0;
-};
-
 /// What of a range is handed out at once, when that may be `most` bytes: all of it, or else a stretch of it that lies
 /// around `view`, a position on the screen, as far as the range reaches there. Pure.
-Range readable(Range range, TextView::Position view, TextView::Position most);
+OutputRange readable(OutputRange range, TextView::Position view, TextView::Position most);
 
 /// Tells assistive technology, if any listens, what changed since it last did: of arriving text at most twice a second,
 /// because it looks at the whole text after each time. Main thread.

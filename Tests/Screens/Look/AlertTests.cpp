@@ -1,10 +1,12 @@
 #include "Look/Alert.h"
 #include "Look/Typography.h"
 #include "Screens/ByName.h"
+#include "Support/Waiting.h"
 
 #include <QLabel>
 #include <QLayout>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -129,4 +131,23 @@ TEST(Alert, IsNeverHandedToTheSystemToDraw)
     // The toolkit does so with objects of this very class alone, from a version on that need not be the one here.
     EXPECT_STRNE(openAlert(window, u"Delete box?"_s)->metaObject()->className(),
                  QMessageBox::staticMetaObject.className());
+}
+
+TEST(Alert, StandsOverItsWindowOrByItselfWhereThatIsHiddenUntilItIsAnswered)
+{
+    QWidget window;
+    QMessageBox *alone = Alert::tell(&window, u"So it is."_s, {});
+    EXPECT_EQ(alone->parentWidget(), nullptr);
+    EXPECT_TRUE(alone->isVisible());
+    window.show();
+    const QPointer<QMessageBox> over = Alert::tell(&window, u"So it is."_s, u"And why."_s);
+    EXPECT_EQ(over->parentWidget(), &window);
+    EXPECT_EQ(over->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(over->text(), u"So it is."_s);
+    EXPECT_EQ(over->informativeText(), u"And why."_s);
+    const QPointer<QMessageBox> first = alone;
+    for (const QPointer<QMessageBox> &each : {first, over}) {
+        each->buttons().first()->click();
+        EXPECT_TRUE(waitUntil([&each] { return each == nullptr; })) << "an answer ends it";
+    }
 }

@@ -2,7 +2,11 @@
 
 #include "Look/Typography.h"
 
+#include <QFontMetricsF>
+
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -46,4 +50,17 @@ TEST(CellFont, TellsCharactersOfTheSameFirstByteApart)
     const QList<quint32> first = glyphsOf("\u00e9");
     EXPECT_NE(glyphsOf("\u00df"), first);
     EXPECT_EQ(glyphsOf("\u00e9"), first);
+}
+
+TEST(CellFont, HasTheGlyphOfEveryPrintableAsciiCharacterAndTheMeasuresOfItsFont)
+{
+    const QFont type = Typography::monospaced(12);
+    const CellFont font(type);
+    for (char16_t character = u' '; character <= u'~'; ++character)
+        EXPECT_EQ(font.glyph(character), font.rawFont().glyphIndexesForString(QChar(character)).first())
+            << static_cast<int>(character);
+    const QFontMetricsF metrics(type);
+    EXPECT_EQ(font.cellWidth(), metrics.horizontalAdvance(u'0'));
+    EXPECT_EQ(font.ascent(), std::ceil(metrics.ascent()));
+    EXPECT_EQ(font.rowHeight(), std::ceil(font.ascent() + metrics.descent() + metrics.leading()));
 }

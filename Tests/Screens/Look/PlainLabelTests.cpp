@@ -93,6 +93,9 @@ TEST(PlainLabel, ShowsTheWholeInAToolTipOnlyWhereItIsCut)
     hover(cut);
     EXPECT_TRUE(QToolTip::isVisible());
     EXPECT_EQ(QToolTip::text(), VisibleText::toolTip(text));
+    cut.setToolTip(u"its own"_s);
+    hover(cut);
+    EXPECT_EQ(QToolTip::text(), u"its own"_s);
     PlainLabel whole(u"short"_s, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd);
     whole.resize(whole.sizeHint());
     whole.show();
@@ -126,7 +129,11 @@ TEST(PlainLabel, NeverWidensItsWindow)
 TEST(PlainLabel, ShowsAShortTextWholeAndALongOneCut)
 {
     PlainLabel label(u"short"_s, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd);
-    EXPECT_GE(label.sizeHint().width(), label.fontMetrics().horizontalAdvance(u"short"_s));
+    const QFontMetrics metrics = label.fontMetrics();
+    EXPECT_EQ(label.sizeHint(), QSize(metrics.horizontalAdvance(u"short"_s) + 1, metrics.height()));
+    EXPECT_EQ(label.minimumSizeHint(), QSize(metrics.horizontalAdvance(u'\u2026'), metrics.height()));
+    const PlainLabel narrow(u"i"_s, Typography::body(), Colours::primary, PlainLabel::Fit::elideEnd);
+    EXPECT_EQ(narrow.minimumSizeHint(), narrow.sizeHint()) << "no wider than what it is the least of";
     PlainLabel path(u"/first/"_s + QString(5000, u'x') + u"/last"_s, Typography::body(), Colours::primary,
                     PlainLabel::Fit::elideMiddle);
     EXPECT_TRUE(path.text().startsWith(u"/first/"_s));
@@ -168,4 +175,10 @@ TEST(PlainLabel, IsDimmedWhileDisabled)
     EXPECT_EQ(label.palette().color(QPalette::WindowText), Qt::white);
     label.setEnabled(false);
     EXPECT_EQ(label.palette().color(QPalette::WindowText), QColor::fromRgb(0x606060));
+    const PlainLabel red(u"wrong"_s, Typography::body(), Colours::red, PlainLabel::Fit::elideEnd, &window);
+    palette.setColor(QPalette::Window, Qt::black);
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor::fromRgb(0x707070));
+    window.setPalette(palette);
+    EXPECT_EQ(red.palette().color(QPalette::Disabled, QPalette::WindowText), QColor::fromRgb(0x707070));
+    EXPECT_EQ(red.palette().color(QPalette::Active, QPalette::WindowText), Colours::red(palette));
 }

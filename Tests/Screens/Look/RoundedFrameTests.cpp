@@ -108,3 +108,24 @@ TEST(RoundedFrame, LosesItsRingWithTheFocus)
     framed.area.clearFocus();
     EXPECT_EQ(framed.picture(), before);
 }
+
+TEST(RoundedFrame, HasARingOfWholePixelsWithinItsRectangleAtEveryScale)
+{
+    for (const double scale : {1.0, 1.25, 1.5, 2.0}) {
+        QImage image((QSizeF(44, 34) * scale).toSize(), QImage::Format_RGB32);
+        image.setDevicePixelRatio(scale);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        RoundedFrame::drawRing(painter, QRectF(4, 4, 32, 24), 6, 2, withRing(QPalette()));
+        painter.end();
+        const int left = qRound(4 * scale);
+        const int right = qRound(36 * scale);
+        const int width = static_cast<int>(2 * scale);
+        for (int x = 0; x < image.width(); ++x) {
+            const bool isRing = (x >= left && x < left + width) || (x < right && x >= right - width);
+            EXPECT_EQ(image.pixelColor(x, image.height() / 2), QColor(isRing ? Qt::magenta : Qt::white))
+                << x << " at scale " << scale;
+        }
+        EXPECT_EQ(image.pixelColor(left, left), QColor(Qt::white)) << "its corners are round";
+    }
+}

@@ -49,6 +49,8 @@ TEST_F(RowListTest, FindsTheRowAtAPointOfTheScreen)
     QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(list->widget());
     const QPoint point = list->row(3)->mapToGlobal(QPoint(5, 5));
     EXPECT_EQ(interface->childAt(point.x(), point.y()), interface->child(3));
+    const QPoint beside = list->row(3)->mapToGlobal(QPoint(-5, 5));
+    EXPECT_EQ(interface->childAt(beside.x(), beside.y()), nullptr);
 }
 
 TEST_F(RowListTest, AnswersForAllRowsWithoutMakingThem)
@@ -152,4 +154,32 @@ TEST_F(RowListTest, ForgetsRowsThatWereNoWidgetsWhenOthersCome)
     list->setRows(rowsNumbered(1, 800));
     EXPECT_EQ(interface->child(700)->text(QAccessible::Name), u"row701"_s);
     EXPECT_TRUE(waitUntil([id] { return QAccessible::accessibleInterface(id) == nullptr; }));
+}
+
+TEST_F(RowListTest, PressesNothingWhereNoRowIsLeft)
+{
+    list->setRows(rowsNumbered(0, 1000));
+    QSignalSpy pressed(list, &RowList::pressed);
+    const QAccessibleInterface *row = QAccessible::queryAccessibleInterface(list->widget())->child(700);
+    row->child(row->childCount() - 1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    list->setRows(rowsNumbered(0, 700));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(pressed.count(), 0);
+}
+
+TEST_F(RowListTest, KnowsNoRowThatIsAWidgetNowOrHasGone)
+{
+    list->setRows(rowsNumbered(0, 1000));
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(list->widget());
+    QAccessibleInterface *made = interface->child(700);
+    QAccessibleInterface *gone = interface->child(600);
+    list->row(700);
+    EXPECT_EQ(interface->indexOfChild(made), -1);
+    EXPECT_EQ(interface->indexOfChild(interface->child(700)), 700);
+    EXPECT_EQ(interface->indexOfChild(gone), 600);
+    EXPECT_TRUE(gone->isValid());
+    list->setRows(rowsNumbered(0, 600));
+    EXPECT_FALSE(gone->isValid());
+    EXPECT_EQ(interface->indexOfChild(gone), -1);
+    EXPECT_EQ(interface->indexOfChild(nullptr), -1);
 }

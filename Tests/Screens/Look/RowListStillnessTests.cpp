@@ -141,3 +141,36 @@ TEST_F(RowListTest, DoesNotScrollUnderThePointer)
     EXPECT_EQ(list->verticalScrollBar()->value(), place);
     QTest::mouseRelease(halfInView, Qt::LeftButton);
 }
+
+TEST_F(RowListTest, TakesAClickOnWhatHasComeUnderThePointerOnlyFromElsewhereOrLater)
+{
+    QApplication::setDoubleClickInterval(5000);
+    list->setRows(rowsNumbered(0, 10));
+    QSignalSpy pressed(list, &RowList::pressed);
+    const auto clickAt = [this](QPoint screen) {
+        QWidget *under = list->widget()->childAt(list->widget()->mapFromGlobal(screen));
+        ASSERT_NE(under, nullptr);
+        QTest::mouseClick(under, Qt::LeftButton, {}, under->mapFromGlobal(screen));
+    };
+    const QPoint place = button(0, 2)->mapToGlobal(button(0, 2)->rect().center());
+    clickAt(place);
+    list->setRows(rowsNumbered(0, 12));
+    clickAt(place);
+    EXPECT_EQ(pressed.count(), 2) << "nothing has moved there";
+    list->setRows(rowsNumbered(1, 12));
+    clickAt(place);
+    EXPECT_EQ(pressed.count(), 2);
+    const int far = QApplication::startDragDistance();
+    clickAt(place + QPoint(1 - far, 0));
+    EXPECT_EQ(pressed.count(), 2);
+    clickAt(place + QPoint(1, 0));
+    EXPECT_EQ(pressed.count(), 3) << "the pointer has moved";
+
+    list->setRows(rowsNumbered(2, 12));
+    QElapsedTimer since;
+    since.start();
+    QApplication::setDoubleClickInterval(1);
+    EXPECT_TRUE(waitUntil([&since] { return since.elapsed() > 1; }));
+    clickAt(place + QPoint(1, 0));
+    EXPECT_EQ(pressed.count(), 4) << "a moment has passed";
+}

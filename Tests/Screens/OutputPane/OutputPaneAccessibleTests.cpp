@@ -33,8 +33,16 @@ TEST_F(OutputPaneTest, SharesSelectionAndCaretWithAssistiveTechnology)
     EXPECT_EQ(text->cursorPosition(), 6);
     text->setSelection(0, 0, 2);
     EXPECT_EQ(pane.selectedText(), u"\U0001F600"_s);
+    text->setSelection(1, 0, 6);
+    text->removeSelection(1);
+    EXPECT_EQ(pane.selectedText(), u"\U0001F600"_s) << "there is no second one";
+    text->selection(1, &start, &end);
+    EXPECT_EQ(std::pair(start, end), std::pair(0, 0));
     text->removeSelection(0);
     EXPECT_EQ(text->selectionCount(), 0);
+    EXPECT_EQ(text->cursorPosition(), 2) << "where the caret was";
+    text->selection(0, &start, &end);
+    EXPECT_EQ(std::pair(start, end), std::pair(0, 0));
     text->setCursorPosition(4);
     EXPECT_EQ(text->cursorPosition(), 4);
     text->setCursorPosition(-1);
@@ -96,7 +104,7 @@ TEST_F(OutputPaneTest, TellsWhereEachCharacterIsOnTheScreen)
 TEST_F(OutputPaneTest, HandsOutWhatIsNearTheViewWhereAllWouldBeTooMuch)
 {
     using OutputPaneAccessible::readable;
-    const auto bounds = [](OutputPaneAccessible::Range range) { return std::pair(range.begin, range.end); };
+    const auto bounds = [](OutputRange range) { return std::pair(range.begin, range.end); };
     EXPECT_EQ(bounds(readable({10, 110}, 5000, 100)), std::pair(TextStore::Position{10}, TextStore::Position{110}));
     EXPECT_EQ(bounds(readable({0, 1000}, 500, 100)), std::pair(TextStore::Position{450}, TextStore::Position{550}));
     EXPECT_EQ(bounds(readable({0, 1000}, 20, 100)), std::pair(TextStore::Position{0}, TextStore::Position{100}));
@@ -126,4 +134,51 @@ TEST_F(OutputPaneTest, AnswersForAHundredMebibytesInBoundedTime)
     time.restart();
     EXPECT_GT(text->text(0, count).size(), 0);
     EXPECT_LT(time.elapsed(), 2000) << "even for all of it at once";
+}
+
+TEST_F(OutputPaneTest, IsReadByTheRowAndByTheWholeLineWhereItWraps)
+{
+    const QString line(300, u'x');
+    run.append(u"one two\n"_s + line + u"\nend"_s, OutputKind::out);
+    QAccessibleTextInterface *text = accessibleText();
+    const auto row = static_cast<int>(pane.navigation().rowAt(8).end) - 8;
+    ASSERT_LT(2 * row, 300);
+    struct Unit {
+        int start = -1;
+        int end = -1;
+        QString text;
+        bool operator==(const Unit &) const = default;
+    };
+    const auto at = [text](int offset, QAccessible::TextBoundaryType kind) {
+        Unit unit;
+        unit.text = text->textAtOffset(offset, kind, &unit.start, &unit.end);
+        return unit;
+    };
+    const auto precedingAt = [text](int offset, QAccessible::TextBoundaryType kind) {
+        Unit unit;
+        unit.text = text->textBeforeOffset(offset, kind, &unit.start, &unit.end);
+        return unit;
+    };
+    const auto followingAt = [text](int offset, QAccessible::TextBoundaryType kind) {
+        Unit unit;
+        unit.text = text->textAfterOffset(offset, kind, &unit.start, &unit.end);
+        return unit;
+    };
+    const Unit second{8 + row, 8 + 2 * row, QString(row, u'x')};
+    EXPECT_EQ(at(8 + row, QAccessible::LineBoundary), second);
+    EXPECT_EQ(followingAt(8, QAccessible::LineBoundary), second);
+    EXPECT_EQ(precedingAt(8 + 2 * row, QAccessible::LineBoundary), second);
+    const Unit whole{8, 309, line + u'\n'};
+    for (const auto kind : {QAccessible::SentenceBoundary, QAccessible::ParagraphBoundary}) {
+        EXPECT_EQ(at(8 + row, kind), whole);
+        EXPECT_EQ(followingAt(0, kind), whole);
+        EXPECT_EQ(precedingAt(310, kind), whole);
+    }
+    EXPECT_EQ(at(7, QAccessible::WordBoundary), (Unit{7, 8, u"\n"_s})) << "a line end is read by itself";
+    EXPECT_EQ(followingAt(0, QAccessible::WordBoundary), (Unit{3, 4, u" "_s}));
+    EXPECT_EQ(precedingAt(4, QAccessible::WordBoundary), (Unit{3, 4, u" "_s}));
+    EXPECT_EQ(precedingAt(1, QAccessible::WordBoundary), (Unit{0, 0, {}})) << "nothing before the first";
+    EXPECT_EQ(followingAt(310, QAccessible::WordBoundary), (Unit{312, 312, {}})) << "nothing behind the last";
+    EXPECT_EQ(precedingAt(1, QAccessible::CharBoundary), (Unit{0, 1, u"o"_s}));
+    EXPECT_EQ(followingAt(310, QAccessible::CharBoundary), (Unit{311, 312, u"d"_s}));
 }

@@ -113,3 +113,63 @@ TEST_F(OutputPaneTest, StandsInTheEmptyLastLineWhenItWentThere)
     QTest::keySequence(&pane, QKeySequence::MoveToPreviousLine);
     EXPECT_EQ(pane.selection().caret().position, 4);
 }
+
+TEST_F(OutputPaneTest, MovesTheCaretByAPageLessTheRowThatStaysInView)
+{
+    fill();
+    const auto line = [this] { return run.plainText().first(pane.selection().caret().position).count(u'\n'); };
+    QTest::keySequence(&pane, QKeySequence::MoveToStartOfDocument);
+    const int rowHeight = pane.characterRect(0).height();
+    const int page = pane.viewport()->height() / rowHeight - 1;
+    ASSERT_GT(page, 2);
+    QTest::keySequence(&pane, QKeySequence::MoveToNextPage);
+    EXPECT_EQ(line(), page);
+    pane.setMinimumHeight(0);
+    pane.resize(pane.width(), rowHeight + 6);
+    QTest::keySequence(&pane, QKeySequence::MoveToNextPage);
+    EXPECT_EQ(line(), page + 1) << "by one, where no more has room";
+    QTest::keySequence(&pane, QKeySequence::MoveToPreviousPage);
+    EXPECT_EQ(line(), page);
+}
+
+TEST_F(OutputPaneTest, KeepsItsKeysFromTheWindowsShortcutsAndLeavesItTheOthers)
+{
+    const auto takes = [this](QEvent::Type type, QKeyCombination keys) {
+        QKeyEvent event(type, keys.key(), keys.keyboardModifiers());
+        event.setAccepted(type == QEvent::KeyPress);
+        QCoreApplication::sendEvent(&pane, &event);
+        return event.isAccepted();
+    };
+    for (const QEvent::Type type : {QEvent::ShortcutOverride, QEvent::KeyPress}) {
+        for (const QKeySequence::StandardKey key :
+             {QKeySequence::Copy, QKeySequence::SelectAll, QKeySequence::MoveToNextChar,
+              QKeySequence::SelectPreviousPage, QKeySequence::MoveToEndOfDocument})
+            EXPECT_TRUE(takes(type, QKeySequence(key)[0])) << "key " << key;
+        for (const QKeySequence::StandardKey key : {QKeySequence::Find, QKeySequence::Close, QKeySequence::Save})
+            EXPECT_FALSE(takes(type, QKeySequence(key)[0])) << "key " << key;
+        EXPECT_FALSE(takes(type, QKeyCombination(Qt::Key_A)));
+    }
+}
+
+TEST_F(OutputPaneTest, StandsAtTheEndOfARowThatWrapsUntilItIsMovedOn)
+{
+    run.append(QString(500, u'x') + u'\n', OutputKind::out);
+    EXPECT_TRUE(waitUntil([this] { return pane.verticalScrollBar()->isVisible(); }));
+    const TextStore::Position row = pane.navigation().rowAt(0).end;
+    ASSERT_LT(3 * row, 500);
+    struct Step {
+        QKeySequence::StandardKey key;
+        TextStore::Position caret;
+    };
+    for (const Step &step :
+         {Step{QKeySequence::MoveToStartOfDocument, 0}, Step{QKeySequence::MoveToEndOfLine, row},
+          Step{QKeySequence::MoveToEndOfLine, row}, Step{QKeySequence::MoveToStartOfLine, 0},
+          Step{QKeySequence::MoveToEndOfLine, row}, Step{QKeySequence::MoveToNextLine, 2 * row},
+          Step{QKeySequence::MoveToStartOfLine, row}, Step{QKeySequence::MoveToPreviousLine, 0},
+          Step{QKeySequence::MoveToEndOfLine, row}, Step{QKeySequence::MoveToNextChar, row + 1},
+          Step{QKeySequence::MoveToPreviousChar, row}, Step{QKeySequence::MoveToEndOfLine, 2 * row}}) {
+        QTest::keySequence(&pane, step.key);
+        EXPECT_EQ(pane.selection().caret().position, step.caret) << "key " << step.key;
+    }
+    EXPECT_EQ(pane.navigation().rowOf(pane.selection().caret()).index, 1) << "which is not the next one";
+}

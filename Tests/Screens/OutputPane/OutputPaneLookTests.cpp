@@ -71,3 +71,13 @@ TEST_F(OutputPaneTest, ShowsItsCaretWhileItHasTheFocusAndNothingIsSelected)
     pane.select(0, 3);
     EXPECT_FALSE(showsCaret());
 }
+
+TEST_F(OutputPaneTest, NeverWidensForWhatItShows)
+{
+    const int least = pane.minimumSizeHint().width();
+    run.append(QString(1'000'000, u'W'), OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    EXPECT_EQ(pane.minimumSizeHint().width(), least);
+    EXPECT_EQ(pane.width(), 640);
+    EXPECT_LE(pane.horizontalScrollBar()->maximum(), 0);
+}

@@ -153,6 +153,9 @@ TEST_F(OutputPaneTest, OffersCopyAndSelectAllInItsContextMenu)
     menuAction(pane, u"Select All"_s)->trigger();
     closeMenus(pane);
     EXPECT_EQ(pane.selectedText(), u"some text\n"_s);
+    EXPECT_EQ(menuAction(pane, u"Copy"_s)->shortcut(), QKeySequence(QKeySequence::Copy));
+    EXPECT_EQ(menuAction(pane, u"Select All"_s)->shortcut(), QKeySequence(QKeySequence::SelectAll));
+    closeMenus(pane);
     menuAction(pane, u"Copy"_s)->trigger();
     closeMenus(pane);
     EXPECT_EQ(QApplication::clipboard()->text(), u"some text\n"_s);
@@ -166,7 +169,11 @@ TEST_F(OutputPaneTest, ScrollsByTheWheelHoweverFinelyItTurns)
     int place = bar.value();
     EXPECT_TRUE(turnWheel(pane, 120));
     const int notch = place - bar.value();
-    EXPECT_GT(notch, 0);
+    EXPECT_EQ(notch, QApplication::wheelScrollLines() * pane.characterRect(run.transcript().end() - 40).height());
+    turnWheel(pane, -120);
+    EXPECT_EQ(bar.value(), place);
+    turnWheel(pane, 120);
+    EXPECT_FALSE(turnWheel(pane, 0)) << "not up or down";
     place = bar.value();
     for (int turn = 0; turn < 120; ++turn)
         turnWheel(pane, 1);
@@ -236,4 +243,38 @@ TEST_F(OutputPaneTest, FindsEveryCharacterWhereItIsDrawn)
         for (int x = 0; x < pane.characterRect(end).left(); ++x)
             EXPECT_LT(pane.positionAt(QPoint(x, first.center().y())), end) << line.toStdString() << " at " << x;
     }
+}
+
+TEST_F(OutputPaneTest, TakesAThirdClickForALineOnlyWhereAndSoonAfterTheTwoWere)
+{
+    run.append(u"alpha beta gamma\nsecond line\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    const QPoint inBeta = pane.characterRect(7).center();
+    const auto selectedByThird = [&](QPoint place, int interval) {
+        QApplication::setDoubleClickInterval(5000);
+        QTest::mouseDClick(pane.viewport(), Qt::LeftButton, {}, inBeta);
+        EXPECT_EQ(pane.selectedText(), u"beta"_s);
+        QApplication::setDoubleClickInterval(interval);
+        QTest::mouseClick(pane.viewport(), Qt::LeftButton, {}, place);
+        return pane.selectedText();
+    };
+    const int far = QApplication::startDragDistance();
+    EXPECT_EQ(selectedByThird(inBeta + QPoint(far - 1, 0), 5000), u"alpha beta gamma\n"_s);
+    EXPECT_EQ(selectedByThird(inBeta + QPoint(far, 0), 5000), QString());
+    EXPECT_EQ(selectedByThird(inBeta, 0), QString());
+}
+
+TEST_F(OutputPaneTest, SelectsByTheLeftButtonAlone)
+{
+    run.append(u"abcdefgh\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    pane.select(1, 3);
+    QTest::mouseClick(pane.viewport(), Qt::RightButton, {}, before(5));
+    QTest::mouseDClick(pane.viewport(), Qt::RightButton, {}, before(5));
+    EXPECT_EQ(pane.selectedText(), u"bc"_s);
+    press(before(2));
+    send(QEvent::MouseButtonRelease, before(2), Qt::RightButton);
+    drag(before(6));
+    EXPECT_EQ(pane.selectedText(), u"cdef"_s) << "the left one is held still";
+    release();
 }

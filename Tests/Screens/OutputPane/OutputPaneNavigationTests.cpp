@@ -106,3 +106,25 @@ TEST_F(OutputPaneTest, PutsTheCaretAtTheEndAgainWhenItIsCleared)
     run.append(u"three\n"_s, OutputKind::out);
     EXPECT_TRUE(waitUntil([this] { return pane.selection().caret().position == run.transcript().end(); }));
 }
+
+TEST_F(OutputPaneTest, TakesLettersDigitsMarksAndUnderscoresForAWordAndSignsAndBlanksForThemselves)
+{
+    struct Case {
+        QString text;
+        int at;
+        QString word;
+    };
+    for (const auto &[text, at, word] :
+         {Case{u"two_words2 x"_s, 1, u"two_words2"_s}, Case{u"two_words2 x"_s, 3, u"two_words2"_s},
+          Case{u"two_words2 x"_s, 9, u"two_words2"_s}, Case{u"cafe\u0301s-x"_s, 0, u"cafe\u0301s"_s},
+          Case{u"a+=b"_s, 1, u"+="_s}, Case{u"a+=b"_s, 0, u"a"_s}, Case{u"a+=b"_s, 3, u"b"_s},
+          Case{u"\u4e2d\u6587!"_s, 3, u"\u4e2d\u6587"_s}, Case{u"a \t b"_s, 2, u" \t "_s},
+          Case{u"a\u00a0b"_s, 0, u"a"_s}, Case{u"a\u00a0 b"_s, 1, u"\u00a0 "_s}, Case{u"one\r\n"_s, 3, {}},
+          Case{u"one\r\n"_s, 4, {}}}) {
+        run.clearTranscript();
+        const Position begin = run.transcript().end();
+        run.append(text, OutputKind::out);
+        const OutputRange found = pane.navigation().wordAt(begin + at);
+        EXPECT_EQ(pane.text().text(found.begin, found.end), word) << text.toStdString() << " at " << at;
+    }
+}

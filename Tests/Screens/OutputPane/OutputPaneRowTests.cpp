@@ -104,3 +104,41 @@ TEST_F(OutputPaneRowTest, FindsTheByteNearestToAPlaceAndThePlaceOfAByte)
     EXPECT_EQ(row(u"abc"_s).endOfText(), 3);
     EXPECT_EQ(row({}).endOfText(), 0);
 }
+
+TEST_F(OutputPaneRowTest, GivesEveryPlaceToTheCharacterThatBeginsThereAndItsMiddleToWhatIsBefore)
+{
+    const OutputPaneRow text = row(u"ab\u4e2dd\n"_s);
+    const double cell = font.cellWidth();
+    EXPECT_EQ(text.byteAt(-3), 0) << "left of it";
+    EXPECT_EQ(text.byteAt(0), 0);
+    EXPECT_EQ(text.byteAt(cell), 1);
+    EXPECT_EQ(text.byteAt(2 * cell), 2);
+    EXPECT_EQ(text.byteAt(4 * cell), 5);
+    EXPECT_EQ(text.byteAt(5 * cell), 6) << "right of it the line end";
+    EXPECT_EQ(text.byteNearest(-3), 0);
+    EXPECT_EQ(text.byteNearest(cell / 2), 0);
+    EXPECT_EQ(text.byteNearest(cell * 0.51), 1);
+    EXPECT_EQ(text.byteNearest(3 * cell), 2) << "the middle of the wide one";
+    EXPECT_EQ(text.extentOf(2).left, 2 * cell);
+    EXPECT_EQ(text.extentOf(2).right, 4 * cell);
+    EXPECT_EQ(text.extentOf(7).left, text.extentOf(7).right) << "nothing behind the last";
+    EXPECT_EQ(row(u"ab"_s).byteAt(5 * cell), 1);
+    EXPECT_EQ(row(u"ab"_s).byteNearest(5 * cell), 2);
+    EXPECT_EQ(row({}).byteAt(0), 0);
+    EXPECT_EQ(row({}).xOf(0), 0);
+}
+
+TEST_F(OutputPaneRowTest, PressesJoinedLettersIntoTheirCellsAndNeverSpreadsThem)
+{
+    for (const QString &text : {u"a\u05d0\u05d1\u05d2b"_s, u"\u0915\u0916\u0917"_s, u"\u0645\u0645\u0645"_s}) {
+        const OutputPaneRow laidOut = row(text);
+        ASSERT_EQ(laidOut.joined().size(), 1U);
+        const OutputPaneRow::Joined &joined = laidOut.joined().front();
+        const DisplayCluster &first = laidOut.clusters()[joined.first];
+        const DisplayCluster &last = laidOut.clusters()[joined.end - 1];
+        EXPECT_EQ(joined.x, first.column * font.cellWidth());
+        EXPECT_DOUBLE_EQ(joined.width, (last.column + last.cells - first.column) * font.cellWidth());
+        const double natural = joined.layout->lineAt(0).naturalTextWidth();
+        EXPECT_DOUBLE_EQ(joined.scale * natural, std::min(natural, joined.width)) << text.toStdString();
+    }
+}

@@ -184,16 +184,6 @@ TEST_F(OutputPaneTest, AnswersAccessibilityBeyondWhatItsOffsetsCount)
     EXPECT_FALSE(pane.characterRect(pane.text().begin()).isEmpty());
 }
 
-TEST_F(OutputPaneTest, NeverWidensForWhatItShows)
-{
-    const int least = pane.minimumSizeHint().width();
-    run.append(QString(1'000'000, u'W'), OutputKind::out);
-    EXPECT_TRUE(showsEnd());
-    EXPECT_EQ(pane.minimumSizeHint().width(), least);
-    EXPECT_EQ(pane.width(), 640);
-    EXPECT_LE(pane.horizontalScrollBar()->maximum(), 0);
-}
-
 TEST_F(OutputPaneTest, ShowsNeitherPlaceholderNorTextForAnEmptyPiece)
 {
     run.append(QString(), OutputKind::info);
