@@ -45,6 +45,7 @@ TEST(IndeterminateBar, NeverLooksFullAndMoves)
     EXPECT_TRUE(waitUntil([&] { return pixel(0.5) == bar.palette().color(QPalette::Highlight); }));
     EXPECT_NE(pixel(0.02), bar.palette().color(QPalette::Highlight));
     EXPECT_NE(pixel(0.98), bar.palette().color(QPalette::Highlight));
+    EXPECT_NE(pixel(0.98), bar.palette().color(QPalette::Window)) << "how far it goes is seen";
     EXPECT_TRUE(waitUntil([&] { return pixel(0.5) != bar.palette().color(QPalette::Highlight); }));
 }
 

@@ -90,7 +90,9 @@ TEST_F(RowWidgetTest, IsPartedFromTheNextByALineInLightAndDark)
         const int last = row->geometry().bottom();
         const QColor ground = picture.pixelColor(3, last - 1);
         EXPECT_EQ(ground, palette.color(QPalette::Base));
-        EXPECT_GT(Colours::contrast(picture.pixelColor(3, last), ground), 1.1);
+        const QColor line = picture.pixelColor(3, last);
+        EXPECT_GT(Colours::contrast(line, ground), 1.1);
+        EXPECT_NEAR(line.red(), 0.88 * ground.red() + 0.12 * palette.color(QPalette::Text).red(), 2) << "faint";
         EXPECT_EQ(picture.pixelColor(3, last + 1), ground);
     }
 }

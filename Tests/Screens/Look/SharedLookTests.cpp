@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QSet>
 #include <QStyleOptionComboBox>
 
 using namespace Qt::StringLiterals;
@@ -188,4 +189,8 @@ TEST(StatusDot, HasARimALittleDarkerThanItself)
     EXPECT_LE(rim.value(), 205);
     EXPECT_NEAR(rim.hsvHue(), QColor::fromRgb(0xffcc00).hsvHue(), 3);
     EXPECT_EQ(dot.toolTip(), u"OrbStack starting…"_s);
+    QSet<QRgb> colours;
+    for (int x = 0; x < picture.width(); ++x)
+        colours.insert(picture.pixel(x, 5));
+    EXPECT_GT(colours.size(), 5) << "its edge is smooth";
 }
