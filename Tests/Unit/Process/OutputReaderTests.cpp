@@ -15,7 +15,7 @@ namespace
 {
 
 constexpr qsizetype usualSize = qsizetype{64} * 1024;
-constexpr qsizetype largeSize = qsizetype{1024} * 1024;
+[[maybe_unused]] constexpr qsizetype largeSize = qsizetype{1024} * 1024; // where a pipe can be enlarged
 
 class OutputReaderTest : public testing::Test
 {
