@@ -71,7 +71,7 @@ void RunController::start(const RunJob &job, HistoryStore *history)
                                 .command = job.label,
                                 .machine = job.disposable ? u"disposable ("_s + job.distro + u')' : job.machine,
                                 .exitCode = std::nullopt,
-                                .note = QString(),
+                                .note = u"stopped"_s,
                                 .date = now,
                                 .duration = 0},
                       .orb = *orb,
@@ -97,16 +97,14 @@ void RunController::abandon()
     m_currentTool.requestStop();
     if (!m_record->disposableMachine.isEmpty())
         OrbCLI::beginDeletion(m_record->orb, m_record->disposableMachine);
-    addToHistory({std::nullopt, u"stopped"_s});
+    addToHistory();
 }
 
-void RunController::addToHistory(const Outcome &outcome)
+void RunController::addToHistory()
 {
     std::optional<Record> record = std::exchange(m_record, std::nullopt);
     if (!record || !record->history)
         return;
-    record->entry.exitCode = outcome.exitCode;
-    record->entry.note = outcome.note;
     record->entry.duration = secondsSince(record->entry.date);
     record->history->add(record->entry);
 }
@@ -142,8 +140,13 @@ bool RunController::event(QEvent *event)
 
 void RunController::takeLoss()
 {
+    const Transcript::Position begin = m_transcript.begin();
     m_transcript.dropLost();
-    m_outputLoss = m_transcript.loss();
+    const QString loss = m_transcript.loss();
+    // A little more of much is the same sentence, but another front.
+    if (loss == m_outputLoss && begin != m_transcript.begin())
+        Q_EMIT outputLossChanged();
+    m_outputLoss = loss;
 }
 
 QCoro::Task<> RunController::execute(RunJob job)
@@ -173,13 +176,17 @@ QCoro::Task<> RunController::execute(RunJob job)
         if (!self)
             co_return;
     }
+    if (m_record) {
+        m_record->entry.exitCode = outcome->exitCode;
+        m_record->entry.note = outcome->note;
+    }
     if (job.disposable) {
         co_await deleteMachine(orb, machine);
         if (!self)
             co_return;
     }
 
-    addToHistory(*outcome);
+    addToHistory();
     m_phase = QString();
     m_startedAt = std::nullopt;
     m_isRunning = false;

@@ -103,7 +103,8 @@ public:
     void stop();
 
     /// Stops the current run for an application that ends now: the tool is asked to terminate, the deletion of a
-    /// disposable machine is begun, and the history gets the run as stopped. Waits for nothing.
+    /// disposable machine is begun, and the history gets the run: as stopped, if its script had not ended. Waits for
+    /// nothing.
     void abandon();
 
     /// The shell script that installs validated package names; nothing for a distribution other than Ubuntu, Debian and
@@ -120,7 +121,7 @@ Q_SIGNALS:
     void isRunningChanged();
     void startedAtChanged();
     void phaseChanged();
-    /// The transcript may have lost its front, too.
+    /// Or the transcript has lost its front.
     void outputLossChanged();
 
 private:
@@ -132,7 +133,7 @@ private:
     /// What outlives the steps of the current run.
     struct Record {
         QPointer<HistoryStore> history;
-        /// But for the outcome and the duration.
+        /// But for the duration; as stopped, until it is known how the run ended.
         HistoryEntry entry;
         QString orb;
         /// Empty when the machine is the user's own.
@@ -143,7 +144,7 @@ private:
     QCoro::Task<bool> createMachine(QString orb, QString name, QString distro);
     QCoro::Task<Outcome> runScript(QString orb, QString machine, RunJob job);
     QCoro::Task<> deleteMachine(QString orb, QString name);
-    void addToHistory(const Outcome &outcome);
+    void addToHistory();
     /// Appends what a tool prints, its standard output as this kind.
     OutputHandler outputHandler(OutputKind kindOfOutput);
     void postLoss();

@@ -100,6 +100,34 @@ TEST_F(RunControllerTest, AbandonsARunInAMachineOfTheUsersWithoutDeletingIt)
     EXPECT_EQ(calls().size(), 1);
 }
 
+TEST_F(RunControllerTest, AbandonsADeletionWithTheOutcomeThatTheScriptHad)
+{
+    const QString deletes = tools.waitForFile(u"go"_s);
+    addOrb(u":"_s, deletes);
+    RunJob failing = disposableJob;
+    failing.script = u"exit 7"_s;
+    run.start(failing, &history);
+    EXPECT_TRUE(waitForCall(3));
+    run.abandon();
+    ASSERT_EQ(history.entries().size(), 1);
+    EXPECT_EQ(history.entries().first().exitCode, 7);
+    EXPECT_EQ(history.entries().first().note, QString());
+    tools.addFile(u"go"_s);
+    EXPECT_TRUE(waitUntilIdle());
+
+    addOrb(u"exit 1"_s, deletes);
+    QFile::remove(tools.path(u"go"_s));
+    const qsizetype before = calls().size();
+    run.start(disposableJob, &history);
+    EXPECT_TRUE(waitForCall(before + 2));
+    run.abandon();
+    EXPECT_EQ(history.entries().first().exitCode, std::nullopt);
+    EXPECT_EQ(history.entries().first().note, u"machine creation failed"_s);
+    tools.addFile(u"go"_s);
+    EXPECT_TRUE(waitUntilIdle());
+    EXPECT_EQ(history.entries().size(), 2);
+}
+
 TEST_F(RunControllerTest, HasNothingToAbandonWhileIdle)
 {
     run.abandon();
