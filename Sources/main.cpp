@@ -1,5 +1,6 @@
 #include "ContentView/Screens/Run/DisposableToggle.h"
 #include "TidewellApp/FirstInstance.h"
+#include "TidewellApp/IgnoredSignals.h"
 #include "TidewellApp/LinuxStyle.h"
 #include "TidewellApp/MainWindow.h"
 #include "TidewellApp/TidewellApp.h"
@@ -8,10 +9,14 @@
 #include <QApplication>
 #include <QSettings>
 
+#include <optional>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 int main(int argumentCount, char *arguments[])
 {
+    IgnoredSignals::ignore();
     QApplication application(argumentCount, arguments);
     QApplication::setApplicationName(u"Tidewell"_s);
     QApplication::setOrganizationName(u"Tidewell"_s);
@@ -24,8 +29,9 @@ int main(int argumentCount, char *arguments[])
     QApplication::setStyle(new LinuxStyle);
 #endif
     const std::optional<QString> supportFolder = HistoryStore::applicationSupportFolder();
-    const FirstInstance instance(supportFolder ? std::optional(HistoryStore::folderIn(*supportFolder)) : std::nullopt);
-    if (!instance.isFirst())
+    std::optional<FirstInstance> instance(
+        std::in_place, supportFolder ? std::optional(HistoryStore::folderIn(*supportFolder)) : std::nullopt);
+    if (!instance->isFirst())
         return 0;
 #ifdef Q_OS_MACOS
     // They were once named after the organisation: com.tidewell.Tidewell.
@@ -34,9 +40,11 @@ int main(int argumentCount, char *arguments[])
     DisposableToggle::takeOverConsent(formerPreferences);
 #endif
     TidewellApp tidewell;
-    QObject::connect(&instance, &FirstInstance::startedAgain, &tidewell.window(), &MainWindow::comeForward);
+    QObject::connect(&*instance, &FirstInstance::startedAgain, &tidewell.window(), &MainWindow::comeForward);
     tidewell.window().show();
     const int status = QApplication::exec();
+    // Who starts it again from here on gets a window, though this one may still have its history to save.
+    instance.reset();
     // Assistive technology that still asks while the windows go has hung and crashed programs on macOS.
     QAccessible::cleanup();
     return status;

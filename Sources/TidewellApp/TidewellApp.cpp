@@ -6,15 +6,6 @@
 #include <QSignalBlocker>
 #include <QUrl>
 
-#include <csignal>
-
-IgnoredSignals::IgnoredSignals()
-{
-    // Writing a script to a child that has already exited must be a write error, not this program's end.
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
-}
-
 TidewellApp::TidewellApp(QuitGuard::Closing closing)
     : m_machines({}, DisposableMachines(HistoryStore::applicationSupportFolder())),
       m_run({}, {}, DisposableMachines(HistoryStore::applicationSupportFolder())),

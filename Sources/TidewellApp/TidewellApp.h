@@ -17,14 +17,6 @@
 
 class MainWindow;
 
-/// Ignores two signals for the whole process before anything else: that of a broken pipe and that of a file which has
-/// grown too large. Both come as errors of the writing besides.
-class IgnoredSignals
-{
-public:
-    IgnoredSignals();
-};
-
 class TidewellApp
 {
 public:
@@ -39,7 +31,6 @@ public:
     MainWindow &window() { return *m_window; }
 
 private:
-    const IgnoredSignals m_ignoredSignals;
     FieldFocus m_fieldFocus;
     SetupController m_setup;
     MachineStore m_machines;

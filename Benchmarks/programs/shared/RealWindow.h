@@ -90,7 +90,6 @@ public:
     }
 
 private:
-    const IgnoredSignals m_ignoredSignals;
     FakeOrbStack m_orbStack;
     SetupController m_setup{SetupTimeLimits{}, true};
     MachineStore m_machines;

@@ -2,6 +2,7 @@
 
 #include "Screens/TestWindow.h"
 #include "TidewellApp/Files/ScriptFiles.h"
+#include "TidewellApp/IgnoredSignals.h"
 #include "TidewellApp/MainWindow.h"
 
 #include <QApplication>
@@ -49,12 +50,11 @@ void (*handlerOf(int signal))(int)
 
 } // namespace
 
-TEST(TidewellApp, IgnoresTheSignalsOfABrokenPipeAndOfATooLargeFile)
+TEST(IgnoredSignals, AreThoseOfABrokenPipeAndOfATooLargeFile)
 {
     for (const int signal : {SIGPIPE, SIGXFSZ})
         std::signal(signal, SIG_DFL);
-    const TestWindow tools;
-    const TidewellApp application;
+    IgnoredSignals::ignore();
     for (const int signal : {SIGPIPE, SIGXFSZ})
         EXPECT_EQ(handlerOf(signal), SIG_IGN);
 }
@@ -62,6 +62,7 @@ TEST(TidewellApp, IgnoresTheSignalsOfABrokenPipeAndOfATooLargeFile)
 TEST(TidewellApp, TellsThatAFileMayNotGrowSoLargeAndGoesOn)
 {
     std::signal(SIGXFSZ, SIG_DFL);
+    IgnoredSignals::ignore();
     TestWindow tools;
     const TidewellApp application;
     rlimit before = {};
@@ -155,8 +156,7 @@ TEST(TidewellApp, SharesItsFiveControllersWithTheWindow)
 TEST(TidewellApp, MayEndWhileAToolIsStillAnswering)
 {
     TestWindow tools;
-    tools.orbStack.tools().addTool(u"orb"_s, u"while [ ! -e '%1' ]; do sleep 0.02; done; echo Running"_s.arg(
-                                                 tools.orbStack.tools().path(u"go"_s)));
+    tools.orbStack.tools().addTool(u"orb"_s, tools.orbStack.tools().waitForFile(u"go"_s) + u"echo Running"_s);
     {
         TidewellApp application;
         application.window().show();
