@@ -19,6 +19,11 @@ namespace
 /// How often the progress is looked at.
 constexpr std::chrono::milliseconds step(50);
 
+void tellNotSaved(QWidget &over, const QString &path, const QString &reason)
+{
+    Alert::tell(&over, FileDialogs::quotedName(path) + u" was not saved."_s, reason);
+}
+
 } // namespace
 
 OutputSaving::OutputSaving(RunController &run, QWidget &window, Write write, std::chrono::milliseconds untilShown)
@@ -65,8 +70,11 @@ void OutputSaving::ask()
 
 void OutputSaving::save(const QString &path, QWidget &asking)
 {
-    if (isSaving())
+    // Two windows can ask at the same time.
+    if (isSaving()) {
+        tellNotSaved(asking, path, u"The output is still being saved to "_s + FileDialogs::quotedName(m_path) + u'.');
         return;
+    }
     m_path = path;
     m_over = &asking;
     m_progress.done = 0;
@@ -113,6 +121,6 @@ void OutputSaving::finish(const std::optional<QString> &failure)
     delete m_sheet;
     followRecord();
     if (failure)
-        Alert::tell(over(), FileDialogs::quotedName(m_path) + u" was not saved."_s, *failure);
+        tellNotSaved(*over(), m_path, *failure);
     Q_EMIT ended(!failure && !m_progress.isCancelled);
 }

@@ -61,18 +61,26 @@ QWidget &frontWindow(QMainWindow &window)
 void addWindowMenu(QMainWindow &window)
 {
     QMenu *menu = window.menuBar()->addMenu(u"&Window"_s);
-    QAction *minimize = menu->addAction(u"&Minimize"_s, &window, [&window] { frontWindow(window).showMinimized(); });
+    // On macOS the menu bar and its shortcuts stay when the window is hidden, which must not come back half-way.
+    QAction *minimize = menu->addAction(u"&Minimize"_s, &window, [&window] {
+        QWidget &front = frontWindow(window);
+        if (front.isVisible())
+            front.showMinimized();
+    });
     minimize->setShortcut(Qt::CTRL | Qt::Key_M);
     QAction *zoom = menu->addAction(u"&Zoom"_s, &window, [&window] {
         QWidget &front = frontWindow(window);
-        front.isMaximized() ? front.showNormal() : front.showMaximized();
+        if (front.isVisible())
+            front.isMaximized() ? front.showNormal() : front.showMaximized();
     });
-    // On macOS the menu bar stays when the window is hidden, which must not come back half-way.
-    QObject::connect(menu, &QMenu::aboutToShow, &window, [&window, minimize, zoom] {
-        const bool isShown = frontWindow(window).isVisible();
-        minimize->setEnabled(isShown);
-        zoom->setEnabled(isShown);
-    });
+    const auto setEnabled = [minimize, zoom](bool isEnabled) {
+        minimize->setEnabled(isEnabled);
+        zoom->setEnabled(isEnabled);
+    };
+    QObject::connect(menu, &QMenu::aboutToShow, &window,
+                     [&window, setEnabled] { setEnabled(frontWindow(window).isVisible()); });
+    // A shortcut asks nobody to show the menu.
+    QObject::connect(menu, &QMenu::aboutToHide, &window, [setEnabled] { setEnabled(true); });
     menu->addSeparator();
     menu->addAction(u"&Tidewell"_s, &window, [&window] {
         window.show();

@@ -135,6 +135,8 @@ void Quitting::losePatience()
 {
     if (m_asksNoMore)
         quitAnyway();
+    else if (m_awaited == Awaited::machineGone)
+        askAboutMachine();
     else if (m_awaited != Awaited::nothing)
         askWhetherToQuitAnyway(
             u"The run has not ended yet."_s,
@@ -177,10 +179,16 @@ QCoro::Task<> Quitting::checkMachine()
     const auto hasThisName = [&name](const Machine &machine) { return machine.name == name; };
     if (!machines->error() && std::none_of(listed.cbegin(), listed.cend(), hasThisName))
         co_return quit();
+    askAboutMachine();
+}
+
+void Quitting::askAboutMachine()
+{
     m_patience.stop();
+    m_awaited = Awaited::nothing;
     if (m_question)
         m_question->close();
-    askWhetherToQuitAnyway(name + u" could not be deleted."_s,
+    askWhetherToQuitAnyway(m_controllers.run.undeletedMachine() + u" could not be deleted."_s,
                            u"The output tells why. The machine stays until it is deleted in the Machines tab."_s);
 }
 

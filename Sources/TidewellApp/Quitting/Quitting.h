@@ -72,6 +72,7 @@ private:
     void goOn();
     void endSaving(bool isSaved);
     QCoro::Task<> checkMachine();
+    void askAboutMachine();
     void quit();
     void quitAnyway();
 

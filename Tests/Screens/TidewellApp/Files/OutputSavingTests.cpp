@@ -240,6 +240,36 @@ TEST_F(OutputSavingTest, AsksOverTheWindowInFrontWhichMayCloseMeanwhile)
     EXPECT_NE(window.findChild<QMessageBox *>(), nullptr);
 }
 
+TEST_F(OutputSavingTest, TellsWhoAskedInTwoWindowsThatOneFileIsWrittenAtATime)
+{
+    QWidget other;
+    other.addAction(saving.action());
+    saving.action()->trigger();
+    auto *first = window.findChild<QFileDialog *>();
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    saving.action()->trigger();
+    auto *second = other.findChild<QFileDialog *>();
+    ASSERT_NE(first, nullptr);
+    ASSERT_NE(second, nullptr);
+    Q_EMIT first->fileSelected(path);
+    Q_EMIT second->fileSelected(folder.filePath(u"other.txt"_s));
+    delete first;
+    delete second;
+    const auto *notice = other.findChild<QMessageBox *>();
+    ASSERT_NE(notice, nullptr);
+    EXPECT_TRUE(notice->text().contains(u"other.txt"_s)) << notice->text().toStdString();
+    EXPECT_TRUE(notice->text().endsWith(u" was not saved."_s));
+    EXPECT_TRUE(notice->informativeText().startsWith(u"The output is still being saved to "_s));
+    EXPECT_TRUE(notice->informativeText().contains(u"output.txt"_s)) << notice->informativeText().toStdString();
+    half.release();
+    all.release();
+    ASSERT_TRUE(waitUntil([this] { return ended.count() == 1; }));
+    EXPECT_EQ(content(), "all of it\n");
+    EXPECT_FALSE(QFile::exists(folder.filePath(u"other.txt"_s)));
+}
+
 TEST_F(OutputSavingTest, ShowsASheetThatIsWalkedThroughByTab)
 {
     begin(path);

@@ -77,5 +77,31 @@ TEST(Menus, DoNotMinimizeOrZoomAHiddenWindow)
         Q_EMIT menu->aboutToShow();
         EXPECT_EQ(minimize->isEnabled(), isShown);
         EXPECT_EQ(zoom->isEnabled(), isShown);
+        Q_EMIT menu->aboutToHide();
     }
+}
+
+TEST(Menus, AnswerToTheirShortcutsByWhatIsShownThenNotWhenTheMenuWasLastOpen)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    QAction *minimize = action(window, u"Window"_s, u"Minimize"_s);
+    QAction *zoom = action(window, u"Window"_s, u"Zoom"_s);
+    auto *menu = qobject_cast<QMenu *>(minimize->associatedObjects().first());
+    ASSERT_NE(menu, nullptr);
+    window.hide();
+    minimize->trigger();
+    zoom->trigger();
+    EXPECT_FALSE(window.isMinimized());
+    EXPECT_FALSE(window.isMaximized());
+    EXPECT_FALSE(window.isVisible());
+    Q_EMIT menu->aboutToShow();
+    Q_EMIT menu->aboutToHide();
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    zoom->trigger();
+    EXPECT_TRUE(window.isMaximized());
+    minimize->trigger();
+    EXPECT_TRUE(window.isMinimized());
 }

@@ -38,16 +38,16 @@ protected:
     }
 
     /// An `orb` that makes machines and lists them (or not), and whose deletions fail.
-    void addOrbThatCannotDelete(bool lists)
+    void addOrbThatCannotDelete(bool lists, const QString &beforeItLists = QStringLiteral(":"))
     {
         using namespace Qt::StringLiterals;
         tools().addTool(u"orb"_s,
                         u"case \"$1\" in\n"
                         "create) echo \"$3\" > '%1' ;;\n"
-                        "list) if %2; then printf '[{\"name\":\"%s\"}]' \"$(cat '%1')\"; else echo '[]'; fi ;;\n"
+                        "list) %3\nif %2; then printf '[{\"name\":\"%s\"}]' \"$(cat '%1')\"; else echo '[]'; fi ;;\n"
                         "delete) exit 1 ;;\n"
                         "-m) exec sh -s ;;\n"
-                        "esac"_s.arg(tools().path(u"made"_s), lists ? u"true"_s : u"false"_s));
+                        "esac"_s.arg(tools().path(u"made"_s), lists ? u"true"_s : u"false"_s, beforeItLists));
     }
 
     bool hasBegunToDelete()

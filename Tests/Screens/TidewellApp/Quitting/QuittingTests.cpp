@@ -70,6 +70,22 @@ TEST_F(QuittingTest, LeavesAMachineThatCouldNotBeDeletedWhenToldTo)
     EXPECT_EQ(history.entries().size(), 1);
 }
 
+TEST_F(QuittingTest, SaysSoOnceWhenTheListOfMachinesTakesLong)
+{
+    addOrbThatCannotDelete(true, tools().waitForFile(u"go"_s));
+    guarded.startRun(u"exec sleep 60"_s);
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
+    const QMessageBox *question = asked(run.undeletedMachine() + u" could not be deleted."_s);
+    ASSERT_NE(question, nullptr);
+    tools().addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([&] { return !guarded.tools.machines.machines().isEmpty(); }));
+    EXPECT_EQ(guarded.question(), question);
+    press(u"Keep open"_s);
+    EXPECT_TRUE(quit());
+}
+
 TEST_F(QuittingTest, IsNotHeldUpByTheDeletionOfAMachineThatWasNeverMade)
 {
     addOrbThatCannotDelete(false);
