@@ -44,7 +44,10 @@ void alignToMargin(const QMessageBox &alert)
 QMessageBox *make(QWidget *parent, const QString &title, const QString &message)
 {
     // Over a hidden window nothing would be seen of it: then it stands by itself.
-    auto *alert = new AlertBox(parent->window()->isVisible() ? parent : nullptr);
+    const bool isSeen = parent->window()->isVisible();
+    auto *alert = new AlertBox(isSeen ? parent : nullptr);
+    if (!isSeen)
+        QObject::connect(parent, &QObject::destroyed, alert, [alert] { delete alert; });
     alert->setAttribute(Qt::WA_DeleteOnClose);
     alert->setWindowModality(Qt::WindowModal);
     alert->setTextFormat(Qt::PlainText);

@@ -80,13 +80,10 @@ RoundedFrame::RoundedFrame(Ground ground, QAbstractScrollArea *area) : QObject(a
 
 bool RoundedFrame::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Paint) {
-        paint();
-        return true;
-    }
-    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
-        m_area.update();
-    return QObject::eventFilter(watched, event);
+    if (event->type() != QEvent::Paint)
+        return QObject::eventFilter(watched, event);
+    paint();
+    return true;
 }
 
 void RoundedFrame::draw(QPainter &painter, const QRectF &rectangle, double radius, const QColor &outline,

@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <QPushButton>
 
+#include <memory>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -149,5 +151,18 @@ TEST(Alert, StandsOverItsWindowOrByItselfWhereThatIsHiddenUntilItIsAnswered)
     for (const QPointer<QMessageBox> &each : {first, over}) {
         each->buttons().first()->click();
         EXPECT_TRUE(waitUntil([&each] { return each == nullptr; })) << "an answer ends it";
+    }
+}
+
+TEST(Alert, IsGoneWithItsParentAlsoWhereItStandsByItself)
+{
+    for (const bool isShown : {true, false}) {
+        auto window = std::make_unique<QWidget>();
+        window->setVisible(isShown);
+        auto *parent = new QWidget(window.get());
+        const QPointer<QMessageBox> alert = Alert::tell(parent, u"So it is."_s, {});
+        EXPECT_TRUE(alert->isVisible());
+        delete parent;
+        EXPECT_EQ(alert, nullptr) << "what an answer reads may be gone";
     }
 }

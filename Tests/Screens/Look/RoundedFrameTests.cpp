@@ -1,7 +1,9 @@
 #include "Look/RoundedFrame.h"
 
 #include "Look/Colours.h"
+#include "Screens/EventCount.h"
 #include "Screens/Look/DarkPalette.h"
+#include "Support/Waiting.h"
 
 #include <QImage>
 #include <QPainter>
@@ -107,6 +109,19 @@ TEST(RoundedFrame, LosesItsRingWithTheFocus)
     framed.window().setFocus();
     framed.area.clearFocus();
     EXPECT_EQ(framed.picture(), before);
+}
+
+TEST(RoundedFrame, IsDrawnAnewWithoutBeingAskedWhenTheFocusComesAndGoes)
+{
+    FramedArea framed(RoundedFrame::Ground::field, withRing(QPalette()));
+    const EventCount paints(framed.area, QEvent::Paint);
+    EXPECT_TRUE(waitUntil([&] { return paints.count() > 0; }));
+    QCoreApplication::processEvents();
+    for (QWidget *focused : {static_cast<QWidget *>(&framed.area), &framed.window()}) {
+        const int before = paints.count();
+        focused->setFocus();
+        EXPECT_TRUE(waitUntil([&] { return paints.count() > before; }));
+    }
 }
 
 TEST(RoundedFrame, HasARingOfWholePixelsWithinItsRectangleAtEveryScale)
