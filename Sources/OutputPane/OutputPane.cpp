@@ -64,7 +64,7 @@ OutputPane::OutputPane(RunController &controller, const TextView &text, QWidget 
     });
     connect(&controller, &RunController::outputLossChanged, this, &OutputPane::requestFrame);
     connect(&m_mouse, &OutputPaneMouse::selected, this, &OutputPane::selectionMoved);
-    connect(&m_mouse, &OutputPaneMouse::ended, this, &OutputPane::keepPlaceOfSelection);
+    connect(&m_mouse, &OutputPaneMouse::ended, this, &OutputPane::takeSelection);
     connect(&m_mouse, &OutputPaneMouse::scrolled, this, &OutputPane::updateScrollBar);
     connect(verticalScrollBar(), &QScrollBar::actionTriggered, this, &OutputPane::scrollByStep);
     connect(verticalScrollBar(), &QScrollBar::sliderReleased, this, &OutputPane::requestFrame);

@@ -39,7 +39,7 @@ public:
                Following following = Following::always);
 
     const TextView &text() const { return m_text; }
-    /// Nothing was ever appended: one line says where output appears.
+    /// There is nothing to show: one line says where output appears.
     bool isBlank() const;
 
     const OutputPaneCursor &selection() const { return m_cursor; }
@@ -106,6 +106,7 @@ private:
 
     void selectionMoved();
     void keepPlaceOfSelection();
+    void takeSelection();
     void tellWhetherEndShows();
     /// The user holds the scroll bar's slider. Where the release went elsewhere, that ends here.
     bool isSliderHeld();

@@ -120,15 +120,19 @@ void OutputPane::mouseMoveEvent(QMouseEvent *event)
 
 void OutputPane::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (!m_mouse.release(*event))
-        return;
+    m_mouse.release(*event);
+}
+
+/// The mouse has let go of the text.
+void OutputPane::takeSelection()
+{
+    keepPlaceOfSelection();
     QClipboard *const clipboard = QGuiApplication::clipboard();
     const bool isTooLong = m_cursor.end() - m_cursor.begin() > OutputCopy::most;
     if (clipboard->supportsSelection() && !m_cursor.isEmpty() && !isTooLong)
         clipboard->setText(selectedText(), QClipboard::Selection);
     // What came meanwhile has waited.
-    if (m_wantsEnd)
-        requestFrame();
+    requestFrame();
 }
 
 void OutputPane::wheelEvent(QWheelEvent *event)

@@ -107,12 +107,10 @@ bool OutputPaneMouse::isHeld()
     return m_unit != Unit::none;
 }
 
-bool OutputPaneMouse::release(const QMouseEvent &event)
+void OutputPaneMouse::release(const QMouseEvent &event)
 {
-    if (event.button() != Qt::LeftButton || m_unit == Unit::none)
-        return false;
-    endDrag();
-    return true;
+    if (event.button() == Qt::LeftButton && m_unit != Unit::none)
+        endDrag();
 }
 
 void OutputPaneMouse::endDrag()

@@ -26,8 +26,7 @@ public:
     void press(const QMouseEvent &event);
     void doubleClick(const QMouseEvent &event);
     void move(const QMouseEvent &event);
-    /// True when it ended a drag.
-    bool release(const QMouseEvent &event);
+    void release(const QMouseEvent &event);
     /// Scrolls; false when there is nothing to scroll.
     bool turnWheel(const QWheelEvent &event);
 

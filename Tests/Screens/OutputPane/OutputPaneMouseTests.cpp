@@ -196,6 +196,10 @@ TEST_F(OutputPaneTest, HoldsStillUnderTheMouseAlsoWhereTheEndIsInView)
     EXPECT_EQ(pane.characterRect(word), place);
     drag(place.center());
     EXPECT_EQ(pane.selectedText(), QString());
+    send(QEvent::MouseButtonRelease, place.center(), Qt::RightButton);
+    run.append(u"more\n"_s, OutputKind::out);
+    EXPECT_TRUE(waitUntil([&] { return pane.verticalScrollBar()->maximum() > length; }));
+    EXPECT_EQ(pane.characterRect(word), place) << "the left button is held still";
     release(place.center());
     EXPECT_TRUE(showsEnd());
     QTest::mouseClick(pane.viewport(), Qt::LeftButton, {}, place.center());
