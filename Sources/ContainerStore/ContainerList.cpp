@@ -7,6 +7,7 @@
 
 #include <QStringView>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
@@ -61,11 +62,10 @@ private:
 
     static std::optional<std::size_t> fieldNamed(std::string_view name)
     {
-        for (std::size_t field = 0; field < fieldNames.size(); ++field) {
-            if (fieldNames[field] == name)
-                return field;
-        }
-        return std::nullopt;
+        const auto *field = std::ranges::find(fieldNames, name);
+        if (field == fieldNames.end())
+            return std::nullopt;
+        return static_cast<std::size_t>(field - fieldNames.begin());
     }
 
     // Of a key that occurs twice the last value counts. False ends the reading: a line that is no object, or an array.

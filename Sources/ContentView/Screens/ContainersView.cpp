@@ -31,7 +31,7 @@ RowContent contentOf(const ContainerInfo &container, bool busy)
     const bool isRunning = container.isRunning();
     RowContent row;
     row.id = container.id;
-    row.name = container.name;
+    row.name = container.name.isEmpty() ? container.id : container.name;
     row.dot = isRunning ? RowContent::Dot{StatusDot::Colour::green, u"running"_s}
                         : RowContent::Dot{StatusDot::Colour::grey, u"not running"_s};
     row.lines = {{container.name, RowContent::TextStyle::headline},

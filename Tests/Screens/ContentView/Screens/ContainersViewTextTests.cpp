@@ -39,6 +39,16 @@ TEST_F(ContainersViewTest, ShowsMarkupInEveryTextAsItIs)
     EXPECT_TRUE(shows(view(), u"docker start failed: "_s + text));
 }
 
+TEST_F(ContainersViewTest, CallsAContainerWithoutANameByItsIdWhereItIsOnlyHeard)
+{
+    setContainers("{\"ID\":\"c0ffee\",\"Names\":\"\",\"State\":\"running\"}\n");
+    show();
+    ASSERT_EQ(list().count(), 1);
+    EXPECT_EQ(list().row(0)->accessibleName(), u"c0ffee"_s);
+    EXPECT_EQ(list().row(0)->buttons().at(1)->accessibleDescription(), u"Stop c0ffee"_s);
+    EXPECT_EQ(rowTexts(0).first(), QString());
+}
+
 TEST_F(ContainersViewTest, StaysAsWideAsItIsForALineOfTenMegabytes)
 {
     const QSize size = show().size();
