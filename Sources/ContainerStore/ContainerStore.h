@@ -32,7 +32,7 @@ class ContainerStore : public QObject
 public:
     explicit ContainerStore(ContainerTimeLimits limits = {}, QObject *parent = nullptr);
 
-    /// The list last read, in Docker's order. Emptied only when `docker` is missing.
+    /// The list last read, in Docker's order. A failed refresh leaves it, unless `docker` is missing.
     const QList<ContainerInfo> &containers() const { return m_containers; }
     /// Why the last refresh failed; none after a good one.
     std::optional<QString> error() const { return m_error; }

@@ -43,7 +43,7 @@ public:
     /// `written` is where the names of disposable machines are written down.
     explicit MachineStore(MachineTimeLimits limits = {}, DisposableMachines written = {}, QObject *parent = nullptr);
 
-    /// The list last read, in the order `orb` printed it. Emptied only when `orb` is missing.
+    /// The list last read, in the order `orb` printed it. A failed refresh leaves it, unless `orb` is missing.
     const QList<Machine> &machines() const { return m_machines; }
     /// Why the last refresh failed; none after a good one.
     std::optional<QString> error() const { return m_error; }

@@ -14,7 +14,7 @@ namespace OrbCLI
 /// How much of each stream a caller can use, in bytes, and what becomes of a tool that prints more.
 struct OutputNeed {
     enum class Beyond : std::uint8_t {
-        stopTool, ///< the tool is asked to terminate and its pipes are closed; nothing of what it printed is kept
+        stopTool, ///< the tool is asked to terminate and its pipes are closed; nothing of this stream is kept
         keepEnd,  ///< the tool goes on; what is kept begins with a line that says so
     };
 

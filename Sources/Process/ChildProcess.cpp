@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
 
 #ifdef __linux__
@@ -168,10 +167,7 @@ bool ChildProcess::isRunningLocked()
     if (m_pid <= 0 || m_status)
         return false;
     int status = 0;
-    pid_t ended = 0;
-    do {
-        ended = ::waitpid(m_pid, &status, WNOHANG);
-    } while (ended < 0 && errno == EINTR);
+    const pid_t ended = ::waitpid(m_pid, &status, WNOHANG);
     if (ended == 0)
         return true;
     if (ended == m_pid)

@@ -4,7 +4,7 @@
 // The background thread appends, the main thread delivers.
 //
 // The amount that waits is bounded. A full queue is not appended to: the rest stays in the child's pipe and holds the
-// child up. One append may go past the bound, so that a read need not be cut.
+// child up. One append of each stream may go past the bound, so that a read need not be cut.
 
 #include "Process/Launch.h"
 

@@ -1,4 +1,4 @@
-// What is asked again and again gives its tool a grace time, so that no tool can stop the asking.
+// What is asked again and again gives its tool a grace time, so that a tool which will not end cannot stop the asking.
 
 #include "OrbCLI/OrbCLI.h"
 #include "Support/TestTools.h"
