@@ -1,10 +1,13 @@
 #!/usr/bin/python3
 """Starting the program while it runs, and on a small display."""
 
+import fcntl
+import json
+import os
 import subprocess
 
 from harness.desktop import ENDS_WITH_US, Desktop
-from harness.waiting import LIMIT_SECONDS
+from harness.waiting import LIMIT_SECONDS, wait_until
 from harness.window_case import WindowCase, main
 
 
@@ -25,6 +28,31 @@ class StartingAgain(WindowCase):
         self.assertIsNone(tidewell.process.poll())
         tidewell.select_tab("History")
         tidewell.wait_for("No runs yet.")
+
+    def test_a_start_while_the_first_one_still_saves_has_a_window(self):
+        folder = None
+
+        def write_history(tidewell):
+            nonlocal folder
+            folder = tidewell.path("home", "data", "Tidewell")
+            os.makedirs(folder)
+            entry = {"id": "00000000-0000-0000-0000-000000000001", "command": "true", "machine": "box", "exitCode": 0,
+                     "note": "", "date": "2026-03-01T14:05:09Z", "duration": 1}  # fmt: skip
+            with open(os.path.join(folder, "history.json"), "w", encoding="utf-8") as file:
+                json.dump([entry], file)
+
+        tidewell = self.start_running(before=write_history)
+        tidewell.select_tab("History")
+        tidewell.button("Delete", "Delete true")
+        lock = os.open(folder, os.O_RDONLY)
+        self.addCleanup(os.close, lock)
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        # What cannot be saved now is tried again at the end, which waits a second for the folder.
+        tidewell.press("Delete", "Delete true")
+        tidewell.wait_for("No runs yet.")
+        tidewell.close_window()
+        wait_until(lambda: not self.desktop.shows_window(tidewell.process.pid), "the window is gone")
+        self.desktop.wait_for_focus(self.start_again(tidewell).pid)
 
     def test_another_home_has_a_window_of_its_own(self):
         tidewell = self.start_running()
