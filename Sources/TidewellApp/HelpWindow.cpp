@@ -53,4 +53,6 @@ void HelpWindow::show(QWidget &window)
     help->show();
     help->raise();
     help->activateWindow();
+    // A window that never had the keyboard would leave it with nobody.
+    help->setFocus();
 }

@@ -110,6 +110,23 @@ TEST(Menus, HelpKeepsTheWordsOfALinkThatLeadsToAFile)
     EXPECT_GT(links, 0);
 }
 
+TEST(Menus, HelpTakesTheKeyboardFromTheScriptSoThatItsTextCanBeCopied)
+{
+    TestWindow tools;
+    MainWindow window(tools.controllers());
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    ByName::find<QWidget>(window, u"Script"_s)->setFocus();
+    action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
+    auto *page = window.findChild<QTextBrowser *>();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(page));
+    EXPECT_EQ(QApplication::focusWidget(), page);
+    page->selectAll();
+    QAction *edit = window.menuBar()->actions().at(1);
+    Q_EMIT edit->menu()->aboutToShow();
+    EXPECT_TRUE(action(window, u"Edit"_s, u"Copy"_s)->isEnabled());
+}
+
 TEST(Menus, HelpComesForwardWhenAskedForAgainAndIsClosedByItsShortcut)
 {
     TestWindow tools;
