@@ -199,8 +199,8 @@ void TextSearch::look(Index index, const TextMatcher::Visitor &visit)
         }
         QByteArrayView text = m_piece->bytes.sliced(at - m_piece->begin);
         // A stretch may begin, or the search behind the border go on, within a character.
-        if (const qsizetype rest = Utf8::isContinuation(text[0]) ? wholeCharacters(text, 1) : 0; rest > 0) {
-            at += rest;
+        if (Utf8::isContinuation(text[0])) {
+            at += wholeCharacters(text, 1);
             m_matcher.restart(at);
             continue;
         }

@@ -161,6 +161,9 @@ TEST_F(FindablePaneTest, GoesOnWithTheSameTextAndAsksForOneWhenThereIsNone)
     EXPECT_EQ(field()->selectedText(), u"one"_s) << "ready to be typed over";
     EXPECT_TRUE(says(u"2 matches"_s));
     EXPECT_EQ(output->selectedText(), u"two"_s) << "nothing moves before it is asked for";
+    field()->deselect();
+    findable->find();
+    EXPECT_EQ(field()->selectedText(), u"one"_s) << "also where it has the keyboard already";
 }
 
 TEST_F(FindablePaneTest, TakesATextOfAMegabyteWithoutAStall)

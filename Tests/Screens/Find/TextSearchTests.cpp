@@ -201,6 +201,17 @@ TEST_F(TextSearchTest, BeginsNoMatchWithinACharacterWhereverTheStretchesMeet)
     }
 }
 
+TEST_F(TextSearchTest, FindsWhatStandsRightBehindACharacterWithinWhichTwoStretchesMeet)
+{
+    for (const char *character : {"\u00e9", "\u4e2d", "\U0001f43b"}) {
+        for (Position shift = 0; shift < 5; ++shift) {
+            ViewedText text(storage());
+            text.append(QByteArray(stretch - shift, 'x') + character + "needle");
+            EXPECT_EQ(countAll(*searchFor(u"needle"_s, text)), 1) << character << shift;
+        }
+    }
+}
+
 TEST_F(TextSearchTest, PassesOverWhatIsLost)
 {
     ViewedText text(storage(u"/no such folder"_s));

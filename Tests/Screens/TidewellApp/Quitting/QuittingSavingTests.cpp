@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileDialog>
 
+#include <atomic>
 #include <semaphore>
 
 using namespace Qt::StringLiterals;
@@ -21,6 +22,7 @@ protected:
         guarded.write = [this](const QString &to, const TextSnapshot &text, OutputFile::Progress &progress) {
             while (!progress.isCancelled && !mayGoOn.try_acquire())
                 std::this_thread::yield();
+            isCancelled = progress.isCancelled.load();
             return failure.isEmpty() ? OutputFile::write(to, text, progress) : std::optional(failure);
         };
         run.append(u"all of it\n"_s, OutputKind::out);
@@ -50,6 +52,7 @@ protected:
     SavingSheet *sheet() const { return guarded.window.findChild<SavingSheet *>(); }
 
     std::counting_semaphore<> mayGoOn{0};
+    std::atomic<bool> isCancelled = false;
     QString failure;
     QTemporaryDir folder;
     const QString path = folder.filePath(u"output.txt"_s);
@@ -101,6 +104,13 @@ TEST_F(QuittingSavingTest, StaysWhenAnotherSavingEndsAfterTheOneThatWasCancelled
     turning.start();
     EXPECT_EQ(QCoreApplication::exec(), stays) << "who called it off has not asked again";
     EXPECT_TRUE(QFile::exists(path));
+}
+
+TEST_F(QuittingSavingTest, WithoutAQuestionCancelsItAtOnce)
+{
+    ASSERT_TRUE(guarded.saving.isSaving());
+    guarded.guard.quitWithoutQuestion();
+    EXPECT_TRUE(waitUntil([this] { return isCancelled.load(); }));
 }
 
 TEST_F(QuittingSavingTest, WithoutAQuestionCancelsItAndLeavesTheOldFile)
