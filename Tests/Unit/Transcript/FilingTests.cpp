@@ -53,6 +53,25 @@ TEST_F(FilingTest, GivesBackAllOfATextThatIsFiledForTheMostPart)
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden | QDir::System), QStringList());
 }
 
+TEST(TextStorage, HoldsWhatTheApplicationMayTakeOfTheMemoryAndTheDisk)
+{
+    const TextStorage storage;
+    EXPECT_EQ(storage.plainBlocks, 1024U);
+    EXPECT_EQ(storage.packedBytes, 192 * TextStorage::mebibyte);
+    EXPECT_EQ(storage.waitingBytes, 128 * TextStorage::mebibyte);
+    EXPECT_EQ(storage.diskReserve, 5 * 1024 * TextStorage::mebibyte);
+    EXPECT_EQ(storage.diskReserveShare, 0.1);
+}
+
+TEST_F(FilingTest, PacksOnWhileAllThatIsTooMuchIsInASlabThatFillsUp)
+{
+    TextStorage little = storage();
+    little.packedBytes = 0;
+    ViewedText text(little);
+    text.append(QByteArray(16 * mebibyte, 'x'));
+    EXPECT_TRUE(waitUntil([&] { return text.memory() < 4 * mebibyte; })) << text.memory();
+}
+
 TEST_F(FilingTest, ShowsNothingOfTheOutputInTheFile)
 {
 #ifndef __linux__
