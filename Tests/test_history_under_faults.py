@@ -13,6 +13,8 @@ import tempfile
 import time
 import unittest
 
+from harness.seed import seed_or
+
 PROBE = FAILING_CALLS = None
 KILLS = int(os.environ.get("KILLS", "40"))
 
@@ -123,9 +125,7 @@ class FailingCalls(Case):
 
 class Kills(Case):
     def test_a_writer_that_is_killed_leaves_the_old_or_the_new_list(self):
-        seed = int(os.environ.get("SEED", time.time_ns() % 1_000_000))
-        print(f"SEED={seed} KILLS={KILLS}", file=sys.stderr)
-        chance = random.Random(seed)
+        chance = random.Random(seed_or(time.time_ns() % 1_000_000))
         self.probe(1, 60)
         first = 100
         for _ in range(KILLS):

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""monkey.py PROGRAM [SECONDS [SEED]]: presses, types, changes tabs and sizes at random, with tools that fail at random.
+"""monkey.py PROGRAM [SECONDS]: presses, types, changes tabs and sizes at random, with tools that fail at random.
 
 After each burst the program must be alive and answer within a second, what goes on must come to an end, and descriptors,
-threads, children and memory must be level. The seed is printed; with the same seed the same is tried, though what the
+threads, children and memory must be level. The seed is printed; with TIDEWELL_SEED=… the same is tried, though what the
 window then shows may differ with the time that things take.
 """
 
@@ -14,6 +14,7 @@ import time
 from harness import enter_own_tools
 from harness.accessibility import Gone
 from harness.desktop import Desktop
+from harness.seed import seed_or
 from harness.tidewell import ORB, Tidewell
 from harness.waiting import NotInTime, wait_until
 
@@ -181,8 +182,7 @@ def start(program, desktop):
 def main():
     enter_own_tools()
     seconds = float(sys.argv[2]) if len(sys.argv) > 2 else 60
-    seed = int(sys.argv[3]) if len(sys.argv) > 3 else random.randrange(1 << 32)
-    print(f"seed {seed}", flush=True)
+    seed = seed_or(random.randrange(1 << 31))
     with Desktop() as desktop, start(sys.argv[1], desktop) as tidewell:
         actions, first, last = swing(tidewell, seconds, seed)
     print(f"{actions} actions in {seconds:.0f} s; at first {first}, at last {last}")

@@ -5,12 +5,12 @@ import random
 
 import monkey
 from harness import window_case
+from harness.seed import seed_or
 
 
 class RandomUse(window_case.WindowCase):
     def test_a_minute_of_it_leaves_the_program_alive_answering_and_level(self):
-        seed = random.randrange(1 << 32)
-        print(f"seed {seed}", flush=True)
+        seed = seed_or(random.randrange(1 << 31))
         tidewell = self.enterContext(monkey.start(window_case.PROGRAM, self.desktop))
         self.addCleanup(self._picture_a_failure)
         monkey.swing(tidewell, 60, seed)

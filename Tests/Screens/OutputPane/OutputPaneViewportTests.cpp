@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -25,7 +24,7 @@ class OutputPaneViewportTest : public testing::Test
 protected:
     OutputPaneViewportTest() { view.setHeights(height, rowHeight); }
 
-    int below(qint64 bound) { return std::uniform_int_distribution<int>(0, static_cast<int>(bound) - 1)(m_engine); }
+    int below(qint64 bound) { return m_random.below(static_cast<int>(bound)); }
 
     void append()
     {
@@ -124,8 +123,7 @@ protected:
     int height = 300;
 
 private:
-    std::mt19937 m_engine{11};
-    RandomText m_random{12};
+    RandomText m_random{11};
 };
 
 } // namespace

@@ -89,5 +89,6 @@ protected:
 
     QTemporaryDir folder;
     RandomText random{31};
+    /// Of one seed: only for bytes that compress no better.
     std::mt19937_64 engine{32};
 };
