@@ -168,6 +168,17 @@ TEST_F(MachineStoreTest, ReportsTheSecondFailureOfADeletion)
     EXPECT_EQ(store.log(), u"Delete failed: second\n"_s);
 }
 
+TEST_F(MachineStoreTest, EndsADeletionThatHangsByTheTimeLimitOfDeletions)
+{
+    MachineStore hasty(MachineTimeLimits{.list = 60, .simple = 60, .deletion = 0.2, .creation = 60});
+    addOrb(u"echo hm\n"_s + TestTools::untilTerminated(0));
+    hasty.remove(u"old"_s);
+    EXPECT_TRUE(waitUntil([&] { return !hasty.busy(); }));
+    EXPECT_EQ(hasty.log(), u"Delete failed: hm\n"_s);
+    EXPECT_TRUE(waitUntil([&] { return !hasty.machines().isEmpty(); }));
+    EXPECT_EQ(calls(), QStringList({u"<delete><-f><old>"_s, u"<delete><old>"_s, u"<list><-f><json>"_s}));
+}
+
 TEST_F(MachineStoreTest, DoesNothingAtAllWithoutOrb)
 {
     store.create(Distro::ubuntu, u"NOT A NAME"_s);
