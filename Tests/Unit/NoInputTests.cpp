@@ -11,10 +11,38 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace
 {
+
+/// While it lives, this process reads a pipe, so that a tool that is given nothing does not happen to read the null
+/// device because the tests do.
+class OwnInput
+{
+public:
+    OwnInput() : m_former(::dup(STDIN_FILENO))
+    {
+        EXPECT_EQ(::pipe(m_pipe), 0);
+        EXPECT_EQ(::dup2(m_pipe[0], STDIN_FILENO), STDIN_FILENO);
+    }
+
+    ~OwnInput()
+    {
+        ::dup2(m_former, STDIN_FILENO);
+        for (const int number : {m_former, m_pipe[0], m_pipe[1]})
+            ::close(number);
+    }
+
+    OwnInput(const OwnInput &) = delete;
+    OwnInput &operator=(const OwnInput &) = delete;
+
+private:
+    const int m_former;
+    int m_pipe[2] = {-1, -1};
+};
 
 class NoInput : public testing::Test
 {
@@ -42,6 +70,7 @@ protected:
     }
 
     TestTools tools;
+    const OwnInput ownInput;
 };
 
 } // namespace
@@ -102,4 +131,21 @@ TEST_F(NoInput, HasARunButForItsScript)
     EXPECT_TRUE(inputs()[0].endsWith(u": input: null device"_s)) << "orb create";
     EXPECT_TRUE(inputs()[1].endsWith(u" bash -s: input: pipe"_s));
     EXPECT_TRUE(inputs()[2].endsWith(u": input: null device"_s)) << "orb delete -f";
+}
+
+TEST_F(NoInput, HasTheDeletionThatAnAbandonedRunLeavesBehind)
+{
+    RunController run;
+    addTool(u"orb"_s, u"[ \"$1\" != -m ] || { "_s + tools.waitForFile(u"go"_s) + u"}"_s);
+    RunJob job;
+    job.distro = u"debian"_s;
+    job.disposable = true;
+    run.start(job, nullptr);
+    ASSERT_TRUE(waitUntil([&] { return inputs().size() == 2; }));
+    run.abandon();
+    EXPECT_TRUE(waitUntil([&] { return inputs().size() >= 3; }));
+    EXPECT_TRUE(inputs()[2].startsWith(u"orb delete -f sbx-"_s));
+    EXPECT_TRUE(inputs()[2].endsWith(u": input: null device"_s)) << inputs()[2].toStdString();
+    tools.addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
 }
