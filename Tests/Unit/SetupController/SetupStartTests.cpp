@@ -32,6 +32,22 @@ TEST_F(SetupControllerTest, KeepsTheLogOfEarlierStarts)
     EXPECT_EQ(setup.log(), u"$ orb start\none\n$ orb start\none\n"_s);
 }
 
+TEST_F(SetupControllerTest, CapsTheLogOfATalkativeStartThatFails)
+{
+    addOrb(stopped, u"head -c 10000000 /dev/zero | tr '\\0' x; echo no room >&2; exit 3"_s);
+    qsizetype longest = 0;
+    QObject::connect(&setup, &SetupController::logChanged, &setup,
+                     [&] { longest = std::max(longest, setup.log().size()); });
+    setup.start();
+    EXPECT_TRUE(waitUntil([this] { return calls().contains(u"<status>"_s); })) << "the start has ended";
+    EXPECT_LE(longest, 200'000);
+    EXPECT_LE(setup.log().size(), 200'000);
+    EXPECT_GE(setup.log().size(), 150'000);
+    EXPECT_TRUE(setup.log().contains(u"no room\n"_s)) << "its end is kept";
+    setup.cancel();
+    EXPECT_TRUE(waitUntilFree());
+}
+
 TEST_F(SetupControllerTest, SaysSoWhenOrbIsMissingAtTheStart)
 {
     setup.start();
