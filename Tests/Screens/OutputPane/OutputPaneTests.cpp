@@ -91,6 +91,28 @@ TEST_F(OutputPaneTest, SelectsAllByItsShortcut)
     EXPECT_EQ(QApplication::clipboard()->text(), u"a\x1b[31mb\t\u202e\u4e2d\n"_s);
 }
 
+TEST_F(OutputPaneTest, ShowsByNameWhatWouldNotBeSeenWhereItStandsAlone)
+{
+    const QStringList hidden{u"\u3164"_s, u"\u115f"_s, u"\u034f"_s};
+    // As the first of its line: the last of them would else belong to the letter before it.
+    for (const QString &character : hidden)
+        run.append(character + u"|\n"_s, OutputKind::out);
+    run.append(u"123456|\n"_s, OutputKind::out);
+    EXPECT_TRUE(showsEnd());
+    const TextStore::Position last = run.transcript().end() - 8;
+    const int name = pane.characterRect(last + 6).left() - pane.characterRect(last).left();
+    TextStore::Position position = run.transcript().begin();
+    for (const QString &character : hidden) {
+        const qsizetype size = character.toUtf8().size();
+        const QRect rect = pane.characterRect(position);
+        EXPECT_NEAR(rect.width(), name, 1) << "six letters: U+, and four digits";
+        EXPECT_NEAR(pane.characterRect(position + size).left(), rect.left() + name, 1);
+        EXPECT_TRUE(draws(OutputPanePainter::colourOf(OutputKind::out, palette), rect));
+        position += size + 2;
+    }
+    EXPECT_EQ(wholeAccessibleText(), hidden.join(u"|\n"_s) + u"|\n123456|\n"_s) << "but told as it is";
+}
+
 TEST_F(OutputPaneTest, BringsTheEndIntoViewAlsoWhenTheLastSegmentGrows)
 {
     fill();

@@ -64,7 +64,8 @@ TEST(DisplayClusters, ShowByNameWhatMustNotActOrHasNoShape)
                                Named{u"\x7f"_s, "^?"}, Named{u"\r"_s, "^M"}, Named{u"\u0085"_s, "U+0085"},
                                Named{u"\u009b"_s, "U+009B"}, Named{u"\u202e"_s, "U+202E"}, Named{u"\u2066"_s, "U+2066"},
                                Named{u"\u200b"_s, "U+200B"}, Named{u"\u2028"_s, "U+2028"}, Named{u"\ufeff"_s, "U+FEFF"},
-                               Named{u"\u00ad"_s, "U+00AD"}, Named{u"\U000e0061"_s, "U+E0061"}}) {
+                               Named{u"\u00ad"_s, "U+00AD"}, Named{u"\u3164"_s, "U+3164"}, Named{u"\u115f"_s, "U+115F"},
+                               Named{u"\u034f"_s, "U+034F"}, Named{u"\U000e0061"_s, "U+E0061"}}) {
         const QByteArray bytes = named.text.toUtf8();
         DisplayClusters clusters(bytes);
         DisplayCluster cluster;

@@ -64,6 +64,23 @@ TEST_F(MachinesViewTest, ShowsHostileNamesAsTheyAre)
     EXPECT_EQ(window.content().size(), size);
 }
 
+TEST_F(MachinesViewTest, WritesOutTheFillersAndJoinersOfANameThatWouldLookLikeAnotherMachines)
+{
+    const QStringList names{u"box"_s, u"box\u3164"_s, u"box\u115f"_s, u"box\u034f"_s};
+    const QStringList written{u"box"_s, u"box⟨U+3164⟩"_s, u"box⟨U+115F⟩"_s, u"box⟨U+034F⟩"_s};
+    show(names);
+    for (int index = 0; index < 4; ++index) {
+        EXPECT_EQ(rowTexts(index)[0], written[index]);
+        QTest::mouseClick(list().row(index)->buttons()[2], Qt::LeftButton);
+        ASSERT_NE(alert(), nullptr);
+        EXPECT_EQ(alert()->text(), u"Delete "_s + written[index] + u'?');
+        press(*alert(), u"Delete"_s);
+        ASSERT_TRUE(untilIdle());
+        EXPECT_EQ(calls(u"<delete><-f><"_s + names[index] + u'>'), 1) << "it is deleted by its own name";
+        ASSERT_TRUE(waitUntil([this] { return alert() == nullptr; }));
+    }
+}
+
 TEST_F(MachinesViewTest, PaintsNothingForARefreshThatChangesNothing)
 {
     QApplication::setCursorFlashTime(0);
