@@ -96,9 +96,11 @@ protected:
         const bool toEnd = visible.back().row == rows.last();
         const int bottom = visible.back().y + rowHeight;
         constexpr int space = OutputPaneViewport::padding + 1;
-        ASSERT_GT(visible.front().y, -rowHeight);
+        // In a view that is lower than the space below the last row, that row may stand above the view.
+        const int aboveView = std::max(0, space + 1 - height);
+        ASSERT_GT(visible.front().y, -rowHeight - aboveView);
         ASSERT_LE(visible.front().y, fromStart ? OutputPaneViewport::padding : 0);
-        ASSERT_GE(bottom, toEnd ? 0 : height);
+        ASSERT_GE(bottom, toEnd ? -aboveView : height);
         const bool isShort = fromStart && visible.front().y == OutputPaneViewport::padding;
         ASSERT_TRUE(isShort || !toEnd || bottom + space >= height) << bottom;
         if (view.isAtEnd()) {
