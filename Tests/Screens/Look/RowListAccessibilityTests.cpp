@@ -1,5 +1,8 @@
 #include "Screens/Look/RowListTest.h"
 
+#include <algorithm>
+#include <limits>
+
 TEST_F(RowListTest, IsAListOfGroupsForAssistiveTechnology)
 {
     list->setRows(rowsNumbered(0, 1000));
@@ -55,22 +58,32 @@ TEST_F(RowListTest, FindsTheRowAtAPointOfTheScreen)
 
 TEST_F(RowListTest, AnswersForAllRowsWithoutMakingThem)
 {
-    list->setRows(rowsNumbered(0, 3000));
-    const int made = list->widgetCount();
-    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(list->widget());
-    QElapsedTimer timer;
-    timer.start();
-    for (int index = 0; index < 3000; ++index) {
-        QAccessibleInterface *row = interface->child(index);
-        ASSERT_EQ(row->text(QAccessible::Name), u"row%1"_s.arg(index));
-        EXPECT_EQ(row->role(), QAccessible::Grouping);
-        EXPECT_EQ(row->parent(), interface);
-        for (int part = 0; part < row->childCount(); ++part)
-            EXPECT_FALSE(row->child(part)->text(QAccessible::Name).isEmpty());
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    constexpr qint64 mostMilliseconds = 1000;
+#else
+    constexpr qint64 mostMilliseconds = 300; // 50 ms for 1,000 where nothing else runs; a widget each took 5.5 s
+#endif
+    // Of several times the shortest, whatever else goes on; each time other rows, of which nothing is known yet.
+    qint64 shortest = std::numeric_limits<qint64>::max();
+    for (int begin = 0; begin < 9000 && shortest >= mostMilliseconds; begin += 3000) {
+        list->setRows(rowsNumbered(begin, begin + 3000));
+        const int made = list->widgetCount();
+        QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(list->widget());
+        QElapsedTimer timer;
+        timer.start();
+        for (int index = 0; index < 3000; ++index) {
+            QAccessibleInterface *row = interface->child(index);
+            ASSERT_EQ(row->text(QAccessible::Name), u"row%1"_s.arg(begin + index));
+            EXPECT_EQ(row->role(), QAccessible::Grouping);
+            EXPECT_EQ(row->parent(), interface);
+            for (int part = 0; part < row->childCount(); ++part)
+                EXPECT_FALSE(row->child(part)->text(QAccessible::Name).isEmpty());
+        }
+        shortest = std::min(shortest, timer.elapsed());
+        EXPECT_EQ(list->widgetCount(), made);
     }
-    RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
-    EXPECT_LT(timer.elapsed(), 1000); // 50 ms for 1,000 where nothing else runs; a widget each took 5.5 s
-    EXPECT_EQ(list->widgetCount(), made);
+    RecordProperty("milliseconds", static_cast<int>(shortest));
+    EXPECT_LT(shortest, mostMilliseconds);
 }
 
 TEST_F(RowListTest, ShowsARowAlikeWhetherItIsAWidgetOrNot)
