@@ -120,7 +120,7 @@ TEST(Menus, HelpTakesTheKeyboardFromTheScriptSoThatItsTextCanBeCopied)
     action(window, u"Help"_s, u"Tidewell Help"_s)->trigger();
     auto *page = window.findChild<QTextBrowser *>();
     ASSERT_TRUE(QTest::qWaitForWindowActive(page));
-    EXPECT_EQ(QApplication::focusWidget(), page);
+    EXPECT_TRUE(waitUntil([&] { return QApplication::focusWidget() == page; }));
     page->selectAll();
     QAction *edit = window.menuBar()->actions().at(1);
     Q_EMIT edit->menu()->aboutToShow();
