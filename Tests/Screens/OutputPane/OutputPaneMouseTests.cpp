@@ -1,4 +1,5 @@
 #include "OutputPaneTest.h"
+#include "Screens/EventCount.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -221,8 +222,10 @@ TEST_F(OutputPaneTest, FollowsTheEndAlsoWhenTheReleaseOfItsSliderWentElsewhere)
     const QRect slider = bar.style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, &bar);
     QTest::mousePress(&bar, Qt::LeftButton, {}, slider.center());
     ASSERT_TRUE(bar.isSliderDown());
+    const EventCount paints(*pane.viewport(), QEvent::Paint);
     run.append(u"held\n"_s, OutputKind::out);
-    QApplication::processEvents();
+    EXPECT_TRUE(waitUntil([&] { return paints.count() > 0; }));
+    EXPECT_TRUE(bar.isSliderDown());
     EXPECT_EQ(bar.value(), 0);
     QWidget question;
     QTest::mouseRelease(&question, Qt::LeftButton);

@@ -46,6 +46,22 @@ TEST_F(QuittingTest, StaysOpenAndSaysSoWhenTheMachineCouldNotBeDeleted)
     EXPECT_TRUE(quit()) << "who wants to quit then knows of it";
 }
 
+TEST(Quitting, SaysSoAsSoonAsTheListOfMachinesTells)
+{
+    // More patience than a test has.
+    Guarded patient{QuitGuard::Closing::quits, {.untilAskedAgain = std::chrono::minutes(5)}};
+    patient.tools.orbStack.tools().addTool(
+        u"orb"_s, u"case \"$1\" in list) echo nothing; exit 1 ;; delete) exit 1 ;; -m) exec sh -s ;; esac"_s);
+    patient.startRun(u"exec sleep 60"_s);
+    EXPECT_FALSE(quit());
+    ASSERT_NE(patient.question(), nullptr);
+    ByName::press(*patient.question(), u"Stop it and quit"_s);
+    EXPECT_TRUE(waitUntil([&] {
+        const QMessageBox *question = patient.question();
+        return question != nullptr && question->text().endsWith(u" could not be deleted."_s);
+    }));
+}
+
 TEST_F(QuittingTest, StaysOpenAlsoWhenNobodyKnowsWhetherTheMachineIsThere)
 {
     addOrbThatCannotDelete(true);
