@@ -9,8 +9,8 @@
 #include "Screens/ByName.h"
 #include "Screens/FakeOrbStack.h"
 #include "Support/Waiting.h"
+#include "TidewellApp/IgnoredSignals.h"
 #include "TidewellApp/MainWindow.h"
-#include "TidewellApp/TidewellApp.h"
 
 #include <QAbstractButton>
 #include <QSettings>
@@ -23,6 +23,7 @@ class RealWindow
 public:
     RealWindow() : m_history(m_orbStack.tools().path(QStringLiteral("support")))
     {
+        IgnoredSignals::ignore();
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
                            m_orbStack.tools().path(QStringLiteral("settings")));
         m_orbStack.setRunning(true);

@@ -146,12 +146,14 @@ void Quitting::losePatience()
 
 void Quitting::goOn()
 {
-    if (m_asksNoMore && !isSomethingGoingOn())
-        QCoreApplication::exit();
-    else if (m_awaited == Awaited::run && !m_controllers.run.isRunning())
+    if (m_asksNoMore) {
+        if (!isSomethingGoingOn())
+            QCoreApplication::exit();
+    } else if (m_awaited == Awaited::run && !m_controllers.run.isRunning()) {
         checkMachine();
-    else if (m_awaited == Awaited::operations && operation().isEmpty())
+    } else if (m_awaited == Awaited::operations && operation().isEmpty()) {
         quit();
+    }
 }
 
 void Quitting::endSaving(bool isSaved)
@@ -173,7 +175,7 @@ QCoro::Task<> Quitting::checkMachine()
     const QPointer<Quitting> self(this);
     const QPointer<MachineStore> machines(&m_controllers.machines);
     co_await machines->refresh();
-    if (!self || !machines || m_awaited != Awaited::machineGone)
+    if (!self || !machines || m_asksNoMore || m_awaited != Awaited::machineGone)
         co_return;
     const QList<Machine> &listed = machines->machines();
     const auto hasThisName = [&name](const Machine &machine) { return machine.name == name; };
@@ -184,7 +186,6 @@ QCoro::Task<> Quitting::checkMachine()
 
 void Quitting::askAboutMachine()
 {
-    m_patience.stop();
     m_awaited = Awaited::nothing;
     if (m_question)
         m_question->close();

@@ -172,6 +172,20 @@ TEST_F(QuittingTest, AbandonsWhatDoesNotEndInTimeWithoutAQuestion)
     tools().addFile(u"go"_s);
 }
 
+TEST_F(QuittingTest, EndsInTimeWithoutAQuestionThoughTheMachineStaysAndAnOperationGoesOn)
+{
+    addOrbThatCannotDelete(true);
+    guarded.startRun(u"exec sleep 60"_s);
+    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
+    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    QTimer::singleShot(0, &guarded.guard, &QuitGuard::quitWithoutQuestion);
+    EXPECT_TRUE(endsByItself());
+    EXPECT_EQ(guarded.question(), nullptr);
+    tools().addFile(u"go"_s);
+}
+
 TEST_F(QuittingTest, QuitsWhenTheMachineIsDeleted)
 {
     tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s));

@@ -30,6 +30,15 @@ protected:
         ByName::press(*guarded.question(), button);
     }
 
+    /// Stops a run whose machine stays, to quit; the question that comes then.
+    QMessageBox *stopToQuit()
+    {
+        EXPECT_FALSE(quit());
+        press(QStringLiteral("Stop it and quit"));
+        EXPECT_TRUE(waitUntil([this] { return !run.isRunning(); }));
+        return asked(run.undeletedMachine() + QStringLiteral(" could not be deleted."));
+    }
+
     /// A run that has begun and ends no earlier than `go` is there.
     void startIgnoringRun()
     {

@@ -29,10 +29,7 @@ TEST_F(QuittingTest, StaysOpenAndSaysSoWhenTheMachineCouldNotBeDeleted)
 {
     addOrbThatCannotDelete(true);
     guarded.startRun(u"exec sleep 60"_s);
-    EXPECT_FALSE(quit());
-    press(u"Stop it and quit"_s);
-    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
-    const QMessageBox *question = asked(run.undeletedMachine() + u" could not be deleted."_s);
+    const QMessageBox *question = stopToQuit();
     ASSERT_NE(question, nullptr);
     EXPECT_EQ(question->informativeText(),
               u"The output tells why. The machine stays until it is deleted in the Machines tab."_s);
@@ -67,10 +64,7 @@ TEST_F(QuittingTest, StaysOpenAlsoWhenNobodyKnowsWhetherTheMachineIsThere)
     addOrbThatCannotDelete(true);
     guarded.startRun(u"exec sleep 60"_s);
     tools().addTool(u"orb"_s, u"[ $1 != list ] || echo 'no list' >&2; exit 1"_s);
-    EXPECT_FALSE(quit());
-    press(u"Stop it and quit"_s);
-    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
-    EXPECT_NE(asked(run.undeletedMachine() + u" could not be deleted."_s), nullptr);
+    EXPECT_NE(stopToQuit(), nullptr);
 }
 
 TEST_F(QuittingTest, LeavesAMachineThatCouldNotBeDeletedWhenToldTo)
@@ -90,10 +84,7 @@ TEST_F(QuittingTest, SaysSoOnceWhenTheListOfMachinesTakesLong)
 {
     addOrbThatCannotDelete(true, tools().waitForFile(u"go"_s));
     guarded.startRun(u"exec sleep 60"_s);
-    EXPECT_FALSE(quit());
-    press(u"Stop it and quit"_s);
-    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
-    const QMessageBox *question = asked(run.undeletedMachine() + u" could not be deleted."_s);
+    const QMessageBox *question = stopToQuit();
     ASSERT_NE(question, nullptr);
     tools().addFile(u"go"_s);
     EXPECT_TRUE(waitUntil([&] { return !guarded.tools.machines.machines().isEmpty(); }));
