@@ -3,11 +3,16 @@
 // The application's own window with its five controllers over an OrbStack whose one machine is this host, driven as a
 // user does it.
 
+#include "ContainerStore/ContainerStore.h"
 #include "ContentView/ContentView.h"
 #include "ContentView/Screens/Run/ScriptEditor.h"
+#include "HistoryStore/HistoryStore.h"
+#include "MachineStore/MachineStore.h"
 #include "OutputPane/OutputPane.h"
+#include "RunController/RunController.h"
 #include "Screens/ByName.h"
 #include "Screens/FakeOrbStack.h"
+#include "SetupController/SetupController.h"
 #include "Support/Waiting.h"
 #include "TidewellApp/IgnoredSignals.h"
 #include "TidewellApp/MainWindow.h"
