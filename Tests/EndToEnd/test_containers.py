@@ -43,12 +43,7 @@ class Containers(WindowCase):
         tidewell = self.start_on_tab()
         wait_until(lambda: len(tidewell.rows("Containers")) == 4, "four rows")
 
-        def same():
-            tidewell.press("Refresh")
-            before, shown, after = self.printed(), self.row_texts(tidewell), self.printed()
-            return shown if before == after == shown else None
-
-        shown = wait_until(same, "the rows say what the client prints")
+        shown = self.wait_until_as_printed(tidewell)
         self.assertEqual([texts[0] for texts in shown], ["paused", "never-started", "gone", "web"])
         self.assertEqual(len(shown[3]), 3)
         self.assertIn("8080->80/tcp", shown[3][2])
@@ -56,6 +51,16 @@ class Containers(WindowCase):
         for name, can_start, can_stop in (("web", False, True), ("gone", True, False), ("never-started", True, False)):
             self.assertEqual(tidewell.button("Start", f"Start {name}").is_enabled, can_start)
             self.assertEqual(tidewell.button("Stop", f"Stop {name}").is_enabled, can_stop)
+
+    def wait_until_as_printed(self, tidewell):
+        """The texts of the rows, once they are what the client prints; the age in a status grows by the second."""
+
+        def same():
+            tidewell.press("Refresh")
+            before, shown, after = self.printed(), self.row_texts(tidewell), self.printed()
+            return shown if before == after == shown else None
+
+        return wait_until(same, "the rows say what the client prints")
 
     def row_texts(self, tidewell):
         """What each row says, from top to bottom, without its coloured circle."""
@@ -125,7 +130,7 @@ class Containers(WindowCase):
         tidewell.find("web", role="panel")
         self.engine.start()
         tidewell.wait_until_text_is_gone("Cannot connect to the Docker daemon at ")
-        tidewell.wait_for(f"{IMAGE} · {self.printed()[0][1].partition(' · ')[2]}")
+        self.wait_until_as_printed(tidewell)
 
     def test_an_engine_that_is_killed_during_an_action_ends_it_with_the_reason(self):
         self.engine.run("run", "-d", "--name", "stubborn", IMAGE, "sleep", "1000")
