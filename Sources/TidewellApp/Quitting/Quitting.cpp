@@ -56,6 +56,10 @@ bool Quitting::isSomethingGoingOn() const
 
 bool Quitting::mayQuit()
 {
+    // Whether it must be told that a machine stays is known in a moment.
+    const bool hasRunEnded = m_awaited == Awaited::run && !m_controllers.run.isRunning();
+    if ((hasRunEnded || m_awaited == Awaited::machineGone) && !m_asksNoMore)
+        return false;
     if (!isSomethingGoingOn())
         return true;
     if (m_asksNoMore || (m_question && m_question->isVisible()))
@@ -84,7 +88,8 @@ void Quitting::askAboutOperation()
 {
     const QString title = VisibleText::oneLine(VisibleText::elidedMiddle(operation(), longestSentence));
     if (m_awaited == Awaited::operations)
-        return askWhetherToQuitAnyway(title, u"Tidewell quits when it is done. Quitting now cuts it off."_s);
+        return askWhetherToQuitAnyway(title, u"Tidewell quits when it is done. Quitting now cuts it off."_s,
+                                      [this] { quitAnyway(); });
     showWindow();
     m_question = Alert::open(&m_window, title, u"Quitting now cuts it off."_s, u"Quit when it is done"_s,
                              u"Keep open"_s, [this] { quitWhenDone(); });
@@ -97,17 +102,19 @@ void Quitting::awaitSaving()
     m_saving.showProgress();
 }
 
-void Quitting::askWhetherToQuitAnyway(const QString &title, const QString &message)
+void Quitting::askWhetherToQuitAnyway(const QString &title, const QString &message,
+                                      const std::function<void()> &accepted)
 {
     showWindow();
-    m_question = Alert::open(
-        &m_window, title, message, u"Quit anyway"_s, u"Keep open"_s, [this] { quitAnyway(); },
-        Alert::Kind::destructive);
+    m_question =
+        Alert::open(&m_window, title, message, u"Quit anyway"_s, u"Keep open"_s, accepted, Alert::Kind::destructive);
     connect(m_question, &QMessageBox::finished, this, [this] { m_awaited = Awaited::nothing; });
 }
 
 void Quitting::stopAndQuit()
 {
+    if (m_asksNoMore)
+        return;
     m_awaited = Awaited::run;
     m_patience.start(m_times.untilAskedAgain);
     m_controllers.run.stop();
@@ -116,6 +123,8 @@ void Quitting::stopAndQuit()
 
 void Quitting::quitWhenDone()
 {
+    if (m_asksNoMore)
+        return;
     m_awaited = Awaited::operations;
     goOn();
 }
@@ -141,7 +150,8 @@ void Quitting::losePatience()
         askWhetherToQuitAnyway(
             u"The run has not ended yet."_s,
             u"Quitting now leaves it to itself. A disposable machine that stays behind is named in the Machines tab "
-            "after the next start."_s);
+            "after the next start."_s,
+            [this] { quitAnyway(); });
 }
 
 void Quitting::goOn()
@@ -158,9 +168,10 @@ void Quitting::goOn()
 
 void Quitting::endSaving(bool isSaved)
 {
-    if (m_awaited == Awaited::saving && isSaved)
+    const bool isAwaited = m_awaited == Awaited::saving && !m_asksNoMore;
+    if (isAwaited && isSaved)
         quit();
-    else if (m_awaited == Awaited::saving)
+    else if (isAwaited)
         m_awaited = Awaited::nothing;
     goOn();
 }
@@ -171,7 +182,13 @@ QCoro::Task<> Quitting::checkMachine()
     const QString name = m_controllers.run.undeletedMachine();
     if (name.isEmpty())
         co_return quit();
+    // That the run has not ended is true no more; the list is given as long again.
+    if (m_question)
+        m_question->close();
+    if (!m_patience.isActive())
+        m_patience.start(m_times.untilAskedAgain);
     m_awaited = Awaited::machineGone;
+    m_machine = name;
     const QPointer<Quitting> self(this);
     const QPointer<MachineStore> machines(&m_controllers.machines);
     co_await machines->refresh();
@@ -186,11 +203,13 @@ QCoro::Task<> Quitting::checkMachine()
 
 void Quitting::askAboutMachine()
 {
+    m_patience.stop();
     m_awaited = Awaited::nothing;
     if (m_question)
         m_question->close();
-    askWhetherToQuitAnyway(m_controllers.run.undeletedMachine() + u" could not be deleted."_s,
-                           u"The output tells why. The machine stays until it is deleted in the Machines tab."_s);
+    askWhetherToQuitAnyway(m_machine + u" could not be deleted."_s,
+                           u"The output tells why. The machine stays until it is deleted in the Machines tab."_s,
+                           [this] { quit(); });
 }
 
 void Quitting::quit()

@@ -6,8 +6,8 @@
 //   nothing goes on:          ends
 //   a run is going:           asks, once ──"Keep running"──▶ goes on
 //      └──"Stop it and quit"──▶ RunController::stop ──ended, its machine gone──▶ ends
-//            ├──its machine could not be deleted──▶ asks: "Quit anyway", "Keep open"
-//            └──not ended in five seconds─────────▶ asks: "Quit anyway", "Keep open"; ends when the run does
+//            ├──its machine could not be deleted, or nobody knows in five seconds──▶ asks: "Quit anyway", "Keep open"
+//            └──not ended in five seconds──▶ asks: "Quit anyway", "Keep open"; ends when the run does
 //   an operation is going:    asks ──"Keep open"──▶ goes on
 //      └──"Quit when it is done"──done──▶ ends
 //            └──the wish again──▶ asks: "Quit anyway", "Keep open"
@@ -23,6 +23,7 @@
 #include <qcorotask.h>
 
 #include <chrono>
+#include <functional>
 
 class OutputSaving;
 class QMessageBox;
@@ -63,7 +64,7 @@ private:
     void askAboutRun();
     void askAboutOperation();
     void awaitSaving();
-    void askWhetherToQuitAnyway(const QString &title, const QString &message);
+    void askWhetherToQuitAnyway(const QString &title, const QString &message, const std::function<void()> &accepted);
     void stopAndQuit();
     void quitWhenDone();
     /// The time for waiting is over.
@@ -83,6 +84,8 @@ private:
     Awaited m_awaited = Awaited::nothing;
     bool m_asksNoMore = false;
     QTimer m_patience;
+    /// Whose deletion is looked into.
+    QString m_machine;
     /// The last question; it goes after it was closed.
     QPointer<QMessageBox> m_question;
 };

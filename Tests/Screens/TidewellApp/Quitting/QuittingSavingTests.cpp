@@ -17,7 +17,7 @@ namespace
 class QuittingSavingTest : public QuittingTest
 {
 protected:
-    QuittingSavingTest()
+    explicit QuittingSavingTest(Quitting::Times times = atOnce) : QuittingTest(times)
     {
         guarded.write = [this](const QString &to, const TextSnapshot &text, OutputFile::Progress &progress) {
             while (!progress.isCancelled && !mayGoOn.try_acquire())
@@ -118,4 +118,33 @@ TEST_F(QuittingSavingTest, WithoutAQuestionCancelsItAndLeavesTheOldFile)
     QTimer::singleShot(0, &guarded.window, [this] { guarded.guard.quitWithoutQuestion(); });
     EXPECT_TRUE(endsByItself());
     EXPECT_FALSE(QFile::exists(path));
+}
+
+namespace
+{
+
+constexpr std::chrono::milliseconds longer(500);
+
+/// With patience that is not yet over when the first question comes.
+class SlowerQuittingSavingTest : public QuittingSavingTest
+{
+protected:
+    SlowerQuittingSavingTest() : QuittingSavingTest({.untilAskedAgain = longer}) {}
+};
+
+} // namespace
+
+TEST_F(SlowerQuittingSavingTest, AsksNothingOfARunThatHasEndedAndWhoseMachineWasTold)
+{
+    addOrbThatCannotDelete(true);
+    guarded.startRun(u"exec sleep 60"_s);
+    ASSERT_NE(stopToQuit(), nullptr);
+    press(u"Keep open"_s);
+    EXPECT_FALSE(quit());
+    bool isPatienceOver = false;
+    QTimer::singleShot(2 * longer, &guarded.window, [&] { isPatienceOver = true; });
+    EXPECT_TRUE(waitUntil([&] { return isPatienceOver; }));
+    EXPECT_EQ(guarded.question(), nullptr);
+    mayGoOn.release();
+    EXPECT_TRUE(endsByItself());
 }

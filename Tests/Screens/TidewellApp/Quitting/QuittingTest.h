@@ -14,6 +14,8 @@ inline const auto ignoring = QStringLiteral("trap '' TERM; echo up; while [ ! -e
 class QuittingTest : public testing::Test
 {
 protected:
+    explicit QuittingTest(Quitting::Times times = atOnce) : guarded(QuitGuard::Closing::quits, times) {}
+
     TestTools &tools() { return guarded.tools.orbStack.tools(); }
 
     /// Waits for a question with this title.
@@ -64,7 +66,7 @@ protected:
         return tools().calls(QStringLiteral("orb")).last().startsWith(QStringLiteral("<delete><-f><sbx-"));
     }
 
-    Guarded guarded{QuitGuard::Closing::quits, atOnce};
+    Guarded guarded;
     RunController &run = guarded.tools.run;
     HistoryStore &history = guarded.tools.history;
 };

@@ -6,6 +6,18 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+namespace
+{
+
+/// With more patience than a test has, but for quitting without a question.
+class PatientQuittingTest : public QuittingTest
+{
+protected:
+    PatientQuittingTest() : QuittingTest({.untilAskedAgain = 5min, .untilTheEnd = 300ms}) {}
+};
+
+} // namespace
+
 TEST(Quitting, WaitsFiveSecondsForARunAndTenInAll)
 {
     EXPECT_EQ(Quitting::Times().untilAskedAgain, 5s);
@@ -43,20 +55,41 @@ TEST_F(QuittingTest, StaysOpenAndSaysSoWhenTheMachineCouldNotBeDeleted)
     EXPECT_TRUE(quit()) << "who wants to quit then knows of it";
 }
 
-TEST(Quitting, SaysSoAsSoonAsTheListOfMachinesTells)
+TEST_F(PatientQuittingTest, SaysSoAsSoonAsTheListOfMachinesTells)
 {
-    // More patience than a test has.
-    Guarded patient{QuitGuard::Closing::quits, {.untilAskedAgain = std::chrono::minutes(5)}};
-    patient.tools.orbStack.tools().addTool(
-        u"orb"_s, u"case \"$1\" in list) echo nothing; exit 1 ;; delete) exit 1 ;; -m) exec sh -s ;; esac"_s);
-    patient.startRun(u"exec sleep 60"_s);
+    addOrbThatCannotDelete(true);
+    guarded.startRun(u"exec sleep 60"_s);
+    EXPECT_NE(stopToQuit(), nullptr);
+}
+
+TEST_F(PatientQuittingTest, NamesTheMachineThatStaysWhenARunWasStartedMeanwhileWhichIsAskedAboutThen)
+{
+    addOrbThatCannotDelete(true, tools().waitForFile(u"go"_s) + u"exit 1"_s);
+    guarded.startRun(u"exec sleep 60"_s);
     EXPECT_FALSE(quit());
-    ASSERT_NE(patient.question(), nullptr);
-    ByName::press(*patient.question(), u"Stop it and quit"_s);
-    EXPECT_TRUE(waitUntil([&] {
-        const QMessageBox *question = patient.question();
-        return question != nullptr && question->text().endsWith(u" could not be deleted."_s);
-    }));
+    press(u"Stop it and quit"_s);
+    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
+    const QString name = run.undeletedMachine();
+    QCoreApplication::processEvents(); // the machine is looked for
+    guarded.startRun(u"exec sleep 60"_s);
+    tools().addFile(u"go"_s);
+    ASSERT_NE(asked(name + u" could not be deleted."_s), nullptr);
+    QTimer::singleShot(0, &guarded.window, [this] {
+        press(u"Quit anyway"_s);
+        EXPECT_NE(asked(u"A run is in progress."_s), nullptr);
+        QCoreApplication::exit(5);
+    });
+    EXPECT_EQ(QApplication::exec(), 5);
+    EXPECT_TRUE(run.isRunning());
+}
+
+TEST_F(PatientQuittingTest, EndsInTimeAfterATerminationSignalWhateverIsAnsweredThen)
+{
+    startIgnoringRun();
+    EXPECT_FALSE(quit());
+    guarded.guard.quitWithoutQuestion();
+    press(u"Stop it and quit"_s);
+    EXPECT_TRUE(endsByItself());
 }
 
 TEST_F(QuittingTest, StaysOpenAlsoWhenNobodyKnowsWhetherTheMachineIsThere)
@@ -91,6 +124,19 @@ TEST_F(QuittingTest, SaysSoOnceWhenTheListOfMachinesTakesLong)
     EXPECT_EQ(guarded.question(), question);
     press(u"Keep open"_s);
     EXPECT_TRUE(quit());
+}
+
+TEST_F(QuittingTest, SaysSoInsteadOfThatTheRunHasNotEndedOnceItHas)
+{
+    addOrbThatCannotDelete(true, tools().waitForFile(u"list"_s));
+    startIgnoringRun();
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    ASSERT_NE(asked(u"The run has not ended yet."_s), nullptr);
+    tools().addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
+    EXPECT_FALSE(quit()) << "the machine that stays is still to be told";
+    EXPECT_NE(asked(run.undeletedMachine() + u" could not be deleted."_s), nullptr);
 }
 
 TEST_F(QuittingTest, IsNotHeldUpByTheDeletionOfAMachineThatWasNeverMade)
