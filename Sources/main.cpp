@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 int main(int argumentCount, char *arguments[])
 {
-    IgnoredSignals::ignore();
+    const IgnoredSignals ignoredSignals;
     QApplication application(argumentCount, arguments);
     QApplication::setApplicationName(u"Tidewell"_s);
     QApplication::setOrganizationName(u"Tidewell"_s);

@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-void IgnoredSignals::ignore()
+IgnoredSignals::IgnoredSignals()
 {
     // Writing a script to a child that has already exited must be a write error, not this program's end.
     std::signal(SIGPIPE, SIG_IGN);

@@ -3,10 +3,9 @@
 // Two signals that the whole process ignores: that of a broken pipe and that of a file which has grown too large. Both
 // come as errors of the writing besides.
 
-namespace IgnoredSignals
+class IgnoredSignals
 {
-
-/// To be called before anything is written to a pipe, so before anything else.
-void ignore();
-
-} // namespace IgnoredSignals
+public:
+    /// From now on, before anything is written to a pipe.
+    IgnoredSignals();
+};

@@ -9,6 +9,7 @@
 #include "RunController/RunController.h"
 #include "SetupController/SetupController.h"
 #include "TidewellApp/FieldFocus.h"
+#include "TidewellApp/IgnoredSignals.h"
 #include "TidewellApp/Quitting/AbruptExit.h"
 #include "TidewellApp/Quitting/QuitGuard.h"
 #include "TidewellApp/Quitting/TerminationSignals.h"
@@ -31,6 +32,7 @@ public:
     MainWindow &window() { return *m_window; }
 
 private:
+    const IgnoredSignals m_ignoredSignals;
     FieldFocus m_fieldFocus;
     SetupController m_setup;
     MachineStore m_machines;

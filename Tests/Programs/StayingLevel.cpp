@@ -170,7 +170,7 @@ int main(int argumentCount, char *arguments[])
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argumentCount, arguments);
-    IgnoredSignals::ignore();
+    const IgnoredSignals ignoredSignals;
     const int runs = argumentCount > 1 ? std::atoi(arguments[1]) : 10'000;
     const int seconds = argumentCount > 2 ? std::atoi(arguments[2]) : 150;
     const bool isLevelOverRuns = keepLevelOverRuns(folder.path(), runs);

@@ -14,7 +14,6 @@
 #include "Screens/FakeOrbStack.h"
 #include "SetupController/SetupController.h"
 #include "Support/Waiting.h"
-#include "TidewellApp/IgnoredSignals.h"
 #include "TidewellApp/MainWindow.h"
 
 #include <QAbstractButton>
@@ -28,7 +27,6 @@ class RealWindow
 public:
     RealWindow() : m_history(m_orbStack.tools().path(QStringLiteral("support")))
     {
-        IgnoredSignals::ignore();
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
                            m_orbStack.tools().path(QStringLiteral("settings")));
         m_orbStack.setRunning(true);

@@ -50,11 +50,12 @@ void (*handlerOf(int signal))(int)
 
 } // namespace
 
-TEST(IgnoredSignals, AreThoseOfABrokenPipeAndOfATooLargeFile)
+TEST(TidewellApp, IgnoresTheSignalsOfABrokenPipeAndOfATooLargeFile)
 {
     for (const int signal : {SIGPIPE, SIGXFSZ})
         std::signal(signal, SIG_DFL);
-    IgnoredSignals::ignore();
+    const TestWindow tools;
+    const TidewellApp application;
     for (const int signal : {SIGPIPE, SIGXFSZ})
         EXPECT_EQ(handlerOf(signal), SIG_IGN);
 }
@@ -62,7 +63,7 @@ TEST(IgnoredSignals, AreThoseOfABrokenPipeAndOfATooLargeFile)
 TEST(TidewellApp, TellsThatAFileMayNotGrowSoLargeAndGoesOn)
 {
     std::signal(SIGXFSZ, SIG_DFL);
-    IgnoredSignals::ignore();
+    const IgnoredSignals ignoredSignals;
     TestWindow tools;
     const TidewellApp application;
     rlimit before = {};
