@@ -8,52 +8,111 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 
 namespace
 {
 
-constexpr std::array<char, 4> replacement{'\xEF', '\xBF', '\xBD', '\0'};
-constexpr int replacementSize = 3;
+constexpr std::size_t replacementSize = 3;
+/// Two of U+FFFD, and two bytes more, so that they are written at once.
+constexpr std::array<char, 8> replacements{'\xEF', '\xBF', '\xBD', '\xEF', '\xBF', '\xBD', '\0', '\0'};
 
-/// What becomes of a byte that is decided by itself: ASCII, or no character and no beginning of one.
-struct Alone {
-    std::array<char, 4> text{};
-    /// 0 for the first byte of a longer sequence.
-    int size = 0;
-};
+/// So many bytes after one that is malformed, it is worth looking again whether only ASCII follows, which is quicker.
+constexpr qsizetype untilAsciiAgain = 32;
 
-// Bytes at random would have the processor guess wrongly at every second one: a table leaves little to guess.
-constexpr auto aloneTable = [] {
-    constexpr std::size_t firstLead = 0xc2;
-    constexpr std::size_t lastLead = 0xf4;
-    std::array<Alone, 256> table{};
-    for (std::size_t byte = 0; byte < table.size(); ++byte) {
-        if (byte < 0x80)
-            table[byte] = {{static_cast<char>(byte)}, 1};
-        else if (byte < firstLead || byte > lastLead)
-            table[byte] = {replacement, replacementSize};
+/// What may follow of a sequence.
+enum class State : std::uint8_t { nothing, one, two, three, oneAfterE0, oneAfterED, twoAfterF0, twoAfterF4 };
+constexpr unsigned stateCount = 8;
+
+/// The state behind a byte that follows no other; nothing also where it begins no sequence.
+constexpr State begun(unsigned byte)
+{
+    switch (byte) {
+    case 0xe0:
+        return State::oneAfterE0;
+    case 0xed:
+        return State::oneAfterED;
+    case 0xf0:
+        return State::twoAfterF0;
+    case 0xf4:
+        return State::twoAfterF4;
+    default:
+        return byte < 0xc2 || byte > 0xf4 ? State::nothing
+               : byte < 0xe0              ? State::one
+               : byte < 0xf0              ? State::two
+                                          : State::three;
     }
-    return table;
+}
+
+/// The state behind a byte that continues the sequence.
+constexpr std::optional<State> continued(State state, unsigned byte)
+{
+    const auto within = [byte](unsigned first, unsigned last, State next) {
+        return first <= byte && byte <= last ? std::optional(next) : std::nullopt;
+    };
+    switch (state) {
+    case State::nothing:
+        return std::nullopt;
+    case State::one:
+        return within(0x80, 0xbf, State::nothing);
+    case State::two:
+        return within(0x80, 0xbf, State::one);
+    case State::three:
+        return within(0x80, 0xbf, State::two);
+    case State::oneAfterE0:
+        return within(0xa0, 0xbf, State::one);
+    case State::oneAfterED:
+        return within(0x80, 0x9f, State::one);
+    case State::twoAfterF0:
+        return within(0x90, 0xbf, State::two);
+    case State::twoAfterF4:
+        return within(0x80, 0x8f, State::two);
+    }
+}
+
+/// What a byte does. One that does none of these is right by itself.
+enum Effect : std::uint8_t { cutsOff = 1, isWrong = 2, continues = 4 };
+
+/// Where the byte goes behind the replacements for what it cut off and for itself, and how many bytes all of it is. Of
+/// a wrong one nothing is kept, so its place is behind the end.
+struct Written {
+    std::uint8_t place;
+    std::uint8_t size;
+};
+constexpr std::array<Written, 8> written = [] {
+    std::array<Written, 8> byEffect{};
+    byEffect[0] = byEffect[continues] = {0, 1};
+    byEffect[cutsOff] = {3, 4};
+    byEffect[isWrong] = {3, 3};
+    byEffect[cutsOff | isWrong] = {6, 6};
+    return byEffect;
 }();
 
-const Alone &aloneOf(char byte)
-{
-    return aloneTable[static_cast<unsigned char>(byte)];
-}
+// Bytes at random would have the processor guess wrongly at every second one, so nothing is guessed: for each byte a
+// number of eight octets, one for each state; an octet is the effect and, times eight, the next state. A shift finds
+// the octet sooner than an index would.
+constexpr unsigned octetBits = 8;
+constexpr unsigned effectBits = 3;
+constexpr unsigned effectMask = 0x07;
+constexpr unsigned stateMask = 0x38;
 
-/// Reads the sequence at `position`, which moves behind it; true when it is a character. Its first byte is not alone.
-bool readSequence(QByteArrayView bytes, qsizetype &position)
-{
-    const bool isCut = position + 1 == bytes.size() || !Utf8::isContinuation(bytes[position + 1]);
-    if (isCut) {
-        ++position;
-        return false;
+constexpr auto table = [] {
+    std::array<std::uint64_t, 256> octets{};
+    for (unsigned byte = 0; byte < octets.size(); ++byte) {
+        for (unsigned index = 0; index < stateCount; ++index) {
+            const auto state = static_cast<State>(index);
+            const std::optional<State> next = continued(state, byte);
+            unsigned effect = continues;
+            if (!next) {
+                const bool isRight = byte < 0x80 || begun(byte) != State::nothing;
+                effect = (state != State::nothing ? cutsOff : 0) | (isRight ? 0 : isWrong);
+            }
+            const auto octet = (static_cast<std::uint64_t>(next.value_or(begun(byte))) << effectBits) | effect;
+            octets[byte] |= octet << (index * octetBits);
+        }
     }
-    UChar32 character = 0;
-    // NOLINTNEXTLINE(bugprone-inc-dec-in-conditions): the macro is the library's
-    U8_NEXT(reinterpret_cast<const std::uint8_t *>(bytes.data()), position, bytes.size(), character);
-    return character >= 0;
-}
+    return octets;
+}();
 
 /// Where the first malformed sequence begins; the end when there is none.
 qsizetype validPrefix(QByteArrayView bytes)
@@ -61,7 +120,10 @@ qsizetype validPrefix(QByteArrayView bytes)
     qsizetype position = Utf8::asciiPrefix(bytes);
     while (position < bytes.size()) {
         const qsizetype start = position;
-        if (aloneOf(bytes[position]).size != 0 || !readSequence(bytes, position))
+        UChar32 character = 0;
+        // NOLINTNEXTLINE(bugprone-inc-dec-in-conditions): the macro is the library's
+        U8_NEXT(reinterpret_cast<const std::uint8_t *>(bytes.data()), position, bytes.size(), character);
+        if (character < 0)
             return start;
         position += Utf8::asciiPrefix(bytes.sliced(position));
     }
@@ -75,24 +137,30 @@ std::optional<QByteArray> Utf8Repair::repaired(QByteArrayView bytes)
     const qsizetype valid = validPrefix(bytes);
     if (valid == bytes.size())
         return std::nullopt;
-    // Room for the worst at once, every byte malformed, and for writing four bytes where fewer count; only what was
-    // written is kept.
-    QByteArray room(valid + (bytes.size() - valid) * replacementSize + 4, Qt::Uninitialized);
-    char *end = room.data();
-    std::memcpy(end, bytes.data(), static_cast<std::size_t>(valid));
-    end += valid;
+    // Room for the worst at once, every byte malformed, and for what is written behind the end; only what counts is
+    // kept.
+    QByteArray room(valid + (bytes.size() - valid) * static_cast<qsizetype>(replacementSize) + 8, Qt::Uninitialized);
+    char *end = std::copy_n(bytes.data(), valid, room.data());
+    char *sequence = end;
+    unsigned state = 0;
     for (qsizetype position = valid; position < bytes.size();) {
-        const qsizetype start = position;
-        const Alone &alone = aloneOf(bytes[position]);
-        if (alone.size != 0) {
-            std::memcpy(end, alone.text.data(), alone.text.size());
-            end += alone.size;
-            ++position;
-        } else if (readSequence(bytes, position)) {
-            end = std::copy_n(bytes.data() + start, position - start, end);
-        } else {
-            end = std::copy_n(replacement.data(), replacementSize, end);
+        const qsizetype ascii = Utf8::asciiPrefix(bytes.sliced(position));
+        end = std::copy_n(bytes.data() + position, ascii, end);
+        position += ascii;
+        const qsizetype stretch = std::min(position + untilAsciiAgain, bytes.size());
+        for (; position < stretch || (state != 0 && position < bytes.size()); ++position) {
+            const char byte = bytes[position];
+            const auto octet = static_cast<unsigned>(table[static_cast<unsigned char>(byte)] >> state);
+            state = octet & stateMask;
+            const unsigned effect = octet & effectMask;
+            char *const at = (effect & cutsOff) != 0 ? sequence : end;
+            std::memcpy(at, replacements.data(), replacements.size());
+            at[written[effect].place] = byte;
+            sequence = (effect & continues) != 0 ? sequence : at + written[effect].place;
+            end = at + written[effect].size;
         }
     }
+    if (state != 0)
+        end = std::copy_n(replacements.data(), replacementSize, sequence);
     return QByteArray(room.constData(), end - room.constData());
 }
