@@ -12,11 +12,10 @@ import sys
 import time
 
 from harness import enter_own_tools
-from harness.accessibility import Gone
 from harness.desktop import Desktop
 from harness.seed import seed_or
 from harness.tidewell import ORB, Tidewell
-from harness.waiting import NotInTime, wait_until
+from harness.waiting import Gone, wait_until
 
 _ACTIONS_A_BURST = 25
 _ANSWERS_WITHIN_SECONDS = 1
@@ -169,7 +168,7 @@ def swing(tidewell, seconds, seed):
             for what, more in allowed.items():
                 if now[what] > first[what] + more:
                     raise AssertionError(f"{what} grew from {first[what]} to {now[what]}")
-    except (AssertionError, NotInTime, OSError) as error:
+    except (AssertionError, OSError) as error:
         log = open(tidewell.path("tidewell.log"), encoding="utf-8", errors="replace").read()[-4000:]
         raise AssertionError(f"seed {seed}, after {monkey.actions} actions: {error}\n{monkey.what_it_did()}\n{log}") from None
     return monkey.actions, first, now

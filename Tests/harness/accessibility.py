@@ -6,17 +6,13 @@ that has gone meanwhile raises Gone.
 
 from gi.repository import Gio, GLib
 
-from .waiting import LIMIT_SECONDS, NotInTime, wait_until
+from .waiting import LIMIT_SECONDS, Gone, NotInTime, wait_until
 
 _REPLY_MILLISECONDS = LIMIT_SECONDS * 1000
 _PREFIX = "org.a11y.atspi."
 _LABELLED_BY = 2
 _STATES = {"active": 1, "checked": 4, "editable": 7, "enabled": 8, "focusable": 11, "focused": 12, "modal": 16,
            "multi-line": 17, "selected": 23, "sensitive": 24, "showing": 25, "visible": 30}  # fmt: skip
-
-
-class Gone(Exception):
-    """The thing asked about is no longer there."""
 
 
 class Node:

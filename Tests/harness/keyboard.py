@@ -1,8 +1,7 @@
 """The program worked by the keyboard alone: what is reached, is reached by Tab and by shortcuts; what is read, is read
 over the accessibility bus."""
 
-from .accessibility import Gone
-from .waiting import NotInTime, wait_until
+from .waiting import Gone, NotInTime, wait_until
 
 # Qt calls the selected tab focused wherever the keyboard is.
 _NEVER_THE_FOCUS = ("page tab", "filler")

@@ -9,7 +9,7 @@ import tempfile
 from harness import engine_case
 
 from . import docker
-from .accessibility import Gone, application
+from .accessibility import application
 from .desktop import ENDS_WITH_US
 from .waiting import LIMIT_SECONDS, NotInTime, wait_until
 
@@ -147,17 +147,14 @@ class Tidewell:
         return found[0]
 
     def _waited_for(self, condition, what):
-        """As wait_until, but a question to something that has just gone counts as not yet, and a crash as the end."""
+        """As wait_until, but a crash is the end."""
 
         def ask():
             if self.process.poll() is not None:
                 with open(self.path("tidewell.log"), encoding="utf-8", errors="replace") as log:
                     end = f"the program ended with {self.process.returncode}\n{log.read()}"
                 raise AssertionError(f"waiting for {what}: {end}")
-            try:
-                return condition()
-            except Gone:
-                return None
+            return condition()
 
         try:
             return wait_until(ask, what)
