@@ -136,9 +136,9 @@ class Containers(WindowCase):
         self.wait_until_as_printed(tidewell)
 
     def test_an_engine_that_is_killed_during_an_action_ends_it_with_the_reason(self):
-        self.engine.run("run", "-d", "--name", "stubborn", IMAGE, "sleep", "1000")
+        # So long does Docker wait for a process that does not end when asked.
+        self.engine.run("run", "-d", "--name", "stubborn", "--stop-timeout", "100", IMAGE, "sleep", "1000")
         tidewell = self.start_on_tab()
-        # Docker waits ten seconds for a process that does not end when asked.
         tidewell.press("Stop", "Stop stubborn")
         tidewell.wait_for("In progress")
         self.assertFalse(tidewell.button("Remove", "Remove stubborn").is_enabled)
