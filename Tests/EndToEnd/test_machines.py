@@ -25,7 +25,7 @@ class Machines(WindowCase):
         tidewell.find("Name (e.g. scratch)").set_text(" scratch ")
         tidewell.press("Create")
         tidewell.wait_for("debian trixie · running")
-        first, second, *others = self.log(tidewell).split("\n")
+        first, second, *others = tidewell.wait_for_text("Machine scratch is ready.\n").split("\n")
         self.assertEqual((first, others), ("$ orb create debian scratch", ["", "Machine scratch is ready.", ""]))
         self.assertTrue(second.startswith("scratch is running. "), second)
         self.assertEqual(tidewell.machines(), {"scratch": "running"})
@@ -42,7 +42,7 @@ class Machines(WindowCase):
         self.assertTrue(tidewell.shows("The machine and everything inside it will be removed permanently."))
         tidewell.press_in_alert("Delete")
         tidewell.wait_for("No machines yet. Create one above.")
-        self.assertEqual(self.log(tidewell), "Deleted scratch.\n")
+        wait_until(lambda: self.log(tidewell) == "Deleted scratch.\n", "the log tells of the deletion")
         self.assertEqual(tidewell.machines(), {})
 
     def test_a_deletion_that_is_called_off_leaves_the_machine(self):

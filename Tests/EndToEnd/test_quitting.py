@@ -88,7 +88,7 @@ class Quitting(WindowCase):
         tidewell.press_in_alert("Delete")
         tidewell.wait_for("No machines yet. Create one above.")
         self.assertEqual(tidewell.machines(), {})
-        self.assertEqual(self.names_written_down(tidewell), [])
+        wait_until(lambda: self.names_written_down(tidewell) == [], "the name is struck out")
 
 
 if __name__ == "__main__":
