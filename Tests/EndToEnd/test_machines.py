@@ -54,6 +54,7 @@ class Machines(WindowCase):
 
     def test_names_that_cannot_be_are_explained(self):
         tidewell = self.start_on_tab("box")
+        tidewell.find("box", role="panel")
         name = tidewell.find("Name (e.g. scratch)")
         for text, explanation in (("Box", "Use lowercase letters, digits and dashes for the name.\n"),
                                   ("box", "A machine named box already exists.\n")):  # fmt: skip
