@@ -55,6 +55,7 @@ class RunningScripts(WindowCase):
         tidewell.press("Run")
         tidewell.wait_for_output("exit status 0 · ")
         tidewell.press("Clear", "Clear the output")
+        wait_until(lambda: tidewell.output == "", "the output is cleared")
         tidewell.write_script("cat /etc/kept; hostname")
         tidewell.press("Run")
         output = tidewell.wait_for_output("exit status 0 · ")
