@@ -31,10 +31,10 @@ class Heard(WindowCase):
         self.reader.forget()
 
     def start_listening(self, **options):
-        """Starts the program; its window and that OrbStack runs have been heard."""
+        """Starts the program; its window and that OrbStack runs have been heard, whichever is known first."""
         self.tidewell = self.start(**options)
         self.keyboard = Keyboard(self.tidewell)
-        self.reader.expect("Tidewell frame.", "Script text.", "notification OrbStack running.")
+        self.reader.expect_each_of("Tidewell frame.", "Script text.", "notification OrbStack running.")
         self.tidewell.wait_for("OrbStack running")
 
     def press(self, key, *utterances):
