@@ -11,7 +11,7 @@ _MOST_STEPS = 60
 class Keyboard:
     def __init__(self, tidewell):
         self._tidewell = tidewell
-        tidewell.desktop.wait_for_focus(tidewell.process.pid)
+        tidewell.wait_for_keyboard()
 
     def focused(self):
         """The innermost thing that has the keyboard."""
@@ -28,8 +28,7 @@ class Keyboard:
         self._tidewell.press_keys(*keys)
 
     def write(self, text):
-        self._tidewell.desktop.wait_for_focus(self._tidewell.process.pid)
-        self._tidewell.desktop.type_text(text)
+        self._tidewell.type_text(text)
 
     def tab_to(self, name, description=None):
         """Presses Tab (Control-Tab in the script) until the thing has the keyboard."""

@@ -17,6 +17,7 @@ ORB = engine_case.ORB
 # Qt's words, older and newer.
 _BUTTON_ROLES = ("push button", "button")
 _ALERT_ROLES = ("alert message", "alert", "notification")
+_DIALOG_ROLES = (*_ALERT_ROLES, "dialog")
 # Empty and ours: see enter_own_tools.
 _TOOLS = "/opt/homebrew/bin"
 
@@ -253,7 +254,9 @@ class Tidewell:
     def show_all_output(self):
         """The window of all output, opened by its shortcut."""
         self.press_keys("ctrl+alt+o")
-        return self.wait_for("All Output")
+        window = self.wait_for("All Output")
+        self._waited_for(lambda: "active" in window.states, "the window of all output has the keyboard")
+        return window
 
     def save_output(self, path):
         """Saves all output by its shortcut."""
@@ -270,9 +273,24 @@ class Tidewell:
             raise NotInTime(f"{error}; it holds: {self.output!r}") from None
         return self.output
 
-    def press_keys(self, *keys):
+    def wait_for_keyboard(self):
+        """Waits until the keyboard is with the program, and within it with a dialog while there is one."""
+
+        def has_keyboard():
+            windows = [node for node in self.root.children if node.is_shown]
+            dialogs = [node for node in windows if node.role in _DIALOG_ROLES]
+            return any("active" in node.states for node in dialogs or windows)
+
         self.desktop.wait_for_focus(self.process.pid)
+        self._waited_for(has_keyboard, "the window or its dialog has the keyboard")
+
+    def press_keys(self, *keys):
+        self.wait_for_keyboard()
         self.desktop.press_keys(*keys)
+
+    def type_text(self, text):
+        self.wait_for_keyboard()
+        self.desktop.type_text(text)
 
     def close_window(self):
         """Asks the window to close, as its close button does."""
