@@ -41,7 +41,7 @@ class Keyboard:
             # In the script a Tab is a tab.
             self.press("ctrl+Tab" if node and node.name == "Script" else "Tab")
             try:
-                wait_until(lambda before=node: self.focused() != before, "Tab moves on", limit=2)
+                wait_until(lambda before=node: self.focused() != before, "Tab moves on", limit=10)
             except NotInTime:
                 break
         raise AssertionError(f"Tab does not reach {name!r} {description or ''}; it reached\n" + "\n".join(visited))
@@ -64,4 +64,4 @@ class Keyboard:
         while self._tidewell.picker(label).name != item:
             before = self._tidewell.picker(label).name
             self.press("Down")
-            wait_until(lambda was=before: self._tidewell.picker(label).name != was, f"{label} moves on", limit=2)
+            wait_until(lambda was=before: self._tidewell.picker(label).name != was, f"{label} moves on", limit=10)
