@@ -119,7 +119,7 @@ class Monkey:
     def _size(self):
         size = (self._random.randint(300, 1000), self._random.randint(200, 780))
         self._did(f"size {size}")
-        self._tidewell.desktop.place_window(self._tidewell.process.pid, *size)
+        self._tidewell.desktop.resize_window(self._tidewell.process.pid, *size)
 
     def _expect_an_answer(self):
         if (status := self._tidewell.process.poll()) is not None:

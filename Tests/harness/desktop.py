@@ -134,6 +134,10 @@ class Desktop:
         self._tool("wmctrl", "-i", "-r", window, "-e", "10,1,20,-1,-1")
         self._tool("xdotool", "windowsize", "--sync", window, str(width), str(height))
 
+    def resize_window(self, pid, width, height):
+        """Asks for a size of the process's window, which may keep another."""
+        self._tool("wmctrl", "-i", "-r", self._window(pid), "-e", f"10,-1,-1,{width},{height}")
+
     def end_display(self):
         """Ends the display under every program that is on it."""
         display = self._processes[0]
