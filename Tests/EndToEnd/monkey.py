@@ -8,6 +8,7 @@ window then shows may differ with the time that things take.
 
 import os
 import random
+import subprocess
 import sys
 import time
 
@@ -173,7 +174,7 @@ def swing(tidewell, seconds, seed):
             for what, more in allowed.items():
                 if now[what] > first[what] + more:
                     raise AssertionError(f"{what} grew from {first[what]} to {now[what]}")
-    except (AssertionError, OSError) as error:
+    except (AssertionError, Gone, OSError, subprocess.SubprocessError) as error:
         log = open(tidewell.path("tidewell.log"), encoding="utf-8", errors="replace").read()[-4000:]
         raise AssertionError(f"seed {seed}, after {monkey.actions} actions: {error}\n{monkey.what_it_did()}\n{log}") from None
     return monkey.actions, first, now
