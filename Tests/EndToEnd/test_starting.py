@@ -1,9 +1,11 @@
 #!/usr/bin/python3
 """Starting the program while it runs, and on a small display."""
 
+import errno
 import fcntl
 import json
 import os
+import signal
 import subprocess
 
 from harness.desktop import ENDS_WITH_US, Desktop
@@ -29,6 +31,13 @@ class StartingAgain(WindowCase):
         tidewell.select_tab("History")
         tidewell.wait_for("No runs yet.")
 
+    def is_read_by_nobody(self, pipe):
+        try:
+            os.close(os.open(pipe, os.O_WRONLY | os.O_NONBLOCK))
+        except OSError as error:
+            return error.errno == errno.ENXIO
+        return False
+
     def test_a_start_while_the_first_one_still_saves_has_a_window(self):
         folder = None
 
@@ -47,11 +56,14 @@ class StartingAgain(WindowCase):
         lock = os.open(folder, os.O_RDONLY)
         self.addCleanup(os.close, lock)
         fcntl.flock(lock, fcntl.LOCK_EX)
-        # What cannot be saved now is tried again at the end, which waits a second for the folder.
+        # What cannot be saved now is tried again at the end, which waits a second for the folder; held, it lasts.
         tidewell.press("Delete", "Delete true")
         tidewell.wait_for("No runs yet.")
         tidewell.close_window()
-        wait_until(lambda: not self.desktop.shows_window(tidewell.process.pid), "the window is gone")
+        wait_until(lambda: self.is_read_by_nobody(os.path.join(folder, "running")), "whoever starts now is the first")
+        tidewell.process.send_signal(signal.SIGSTOP)
+        self.addCleanup(tidewell.process.send_signal, signal.SIGCONT)
+        self.assertIsNone(tidewell.process.poll())
         self.desktop.wait_for_focus(self.start_again(tidewell).pid)
 
     def test_another_home_has_a_window_of_its_own(self):

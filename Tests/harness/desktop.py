@@ -108,12 +108,6 @@ class Desktop:
     def _window(self, pid):
         return self._tool("xdotool", "search", "--onlyvisible", "--pid", str(pid)).split()[0]
 
-    def shows_window(self, pid):
-        try:
-            return self._window(pid) != ""
-        except subprocess.CalledProcessError:
-            return False
-
     def close_window(self, pid):
         """Asks the window manager to close the process's window, as the window's close button does."""
         self._tool("wmctrl", "-i", "-c", self._window(pid))
