@@ -5,6 +5,7 @@ import json
 import os
 import signal
 import subprocess
+import time
 
 from harness.engine_case import ORB, EngineCase, main
 
@@ -164,19 +165,21 @@ class MachineLife(EngineCase):
         self.assert_succeeds(self.orb("create", "debian", "box", timeout=20))
 
     def test_creation_takes_well_under_a_second_and_a_list_well_under_a_tenth(self):
-        import time
-
-        def quickest(*arguments):
-            times = []
-            for _ in range(5):
+        def assert_takes(seconds, *arguments):
+            """Of twenty times, which others on this computer may prolong, one is to be as quick."""
+            for number in range(20):
                 before = time.monotonic()
-                self.orb(*(argument.replace("#", str(len(times))) for argument in arguments))
-                times.append(time.monotonic() - before)
-            return min(times)
+                self.assert_succeeds(self.orb(*(argument.replace("#", str(number)) for argument in arguments)))
+                took = time.monotonic() - before
+                if took < seconds:
+                    return
+            self.fail(f"orb {arguments[0]} took {took:.2f} s even the twentieth time")
 
-        self.assertLess(quickest("create", "debian", "box#"), 0.7)
-        self.assertLess(quickest("list", "-f", "json"), 0.1)
-        self.assertLess(quickest("status"), 0.1)
+        for name in "abcd":
+            self.create(name)
+        assert_takes(0.7, "create", "debian", "box#")
+        assert_takes(0.1, "list", "-f", "json")
+        assert_takes(0.1, "status")
 
 
 class Crashes(EngineCase):
