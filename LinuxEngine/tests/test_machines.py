@@ -7,7 +7,7 @@ import signal
 import subprocess
 import time
 
-from harness.engine_case import ORB, EngineCase, main
+from harness.engine_case import ORB, EngineCase, main, watch
 
 HEADING = "NAME  STATE  DISTRO  VERSION  ARCH\n----  -----  ------  -------  ----\n"
 
@@ -224,6 +224,7 @@ class Crashes(EngineCase):
         self.assertEqual(sorted(os.listdir(machines)), [".new-justnow", "box", "other"])
 
     def test_creations_killed_at_any_moment_leave_nothing_that_cannot_be_deleted(self):
+        watch(180)
         for attempt in range(12):
             process = subprocess.Popen([ORB, "create", "debian", "box"], env=self.environment,
                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)  # fmt: skip

@@ -6,7 +6,7 @@ import signal
 import subprocess
 import tempfile
 
-from harness.engine_case import ORB, EngineCase, main
+from harness.engine_case import ORB, EngineCase, main, watch
 
 
 class Streams(EngineCase):
@@ -203,6 +203,7 @@ class Ends(EngineCase):
         self.assertEqual(self.orb("status").stdout, "Running\n")
 
     def test_a_machine_can_be_entered_as_soon_as_it_has_started(self):
+        watch(180)
         for _ in range(30):
             self.orb("stop", "box")
             self.assert_succeeds(self.orb("-m", "box", "true"))
