@@ -143,7 +143,7 @@ TEST_F(NoInput, HasTheDeletionThatAnAbandonedRunLeavesBehind)
     run.start(job, nullptr);
     ASSERT_TRUE(waitUntil([&] { return inputs().size() == 2; }));
     run.abandon();
-    EXPECT_TRUE(waitUntil([&] { return inputs().size() >= 3; }));
+    ASSERT_TRUE(waitUntil([&] { return inputs().size() >= 3; }));
     EXPECT_TRUE(inputs()[2].startsWith(u"orb delete -f sbx-"_s));
     EXPECT_TRUE(inputs()[2].endsWith(u": input: null device"_s)) << inputs()[2].toStdString();
     tools.addFile(u"go"_s);

@@ -61,7 +61,7 @@ TEST_F(RowListTest, AnswersForAllRowsWithoutMakingThem)
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     constexpr qint64 mostMilliseconds = 1000;
 #else
-    constexpr qint64 mostMilliseconds = 300; // 50 ms for 1,000 where nothing else runs; a widget each took 5.5 s
+    constexpr qint64 mostMilliseconds = 300; // some 15 ms where nothing else runs; a widget each took 5.5 s
 #endif
     // Of several times the shortest, whatever else goes on; each time other rows, of which nothing is known yet.
     qint64 shortest = std::numeric_limits<qint64>::max();

@@ -128,7 +128,7 @@ TEST_F(MachineStoreTest, ReportsAFailedStart)
 
 TEST_F(MachineStoreTest, ReportsAStartThatTimesOutOrCannotStart)
 {
-    MachineStore hasty(MachineTimeLimits{.simple = 0.2});
+    MachineStore hasty(MachineTimeLimits{.simple = 1});
     addOrb(u"echo hm\n"_s + TestTools::untilTerminated(0));
     hasty.simple({u"stop"_s, u"box"_s});
     EXPECT_TRUE(waitUntil([&] { return !hasty.busy(); }));
@@ -170,7 +170,7 @@ TEST_F(MachineStoreTest, ReportsTheSecondFailureOfADeletion)
 
 TEST_F(MachineStoreTest, EndsADeletionThatHangsByTheTimeLimitOfDeletions)
 {
-    MachineStore hasty(MachineTimeLimits{.list = 60, .simple = 60, .deletion = 0.2, .creation = 60});
+    MachineStore hasty(MachineTimeLimits{.list = 60, .simple = 60, .deletion = 1, .creation = 60});
     addOrb(u"echo hm\n"_s + TestTools::untilTerminated(0));
     hasty.remove(u"old"_s);
     EXPECT_TRUE(waitUntil([&] { return !hasty.busy(); }));
