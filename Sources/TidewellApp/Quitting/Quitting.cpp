@@ -78,6 +78,8 @@ void Quitting::askAboutRun()
     // Who has said "Stop it and quit" only waits for the run to end.
     if (m_awaited == Awaited::run)
         return;
+    // An earlier answer holds no more.
+    m_awaited = Awaited::nothing;
     showWindow();
     m_question = Alert::open(
         &m_window, u"A run is in progress."_s, {}, u"Stop it and quit"_s, u"Keep running"_s, [this] { stopAndQuit(); },
@@ -90,6 +92,7 @@ void Quitting::askAboutOperation()
     if (m_awaited == Awaited::operations)
         return askWhetherToQuitAnyway(title, u"Tidewell quits when it is done. Quitting now cuts it off."_s,
                                       [this] { quitAnyway(); });
+    m_awaited = Awaited::nothing;
     showWindow();
     m_question = Alert::open(&m_window, title, u"Quitting now cuts it off."_s, u"Quit when it is done"_s,
                              u"Keep open"_s, [this] { quitWhenDone(); });
@@ -146,7 +149,7 @@ void Quitting::losePatience()
         quitAnyway();
     else if (m_awaited == Awaited::machineGone)
         askAboutMachine();
-    else if (m_awaited != Awaited::nothing)
+    else if (m_awaited == Awaited::run && m_controllers.run.isRunning())
         askWhetherToQuitAnyway(
             u"The run has not ended yet."_s,
             u"Quitting now leaves it to itself. A disposable machine that stays behind is named in the Machines tab "
@@ -185,14 +188,13 @@ QCoro::Task<> Quitting::checkMachine()
     // That the run has not ended is true no more; the list is given as long again.
     if (m_question)
         m_question->close();
-    if (!m_patience.isActive())
-        m_patience.start(m_times.untilAskedAgain);
+    m_patience.start(m_times.untilAskedAgain);
     m_awaited = Awaited::machineGone;
     m_machine = name;
     const QPointer<Quitting> self(this);
     const QPointer<MachineStore> machines(&m_controllers.machines);
     co_await machines->refresh();
-    if (!self || !machines || m_asksNoMore || m_awaited != Awaited::machineGone)
+    if (!self || !machines || m_asksNoMore || m_awaited != Awaited::machineGone || m_machine != name)
         co_return;
     const QList<Machine> &listed = machines->machines();
     const auto hasThisName = [&name](const Machine &machine) { return machine.name == name; };
@@ -208,12 +210,14 @@ void Quitting::askAboutMachine()
     if (m_question)
         m_question->close();
     askWhetherToQuitAnyway(m_machine + u" could not be deleted."_s,
-                           u"The output tells why. The machine stays until it is deleted in the Machines tab."_s,
+                           u"The output tells why. As long as it is there, the Machines tab lists it and deletes it."_s,
                            [this] { quit(); });
 }
 
 void Quitting::quit()
 {
+    if (m_asksNoMore)
+        return;
     m_patience.stop();
     m_awaited = Awaited::nothing;
     if (m_question)

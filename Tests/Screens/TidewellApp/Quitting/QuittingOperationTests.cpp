@@ -60,6 +60,24 @@ TEST_F(QuittingTest, AsksForEveryKindOfOperation)
     EXPECT_TRUE(quit());
 }
 
+TEST_F(QuittingTest, StaysOpenForWhoKeepsARunGoingAfterAnEarlierWishToQuit)
+{
+    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
+    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    EXPECT_FALSE(quit());
+    press(u"Quit when it is done"_s);
+    guarded.startRun(u"sleep 0.1"_s);
+    EXPECT_FALSE(quit());
+    ASSERT_NE(asked(u"A run is in progress."_s), nullptr);
+    press(u"Keep running"_s);
+    EXPECT_TRUE(waitUntil([this] { return !run.isRunning(); }));
+    tools().addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([this] { return !guarded.tools.containers.busy(); }));
+    // Nothing ends it any more but the time that it is given.
+    QTimer::singleShot(100, qApp, [] { QCoreApplication::exit(5); });
+    EXPECT_EQ(QApplication::exec(), 5);
+}
+
 TEST_F(QuittingTest, QuitsAtOnceWhenTheOperationEndsBeforeTheAnswer)
 {
     tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s));

@@ -32,7 +32,11 @@ protected:
         delete dialog;
     }
 
-    ~QuittingSavingTest() override { mayGoOn.release(); }
+    ~QuittingSavingTest() override
+    {
+        mayGoOn.release();
+        EXPECT_TRUE(waitUntil([this] { return !guarded.saving.isSaving(); })) << "it reads what goes now";
+    }
 
     void quitAndCancelTheSaving()
     {

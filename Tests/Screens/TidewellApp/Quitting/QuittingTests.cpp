@@ -44,7 +44,7 @@ TEST_F(QuittingTest, StaysOpenAndSaysSoWhenTheMachineCouldNotBeDeleted)
     const QMessageBox *question = stopToQuit();
     ASSERT_NE(question, nullptr);
     EXPECT_EQ(question->informativeText(),
-              u"The output tells why. The machine stays until it is deleted in the Machines tab."_s);
+              u"The output tells why. As long as it is there, the Machines tab lists it and deletes it."_s);
     EXPECT_EQ(question->defaultButton()->text(), u"Keep open"_s);
     bool isPatienceOver = false;
     QTimer::singleShot(2 * atOnce.untilAskedAgain, &guarded.window, [&] { isPatienceOver = true; });
@@ -70,7 +70,9 @@ TEST_F(PatientQuittingTest, NamesTheMachineThatStaysWhenARunWasStartedMeanwhileW
     press(u"Stop it and quit"_s);
     EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
     const QString name = run.undeletedMachine();
-    QCoreApplication::processEvents(); // the machine is looked for
+    EXPECT_FALSE(quit()) << "the machine that stays is still to be told";
+    QCoreApplication::processEvents(); // it is looked for
+    EXPECT_FALSE(quit());
     guarded.startRun(u"exec sleep 60"_s);
     tools().addFile(u"go"_s);
     ASSERT_NE(asked(name + u" could not be deleted."_s), nullptr);
@@ -90,6 +92,20 @@ TEST_F(PatientQuittingTest, EndsInTimeAfterATerminationSignalWhateverIsAnsweredT
     guarded.guard.quitWithoutQuestion();
     press(u"Stop it and quit"_s);
     EXPECT_TRUE(endsByItself());
+    tools().addFile(u"go"_s);
+}
+
+TEST_F(PatientQuittingTest, EndsInTimeAfterATerminationSignalThatCameWhileAMachineWasTold)
+{
+    addOrbThatCannotDelete(true);
+    guarded.startRun(u"exec sleep 60"_s);
+    ASSERT_NE(stopToQuit(), nullptr);
+    tools().addTool(u"orb"_s, ignoring + tools().waitForFile(u"go"_s));
+    guarded.tools.machines.create(Distro::debian, u"box"_s);
+    guarded.guard.quitWithoutQuestion();
+    QTimer::singleShot(0, &guarded.window, [this] { press(u"Quit anyway"_s); });
+    EXPECT_TRUE(endsByItself());
+    tools().addFile(u"go"_s);
 }
 
 TEST_F(QuittingTest, StaysOpenAlsoWhenNobodyKnowsWhetherTheMachineIsThere)
@@ -135,11 +151,30 @@ TEST_F(QuittingTest, SaysSoInsteadOfThatTheRunHasNotEndedOnceItHas)
     ASSERT_NE(asked(u"The run has not ended yet."_s), nullptr);
     tools().addFile(u"go"_s);
     EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
-    EXPECT_FALSE(quit()) << "the machine that stays is still to be told";
     EXPECT_NE(asked(run.undeletedMachine() + u" could not be deleted."_s), nullptr);
 }
 
-TEST_F(QuittingTest, IsNotHeldUpByTheDeletionOfAMachineThatWasNeverMade)
+TEST_F(QuittingTest, TakesNoListThatWasAskedForAnotherMachine)
+{
+    addOrbThatCannotDelete(true, u"if mkdir '%1'; then\n"_s.arg(tools().path(u"asked"_s)) +
+                                     tools().waitForFile(u"first"_s) + u"else\n"_s + tools().waitForFile(u"second"_s) +
+                                     u"fi"_s);
+    guarded.startRun(u"exec sleep 60"_s);
+    ASSERT_NE(stopToQuit(), nullptr);
+    press(u"Keep open"_s);
+    guarded.startRun(u"exec sleep 60"_s);
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
+    QCoreApplication::processEvents();
+    // It holds the second machine only.
+    tools().addFile(u"first"_s);
+    EXPECT_TRUE(waitUntil([&] { return !guarded.tools.machines.machines().isEmpty(); }));
+    tools().addFile(u"second"_s);
+    EXPECT_NE(asked(run.undeletedMachine() + u" could not be deleted."_s), nullptr);
+}
+
+TEST_F(PatientQuittingTest, IsNotHeldUpByTheDeletionOfAMachineThatWasNeverMade)
 {
     addOrbThatCannotDelete(false);
     guarded.startRun(u"exec sleep 60"_s);
