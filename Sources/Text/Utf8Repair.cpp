@@ -18,14 +18,15 @@ constexpr std::size_t replacementSize = 3;
 constexpr std::array<char, 8> replacements{'\xEF', '\xBF', '\xBD', '\xEF', '\xBF', '\xBD', '\0', '\0'};
 
 /// So many bytes after one that is malformed, it is worth looking again whether only ASCII follows, which is quicker.
-constexpr qsizetype untilAsciiAgain = 32;
+constexpr qsizetype bytesUntilAsciiAgain = 32;
 
-/// What may follow of a sequence.
+/// What may follow of a sequence: so many bytes, of which behind some first bytes the next must be within narrower
+/// bounds.
 enum class State : std::uint8_t { nothing, one, two, three, oneAfterE0, oneAfterED, twoAfterF0, twoAfterF4 };
 constexpr unsigned stateCount = 8;
 
 /// The state behind a byte that follows no other; nothing also where it begins no sequence.
-constexpr State begun(unsigned byte)
+constexpr State stateAfterFirstByte(unsigned byte)
 {
     switch (byte) {
     case 0xe0:
@@ -45,7 +46,7 @@ constexpr State begun(unsigned byte)
 }
 
 /// The state behind a byte that continues the sequence.
-constexpr std::optional<State> continued(State state, unsigned byte)
+constexpr std::optional<State> stateAfterContinuation(State state, unsigned byte)
 {
     const auto within = [byte](unsigned first, unsigned last, State next) {
         return first <= byte && byte <= last ? std::optional(next) : std::nullopt;
@@ -75,12 +76,12 @@ enum Effect : std::uint8_t { cutsOff = 1, isWrong = 2, continues = 4 };
 
 /// Where the byte goes behind the replacements for what it cut off and for itself, and how many bytes all of it is. Of
 /// a wrong one nothing is kept, so its place is behind the end.
-struct Written {
+struct Placement {
     std::uint8_t place;
     std::uint8_t size;
 };
-constexpr std::array<Written, 8> written = [] {
-    std::array<Written, 8> byEffect{};
+constexpr std::array<Placement, 8> placements = [] {
+    std::array<Placement, 8> byEffect{};
     byEffect[0] = byEffect[continues] = {0, 1};
     byEffect[cutsOff] = {3, 4};
     byEffect[isWrong] = {3, 3};
@@ -88,30 +89,32 @@ constexpr std::array<Written, 8> written = [] {
     return byEffect;
 }();
 
-// Bytes at random would have the processor guess wrongly at every second one, so nothing is guessed: for each byte a
-// number of eight octets, one for each state; an octet is the effect and, times eight, the next state. A shift finds
-// the octet sooner than an index would.
-constexpr unsigned octetBits = 8;
+// Bytes at random would have the processor guess wrongly at every second one, so nothing is guessed: the table has a
+// number for each byte, and in it an entry of eight bits for each state: the effect, and behind it the next state,
+// which so stands there eight times as large, as the shift that finds its entry. A shift is quicker than an index.
+constexpr unsigned entryBits = 8;
 constexpr unsigned effectBits = 3;
 constexpr unsigned effectMask = 0x07;
-constexpr unsigned stateMask = 0x38;
+constexpr unsigned shiftMask = 0x38;
+static_assert(1U << effectBits == entryBits && stateCount * entryBits == 64);
 
 constexpr auto table = [] {
-    std::array<std::uint64_t, 256> octets{};
-    for (unsigned byte = 0; byte < octets.size(); ++byte) {
+    std::array<std::uint64_t, 256> entries{};
+    for (unsigned byte = 0; byte < entries.size(); ++byte) {
         for (unsigned index = 0; index < stateCount; ++index) {
             const auto state = static_cast<State>(index);
-            const std::optional<State> next = continued(state, byte);
+            const std::optional<State> next = stateAfterContinuation(state, byte);
             unsigned effect = continues;
             if (!next) {
-                const bool isRight = byte < 0x80 || begun(byte) != State::nothing;
+                const bool isRight = byte < 0x80 || stateAfterFirstByte(byte) != State::nothing;
                 effect = (state != State::nothing ? cutsOff : 0) | (isRight ? 0 : isWrong);
             }
-            const auto octet = (static_cast<std::uint64_t>(next.value_or(begun(byte))) << effectBits) | effect;
-            octets[byte] |= octet << (index * octetBits);
+            const auto entry =
+                (static_cast<std::uint64_t>(next.value_or(stateAfterFirstByte(byte))) << effectBits) | effect;
+            entries[byte] |= entry << (index * entryBits);
         }
     }
-    return octets;
+    return entries;
 }();
 
 /// Where the first malformed sequence begins; the end when there is none.
@@ -141,26 +144,26 @@ std::optional<QByteArray> Utf8Repair::repaired(QByteArrayView bytes)
     // kept.
     QByteArray room(valid + (bytes.size() - valid) * static_cast<qsizetype>(replacementSize) + 8, Qt::Uninitialized);
     char *end = std::copy_n(bytes.data(), valid, room.data());
-    char *sequence = end;
-    unsigned state = 0;
+    char *sequenceStart = end;
+    unsigned shift = 0;
     for (qsizetype position = valid; position < bytes.size();) {
         const qsizetype ascii = Utf8::asciiPrefix(bytes.sliced(position));
         end = std::copy_n(bytes.data() + position, ascii, end);
         position += ascii;
-        const qsizetype stretch = std::min(position + untilAsciiAgain, bytes.size());
-        for (; position < stretch || (state != 0 && position < bytes.size()); ++position) {
+        const qsizetype stretchEnd = std::min(position + bytesUntilAsciiAgain, bytes.size());
+        for (; position < stretchEnd || (shift != 0 && position < bytes.size()); ++position) {
             const char byte = bytes[position];
-            const auto octet = static_cast<unsigned>(table[static_cast<unsigned char>(byte)] >> state);
-            state = octet & stateMask;
-            const unsigned effect = octet & effectMask;
-            char *const at = (effect & cutsOff) != 0 ? sequence : end;
+            const auto entry = static_cast<unsigned>(table[static_cast<unsigned char>(byte)] >> shift);
+            shift = entry & shiftMask;
+            const unsigned effect = entry & effectMask;
+            char *const at = (effect & cutsOff) != 0 ? sequenceStart : end;
             std::memcpy(at, replacements.data(), replacements.size());
-            at[written[effect].place] = byte;
-            sequence = (effect & continues) != 0 ? sequence : at + written[effect].place;
-            end = at + written[effect].size;
+            at[placements[effect].place] = byte;
+            sequenceStart = (effect & continues) != 0 ? sequenceStart : at + placements[effect].place;
+            end = at + placements[effect].size;
         }
     }
-    if (state != 0)
-        end = std::copy_n(replacements.data(), replacementSize, sequence);
+    if (shift != 0)
+        end = std::copy_n(replacements.data(), replacementSize, sequenceStart);
     return QByteArray(room.constData(), end - room.constData());
 }

@@ -76,6 +76,19 @@ TEST(Utf8Repair, FindsADefectAtEveryPlaceOfALongText)
     }
 }
 
+TEST(Utf8Repair, TakesACharacterAsOneWhereverItStandsBehindADefect)
+{
+    for (std::size_t distance = 0; distance < 200; ++distance) {
+        const std::string begin = '\xFF' + std::string(distance, 'a');
+        const std::string expected = replacement + std::string(distance, 'a');
+        for (const std::string character : {"\u00e9", "\u4e2d", "\U0001f43b"}) {
+            EXPECT_EQ(repaired(begin + character + std::string(20, 'z')), expected + character + std::string(20, 'z'));
+            EXPECT_EQ(repaired(begin + character.substr(0, character.size() - 1) + std::string(20, 'z')),
+                      expected + replacement + std::string(20, 'z'));
+        }
+    }
+}
+
 TEST(Utf8Repair, MakesEveryPairOfBytesValid)
 {
     for (int first = 0; first < 256; ++first)
