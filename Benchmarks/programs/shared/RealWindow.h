@@ -14,6 +14,7 @@
 #include "Screens/FakeOrbStack.h"
 #include "SetupController/SetupController.h"
 #include "Support/Waiting.h"
+#include "TidewellApp/IgnoredSignals.h"
 #include "TidewellApp/MainWindow.h"
 
 #include <QAbstractButton>
@@ -94,6 +95,7 @@ public:
     }
 
 private:
+    const IgnoredSignals m_ignoredSignals;
     FakeOrbStack m_orbStack;
     SetupController m_setup{SetupTimeLimits{}, true};
     MachineStore m_machines;
