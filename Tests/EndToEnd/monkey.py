@@ -126,13 +126,17 @@ class Monkey:
         if (status := self._tidewell.process.poll()) is not None:
             raise AssertionError(f"the program ended with {status}")
         asked = time.monotonic() - self._kept_waiting()
-        self._tidewell.root.name  # noqa: B018
+        try:
+            self._tidewell.root.name  # noqa: B018
+        except Gone as error:
+            raise AssertionError(f"the program did not answer: {error}") from None
         took = time.monotonic() - self._kept_waiting() - asked
         if took > _ANSWERS_WITHIN_SECONDS:
             raise AssertionError(f"the program answered after {took:.2f} s")
 
     def _kept_waiting(self):
-        """For how many seconds the main thread could have run while others had the processors."""
+        """For how many seconds the main thread could have run while other threads, of whatever program, had the
+        processors."""
         with open(f"/proc/{self._tidewell.process.pid}/schedstat", encoding="ascii") as file:
             return int(file.read().split()[1]) / 1e9
 

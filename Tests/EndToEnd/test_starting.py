@@ -61,8 +61,8 @@ class StartingAgain(WindowCase):
         tidewell.wait_for("No runs yet.")
         tidewell.close_window()
         wait_until(lambda: self.is_read_by_nobody(os.path.join(folder, "running")), "whoever starts now is the first")
-        tidewell.process.send_signal(signal.SIGSTOP)
         self.addCleanup(tidewell.process.send_signal, signal.SIGCONT)
+        tidewell.process.send_signal(signal.SIGSTOP)
         self.assertIsNone(tidewell.process.poll())
         self.desktop.wait_for_focus(self.start_again(tidewell).pid)
 
