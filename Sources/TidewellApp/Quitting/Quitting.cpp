@@ -80,6 +80,8 @@ void Quitting::askAboutRun()
         return;
     // An earlier answer holds no more.
     m_awaited = Awaited::nothing;
+    m_isMeant = false;
+    m_askedAbout = Awaited::run;
     showWindow();
     m_question = Alert::open(
         &m_window, u"A run is in progress."_s, {}, u"Stop it and quit"_s, u"Keep running"_s, [this] { stopAndQuit(); },
@@ -93,9 +95,11 @@ void Quitting::askAboutOperation()
         return askWhetherToQuitAnyway(title, u"Tidewell quits when it is done. Quitting now cuts it off."_s,
                                       [this] { quitAnyway(); });
     m_awaited = Awaited::nothing;
+    m_askedAbout = Awaited::operations;
     showWindow();
     m_question = Alert::open(&m_window, title, u"Quitting now cuts it off."_s, u"Quit when it is done"_s,
                              u"Keep open"_s, [this] { quitWhenDone(); });
+    connect(m_question, &QMessageBox::finished, this, [this] { m_isMeant = m_awaited == Awaited::operations; });
 }
 
 /// Without a question: how far it has come tells why the application is still there, and can be cancelled.
@@ -108,6 +112,7 @@ void Quitting::awaitSaving()
 void Quitting::askWhetherToQuitAnyway(const QString &title, const QString &message,
                                       const std::function<void()> &accepted)
 {
+    m_askedAbout = Awaited::nothing;
     showWindow();
     m_question =
         Alert::open(&m_window, title, message, u"Quit anyway"_s, u"Keep open"_s, accepted, Alert::Kind::destructive);
@@ -119,6 +124,7 @@ void Quitting::stopAndQuit()
     if (m_asksNoMore)
         return;
     m_awaited = Awaited::run;
+    m_isMeant = true;
     m_patience.start(m_times.untilAskedAgain);
     m_controllers.run.stop();
     goOn();
@@ -157,11 +163,23 @@ void Quitting::losePatience()
             [this] { quitAnyway(); });
 }
 
+bool Quitting::isQuestionOutdated() const
+{
+    const bool isOver = (m_askedAbout == Awaited::run && !m_controllers.run.isRunning()) ||
+                        (m_askedAbout == Awaited::operations && operation().isEmpty());
+    return isOver && m_question && m_question->isVisible();
+}
+
 void Quitting::goOn()
 {
     if (m_asksNoMore) {
         if (!isSomethingGoingOn())
             QCoreApplication::exit();
+    } else if (isQuestionOutdated()) {
+        const bool isMeant = m_isMeant;
+        m_question->close();
+        if (isMeant)
+            quit();
     } else if (m_awaited == Awaited::run && !m_controllers.run.isRunning()) {
         checkMachine();
     } else if (m_awaited == Awaited::operations && operation().isEmpty()) {
@@ -234,6 +252,7 @@ void Quitting::quitAnyway()
 
 void Quitting::showWindow()
 {
+    m_window.setWindowState(m_window.windowState() & ~Qt::WindowMinimized);
     m_window.show();
     m_window.raise();
     m_window.activateWindow();

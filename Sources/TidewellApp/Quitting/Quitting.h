@@ -4,11 +4,12 @@
 // cut off without the user's word, and no disposable machine is left behind unsaid.
 //
 //   nothing goes on:          ends
-//   a run is going:           asks, once ──"Keep running"──▶ goes on
+//   a run is going:           asks, once ──"Keep running", or it ends──▶ goes on
 //      └──"Stop it and quit"──▶ RunController::stop ──ended, its machine gone──▶ ends
 //            ├──its machine could not be deleted, or nobody knows in five seconds──▶ asks: "Quit anyway", "Keep open"
 //            └──not ended in five seconds──▶ asks: "Quit anyway", "Keep open"; ends when the run does
-//   an operation is going:    asks ──"Keep open"──▶ goes on
+//   an operation is going:    asks ──"Keep open", or it is done──▶ goes on; ends where "Stop it and quit" was said
+//   before
 //      └──"Quit when it is done"──done──▶ ends
 //            └──the wish again──▶ asks: "Quit anyway", "Keep open"
 //   output is being saved:    shows how far it has come ──saved────────────────▶ ends
@@ -69,6 +70,8 @@ private:
     void quitWhenDone();
     /// The time for waiting is over.
     void losePatience();
+    /// What the open question asks about has ended.
+    bool isQuestionOutdated() const;
     /// What goes on has changed.
     void goOn();
     void endSaving(bool isSaved);
@@ -82,6 +85,10 @@ private:
     OutputSaving &m_saving;
     const Times m_times;
     Awaited m_awaited = Awaited::nothing;
+    /// What the last question asks about.
+    Awaited m_askedAbout = Awaited::nothing;
+    /// The user has answered that the application is to end, and has not taken it back.
+    bool m_isMeant = false;
     bool m_asksNoMore = false;
     QTimer m_patience;
     /// Whose deletion is looked into.

@@ -78,16 +78,31 @@ TEST_F(QuittingTest, StaysOpenForWhoKeepsARunGoingAfterAnEarlierWishToQuit)
     EXPECT_EQ(QApplication::exec(), 5);
 }
 
-TEST_F(QuittingTest, QuitsAtOnceWhenTheOperationEndsBeforeTheAnswer)
+TEST_F(QuittingTest, AsksNoMoreAboutAnOperationThatIsDoneAndStaysOpen)
 {
     tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s));
     guarded.tools.machines.remove(u"box"_s);
     EXPECT_FALSE(quit());
     ASSERT_NE(asked(u"The machine box is being deleted."_s), nullptr);
     tools().addFile(u"go"_s);
-    EXPECT_TRUE(waitUntil([this] { return !guarded.tools.machines.busy(); }));
-    QCoreApplication::processEvents();
-    QTimer::singleShot(0, &guarded.window, [this] { press(u"Quit when it is done"_s); });
+    EXPECT_TRUE(waitUntil([this] { return guarded.question() == nullptr; }));
+    EXPECT_FALSE(guarded.tools.machines.busy());
+    // Nothing ends it but the time that it is given.
+    QTimer::singleShot(100, qApp, [] { QCoreApplication::exit(5); });
+    EXPECT_EQ(QApplication::exec(), 5);
+}
+
+TEST_F(QuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterARunThatWasStoppedToQuit)
+{
+    guarded.startRun(u"exec sleep 60"_s);
+    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
+    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    QTimer::singleShot(0, &guarded.window, [this] {
+        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+        tools().addFile(u"go"_s);
+    });
     EXPECT_TRUE(endsByItself());
 }
 

@@ -37,6 +37,28 @@ TEST_F(QuittingTest, KeepsTheRunGoingOnReturnAndOnEscape)
     EXPECT_TRUE(run.isRunning());
 }
 
+TEST_F(QuittingTest, AsksOverAWindowThatWasMinimised)
+{
+    guarded.startRun(u"exec sleep 60"_s);
+    guarded.window.showMinimized();
+    EXPECT_FALSE(quit());
+    EXPECT_NE(asked(u"A run is in progress."_s), nullptr);
+    EXPECT_FALSE(guarded.window.isMinimized());
+}
+
+TEST_F(QuittingTest, AsksNoMoreAboutARunThatHasEndedAndStaysOpen)
+{
+    guarded.startRun(tools().waitForFile(u"go"_s));
+    EXPECT_FALSE(quit());
+    ASSERT_NE(asked(u"A run is in progress."_s), nullptr);
+    tools().addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([this] { return guarded.question() == nullptr; }));
+    EXPECT_FALSE(run.isRunning());
+    // Nothing ends it but the time that it is given.
+    QTimer::singleShot(100, qApp, [] { QCoreApplication::exit(5); });
+    EXPECT_EQ(QApplication::exec(), 5);
+}
+
 TEST_F(QuittingTest, StaysOpenAndSaysSoWhenTheMachineCouldNotBeDeleted)
 {
     addOrbThatCannotDelete(true);
