@@ -76,8 +76,13 @@ std::optional<QString> OutputFile::write(const QString &path, const TextSnapshot
         const TextPiece piece = text.pieceAt(at);
         if (progress.isCancelled)
             return std::nullopt;
-        if (file.write(piece.bytes.data(), piece.bytes.size()) != piece.bytes.size())
-            return failure(file.errorString());
+        // Where only a part has room, what is wrong is told by the next attempt.
+        for (qsizetype written = 0; written < piece.bytes.size();) {
+            const qint64 more = file.write(piece.bytes.data() + written, piece.bytes.size() - written);
+            if (more <= 0)
+                return failure(file.errorString());
+            written += more;
+        }
         at = piece.end;
         progress.done = at - text.begin();
         if (at - synced < syncedAtOnce && at < text.end())
