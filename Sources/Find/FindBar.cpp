@@ -21,6 +21,7 @@ namespace
 {
 
 constexpr int spacing = 8;
+constexpr int narrowestField = 100;
 constexpr int widestField = 320;
 /// Room for the numbers of a million matches, so that the buttons stay where they are.
 const auto usualCount = u"1,000,000 of 1,000,000"_s;
@@ -58,6 +59,7 @@ FindBar::FindBar(QWidget *parent)
     m_matchCase = new QCheckBox(u"Match case"_s, this);
     setFocusProxy(m_field);
     m_field->setMaxLength(longestText);
+    m_field->setMinimumWidth(narrowestField);
     m_field->setMaximumWidth(widestField);
     m_field->installEventFilter(this);
 

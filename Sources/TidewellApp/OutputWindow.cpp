@@ -32,7 +32,8 @@ OutputWindow::OutputWindow(RunController &run, const QList<QAction *> &actions)
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(u"All Output"_s);
     setWindowIcon(WindowIcon::icon());
-    setMinimumSize(400, 300);
+    // Wide enough for the bar that finds.
+    setMinimumSize(560, 300);
     addActions(actions);
     // The menus' own reaches the window that has them; on macOS, where it reaches all, this one is never asked.
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);

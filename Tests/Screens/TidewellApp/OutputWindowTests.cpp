@@ -1,5 +1,7 @@
 #include "TidewellApp/OutputWindow.h"
 
+#include "Find/FindBar.h"
+#include "Find/FindablePane.h"
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
 #include "OutputPane/OutputPane.h"
@@ -190,6 +192,19 @@ TEST_F(OutputWindowTest, StandsByItselfButEndsWithTheMainWindow)
         EXPECT_EQ(all().size(), 2);
     }
     EXPECT_EQ(all(), QList<OutputWindow *>{const_cast<OutputWindow *>(&output)});
+}
+
+TEST_F(OutputWindowTest, HasRoomForTheBarThatFindsWhenItIsAsNarrowAsItGets)
+{
+    OutputWindow &output = show();
+    append(1);
+    output.findChild<FindablePane *>()->find();
+    output.resize(output.minimumSize());
+    QCoreApplication::processEvents();
+    const auto *bar = output.findChild<FindBar *>();
+    ASSERT_TRUE(bar->isVisible());
+    EXPECT_GE(bar->width(), bar->minimumSizeHint().width());
+    EXPECT_GE(ByName::find<QLineEdit>(output, u"Find in output"_s)->width(), 100);
 }
 
 TEST_F(OutputWindowTest, MovesNothingWhenJumpToEndComesAndGoes)
