@@ -1,5 +1,6 @@
 #include "TidewellApp/HelpWindow.h"
 
+#include "Look/Colours.h"
 #include "Look/Typography.h"
 
 #include <QFile>
@@ -7,6 +8,7 @@
 #include <QShortcut>
 #include <QTextBrowser>
 #include <QTextDocument>
+#include <QTextTable>
 
 using namespace Qt::StringLiterals;
 
@@ -28,6 +30,25 @@ QString page()
     return text.replace(linkToFile, u"\\1"_s);
 }
 
+/// One line between two cells, and room around their texts.
+void layOutTables(QTextDocument &document, const QColor &lines)
+{
+    for (QTextFrame *frame : document.rootFrame()->childFrames()) {
+        auto *table = qobject_cast<QTextTable *>(frame);
+        if (table == nullptr)
+            continue;
+        QTextTableFormat format = table->format();
+        format.setBorderCollapse(true);
+        format.setBorder(1);
+        format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
+        format.setBorderBrush(lines);
+        format.setCellSpacing(0);
+        format.setCellPadding(5);
+        format.setBottomMargin(12);
+        table->setFormat(format);
+    }
+}
+
 } // namespace
 
 void HelpWindow::show(QWidget &window)
@@ -45,6 +66,7 @@ void HelpWindow::show(QWidget &window)
         help->setFont(Typography::body());
         help->document()->setDocumentMargin(16);
         help->document()->setMarkdown(page(), QTextDocument::MarkdownDialectGitHub);
+        layOutTables(*help->document(), Colours::line(help->palette(), 0.4F));
         help->moveCursor(QTextCursor::Start);
         help->resize(680, 720);
         // The menus' own reaches the window that has them; on macOS, where it reaches all, this one is never asked.
