@@ -53,7 +53,7 @@ TEST(WindowPlace, SuitsWhatTheWindowsHoldWhenTheyAreFirstShown)
     }
     const OutputWindow output(tools.run, {});
     EXPECT_EQ(output.width(), std::min(900, available.width()));
-    EXPECT_EQ(output.minimumSize(), QSize(400, 300));
+    EXPECT_EQ(output.minimumSize(), QSize(560, 300));
     if (available.height() >= 700) {
         EXPECT_EQ(output.height(), 640);
     }
