@@ -116,7 +116,10 @@ void Quitting::askWhetherToQuitAnyway(const QString &title, const QString &messa
     showWindow();
     m_question =
         Alert::open(&m_window, title, message, u"Quit anyway"_s, u"Keep open"_s, accepted, Alert::Kind::destructive);
-    connect(m_question, &QMessageBox::finished, this, [this] { m_awaited = Awaited::nothing; });
+    connect(m_question, &QMessageBox::finished, this, [this] {
+        m_awaited = Awaited::nothing;
+        m_isMeant = false;
+    });
 }
 
 void Quitting::stopAndQuit()

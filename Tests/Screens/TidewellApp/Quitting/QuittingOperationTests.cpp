@@ -92,6 +92,24 @@ TEST_F(QuittingTest, AsksNoMoreAboutAnOperationThatIsDoneAndStaysOpen)
     EXPECT_EQ(QApplication::exec(), 5);
 }
 
+TEST_F(QuittingTest, StaysOpenWhenAnOperationIsDoneForWhoHadSaidKeepOpenAfterStoppingARun)
+{
+    addOrbThatCannotDelete(true);
+    guarded.startRun(u"exec sleep 60"_s);
+    ASSERT_NE(stopToQuit(), nullptr);
+    press(u"Keep open"_s);
+    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
+    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    EXPECT_FALSE(quit());
+    ASSERT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+    QTimer::singleShot(0, &guarded.window, [this] {
+        tools().addFile(u"go"_s);
+        EXPECT_TRUE(waitUntil([this] { return guarded.question() == nullptr; }));
+        QTimer::singleShot(100, qApp, [] { QCoreApplication::exit(5); });
+    });
+    EXPECT_EQ(QApplication::exec(), 5);
+}
+
 TEST_F(QuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterARunThatWasStoppedToQuit)
 {
     guarded.startRun(u"exec sleep 60"_s);
