@@ -1,10 +1,12 @@
 #include "Screens/ContentView/Screens/HistoryViewTest.h"
 
 #include "ContentView/Screens/DateText.h"
+#include "HistoryStore/HistoryFile.h"
 #include "Screens/PaintWatch.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 
@@ -127,10 +129,15 @@ TEST_F(HistoryViewTest, SaysSoWhileTheListCannotBeSaved)
 
 TEST_F(HistoryViewTest, IsQuickWithFiftyScriptsOfAMegabyte)
 {
-    QString script = QString(u"echo a line of a long script\n"_s).repeated(36000);
-    HistoryStore store(std::nullopt);
-    for (int number = 0; number < 50; ++number)
-        window.history.add(entryOf(script + QString::number(number)));
+    const QString script = QString(u"echo a line of a long script\n"_s).repeated(36000);
+    QList<HistoryEntry> others;
+    for (int number = 0; number < 49; ++number)
+        others.append(entryOf(script + QString::number(number)));
+    // As another Tidewell would have left them: added one by one, they would be written a thousand times over.
+    QFile file(*window.history.fileURL());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(HistoryFile::encode(others));
+    file.close();
     const HistoryEntry oneLine = entryOf(QString(1000000, u'x'));
     window.history.add(oneLine);
     window.show();
