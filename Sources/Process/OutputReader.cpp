@@ -4,6 +4,7 @@
 #include "Text/Utf8Repair.h"
 
 #include <cerrno>
+#include <optional>
 #include <utility>
 
 namespace
@@ -20,8 +21,7 @@ OutputReader::OutputReader(FileDescriptor end, OutputStream stream) : m_end(std:
 
 qsizetype OutputReader::read(QByteArray &block, OutputQueue &queue)
 {
-    // The pages of one that was filled before are there already; one from another pipe, or with repaired text, is of
-    // another size.
+    // The pages of one that was filled before are there already; one from another pipe may be smaller.
     if (block.size() < m_pipeSize)
         block = queue.takeDelivered();
     if (block.size() < m_pipeSize)
@@ -39,15 +39,21 @@ qsizetype OutputReader::read(QByteArray &block, OutputQueue &queue)
         enlargePipe(m_end, static_cast<std::size_t>(largestPipeSize)))
         m_pipeSize = largestPipeSize;
 
-    const QByteArrayView bytes(block.constData(), size);
-    if (std::optional<QByteArray> repaired = Utf8Repair::repaired(bytes)) {
-        const qsizetype repairedSize = repaired->size();
-        queue.adopt(*std::move(repaired), repairedSize, m_stream);
-    } else if (size < block.size() / 4) {
-        // A block given away for little text would keep its whole memory while it waits.
-        queue.append(bytes, m_stream);
+    if (const auto repairedSize = Utf8Repair::repairInto(m_repaired, QByteArrayView(block.constData(), size))) {
+        append(m_repaired, *repairedSize, queue);
+        if (m_repaired.isEmpty())
+            m_repaired = queue.takeDelivered();
     } else {
-        queue.adopt(std::exchange(block, QByteArray()), size, m_stream);
+        append(block, size, queue);
     }
     return size;
+}
+
+void OutputReader::append(QByteArray &block, qsizetype size, OutputQueue &queue) const
+{
+    // A block given away for little text would keep its whole memory while it waits.
+    if (size < block.size() / 4)
+        queue.append(QByteArrayView(block.constData(), size), m_stream);
+    else
+        queue.adopt(std::exchange(block, QByteArray()), size, m_stream);
 }

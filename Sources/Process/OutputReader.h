@@ -26,7 +26,11 @@ public:
     qsizetype read(QByteArray &block, OutputQueue &queue);
 
 private:
+    /// Appends the first `size` bytes of the block, and gives it away if that is a good part of it.
+    void append(QByteArray &block, qsizetype size, OutputQueue &queue) const;
+
     FileDescriptor m_end;
+    QByteArray m_repaired; // room for the next read that is not valid as it stands
     qsizetype m_pipeSize = qsizetype{64} * 1024;
     OutputStream m_stream = OutputStream::standard;
 };

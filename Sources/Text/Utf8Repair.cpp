@@ -137,13 +137,24 @@ qsizetype validPrefix(QByteArrayView bytes)
 
 std::optional<QByteArray> Utf8Repair::repaired(QByteArrayView bytes)
 {
+    QByteArray room;
+    const std::optional<qsizetype> size = repairInto(room, bytes);
+    if (!size)
+        return std::nullopt;
+    return QByteArray(room.constData(), *size); // only what counts is kept
+}
+
+std::optional<qsizetype> Utf8Repair::repairInto(QByteArray &room, QByteArrayView bytes)
+{
     const qsizetype valid = validPrefix(bytes);
     if (valid == bytes.size())
         return std::nullopt;
-    // Room for the worst at once, every byte malformed, and for what is written behind the end; only what counts is
-    // kept.
-    QByteArray room(valid + (bytes.size() - valid) * static_cast<qsizetype>(replacementSize) + 8, Qt::Uninitialized);
-    char *end = std::copy_n(bytes.data(), valid, room.data());
+    // For the worst, every byte malformed, and for what is written behind the end.
+    const qsizetype most = valid + (bytes.size() - valid) * static_cast<qsizetype>(replacementSize) + 8;
+    if (room.size() < most)
+        room = QByteArray(most, Qt::Uninitialized);
+    char *const begin = room.data();
+    char *end = std::copy_n(bytes.data(), valid, begin);
     char *sequenceStart = end;
     unsigned shift = 0;
     for (qsizetype position = valid; position < bytes.size();) {
@@ -165,5 +176,5 @@ std::optional<QByteArray> Utf8Repair::repaired(QByteArrayView bytes)
     }
     if (shift != 0)
         end = std::copy_n(replacements.data(), replacementSize, sequenceStart);
-    return QByteArray(room.constData(), end - room.constData());
+    return end - begin;
 }

@@ -13,4 +13,8 @@ namespace Utf8Repair
 /// Any thread.
 std::optional<QByteArray> repaired(QByteArrayView bytes);
 
+/// The same for who repairs again and again: the copy is the first so many bytes of `room`, which is made anew where it
+/// may be too small.
+std::optional<qsizetype> repairInto(QByteArray &room, QByteArrayView bytes);
+
 } // namespace Utf8Repair

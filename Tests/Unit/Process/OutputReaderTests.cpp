@@ -2,6 +2,9 @@
 
 #include "Process/Pipe.h"
 
+#include <QSet>
+#include <QString>
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -26,6 +29,11 @@ protected:
         writeEnd = std::move(pipe->writeEnd);
         makeNonBlocking(writeEnd);
         reader = OutputReader(std::move(pipe->readEnd), stream);
+    }
+
+    static OutputQueue::Listener usualListener()
+    {
+        return {.onReady = [](const std::shared_ptr<OutputQueue> &) {}, .onRoom = [] {}};
     }
 
     void write(const QByteArray &bytes) const
@@ -54,7 +62,7 @@ protected:
             told.push_back((isError ? "error: " : "") +
                            std::string(text.data(), static_cast<std::size_t>(text.size())));
         },
-        nullptr, OutputQueue::Listener{.onReady = [](const std::shared_ptr<OutputQueue> &) {}, .onRoom = [] {}});
+        nullptr, usualListener());
 };
 
 class ErrorReaderTest : public OutputReaderTest
@@ -109,6 +117,36 @@ TEST_F(OutputReaderTest, GivesItsBlockAwayWithAQuarterOfItOrMore)
     write(QByteArray(usualSize / 4, 'x'));
     EXPECT_EQ(read(), usualSize / 4);
     EXPECT_EQ(block.size(), 0);
+}
+
+TEST_F(OutputReaderTest, RepairsAgainAndAgainIntoTheRoomThatWasDelivered)
+{
+    const QByteArray wrong(usualSize / 2, '\xff');
+    const std::string text = QString(wrong.size(), QChar(0xfffd)).toStdString();
+    QSet<const char *> rooms;
+    const std::shared_ptr<OutputQueue> watched = std::make_shared<OutputQueue>(
+        nullptr, [&](QUtf8StringView chunk, bool) { rooms.insert(chunk.data()); }, nullptr, usualListener());
+    for (int round = 0; round < 10; ++round) {
+        write(wrong);
+        EXPECT_EQ(reader.read(block, *watched), wrong.size());
+        while (watched->deliverNext()) {
+        }
+    }
+    EXPECT_LE(rooms.size(), 4) << "two rooms by turns, each delivered in two chunks";
+}
+
+TEST_F(OutputReaderTest, CopiesALittleRepairedTextBehindTheLast)
+{
+    for (const QByteArray &first : {QByteArray(usualSize / 2, '\xff'), QByteArray("\xff")}) {
+        write(first);
+        read();
+        delivered(); // from the second on there is a large room
+    }
+    for (int round = 0; round < 3; ++round) {
+        write("a\xff");
+        EXPECT_EQ(read(), 2);
+    }
+    EXPECT_EQ(delivered(), Texts{"a\ufffda\ufffda\ufffd"});
 }
 
 TEST_F(OutputReaderTest, EnlargesAPipeThatWasFullAndFillsABlockAgainThatWasDelivered)

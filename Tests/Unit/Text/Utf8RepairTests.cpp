@@ -65,6 +65,18 @@ TEST(Utf8Repair, TakesNoMoreMemoryThanItsText)
     EXPECT_LT(text->capacity(), 110'000) << "it waits in a queue that is bounded by its size";
 }
 
+TEST(Utf8Repair, KeepsTheRoomThatIsLargeEnough)
+{
+    QByteArray room(1000, 'x');
+    const char *const begin = room.constData();
+    EXPECT_EQ(Utf8Repair::repairInto(room, "a\xff"), 4);
+    EXPECT_EQ(room.constData(), begin);
+    EXPECT_TRUE(room.startsWith("a\uFFFD"));
+    EXPECT_EQ(Utf8Repair::repairInto(room, "valid"), std::nullopt);
+    EXPECT_EQ(Utf8Repair::repairInto(room, QByteArray(1000, '\xff')), 3000);
+    EXPECT_EQ(QByteArrayView(room).first(3000), QByteArray("\uFFFD").repeated(1000));
+}
+
 TEST(Utf8Repair, FindsADefectAtEveryPlaceOfALongText)
 {
     for (std::size_t place = 0; place < 200; ++place) {
