@@ -3,6 +3,7 @@
 #include "Process/Pipe.h"
 #include "Text/Utf8Repair.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <utility>
@@ -19,6 +20,12 @@ OutputReader::OutputReader(FileDescriptor end, OutputStream stream) : m_end(std:
     makeNonBlocking(m_end);
 }
 
+void OutputReader::close()
+{
+    m_end.close();
+    m_repaired = {};
+}
+
 qsizetype OutputReader::read(QByteArray &block, OutputQueue &queue)
 {
     // The pages of one that was filled before are there already; one from another pipe may be smaller.
@@ -30,7 +37,7 @@ qsizetype OutputReader::read(QByteArray &block, OutputQueue &queue)
     if (size < 0 && (errno == EAGAIN || errno == EINTR))
         return 0;
     if (size <= 0) {
-        m_end.close();
+        close();
         return 0;
     }
     // A child that fills its pipe is worth a larger one, which drains several times faster; the many that print a line
@@ -51,8 +58,9 @@ qsizetype OutputReader::read(QByteArray &block, OutputQueue &queue)
 
 void OutputReader::append(QByteArray &block, qsizetype size, OutputQueue &queue) const
 {
-    // A block given away for little text would keep its whole memory while it waits.
-    if (size < block.size() / 4)
+    // A block given away for little text would keep its whole memory while it waits, and short texts are joined where
+    // they are copied.
+    if (size < std::max(block.size(), m_pipeSize) / 4)
         queue.append(QByteArrayView(block.constData(), size), m_stream);
     else
         queue.adopt(std::exchange(block, QByteArray()), size, m_stream);

@@ -17,7 +17,7 @@ public:
     OutputReader(FileDescriptor end, OutputStream stream);
 
     /// Whoever still writes into the pipe is told by the system that nobody reads it.
-    void close() { m_end.close(); }
+    void close();
     bool isAtEnd() const { return !m_end.isOpen(); }
     int descriptor() const { return m_end.number(); }
 
@@ -26,7 +26,7 @@ public:
     qsizetype read(QByteArray &block, OutputQueue &queue);
 
 private:
-    /// Appends the first `size` bytes of the block, and gives it away if that is a good part of it.
+    /// Appends the first `size` bytes of the block, which it gives away where they are a good part of it.
     void append(QByteArray &block, qsizetype size, OutputQueue &queue) const;
 
     FileDescriptor m_end;

@@ -3,7 +3,6 @@
 #include "Process/Pipe.h"
 
 #include <QSet>
-#include <QString>
 
 #include <gtest/gtest.h>
 
@@ -121,32 +120,48 @@ TEST_F(OutputReaderTest, GivesItsBlockAwayWithAQuarterOfItOrMore)
 
 TEST_F(OutputReaderTest, RepairsAgainAndAgainIntoTheRoomThatWasDelivered)
 {
-    const QByteArray wrong(usualSize / 2, '\xff');
-    const std::string text = QString(wrong.size(), QChar(0xfffd)).toStdString();
-    QSet<const char *> rooms;
+    QSet<const char *> places;
+    std::string text;
     const std::shared_ptr<OutputQueue> watched = std::make_shared<OutputQueue>(
-        nullptr, [&](QUtf8StringView chunk, bool) { rooms.insert(chunk.data()); }, nullptr, usualListener());
+        nullptr,
+        [&](QUtf8StringView chunk, bool) {
+            places.insert(chunk.data());
+            text.append(chunk.data(), static_cast<std::size_t>(chunk.size()));
+        },
+        nullptr, usualListener());
     for (int round = 0; round < 10; ++round) {
-        write(wrong);
-        EXPECT_EQ(reader.read(block, *watched), wrong.size());
+        const QByteArray right(1000, static_cast<char>('a' + round));
+        write(right + QByteArray(usualSize / 2, '\xff') + right);
+        EXPECT_EQ(reader.read(block, *watched), 2000 + usualSize / 2);
+        text.clear();
         while (watched->deliverNext()) {
         }
+        EXPECT_EQ(text, (right + QByteArray("\ufffd").repeated(usualSize / 2) + right).toStdString());
     }
-    EXPECT_LE(rooms.size(), 4) << "two rooms by turns, each delivered in two chunks";
+    EXPECT_LE(places.size(), 4) << "two rooms by turns, each delivered in two chunks";
 }
 
-TEST_F(OutputReaderTest, CopiesALittleRepairedTextBehindTheLast)
+TEST_F(OutputReaderTest, JoinsShortTextsWhetherTheyWereRepairedOrNot)
 {
-    for (const QByteArray &first : {QByteArray(usualSize / 2, '\xff'), QByteArray("\xff")}) {
-        write(first);
-        read();
-        delivered(); // from the second on there is a large room
+    for (const char *text : {"a\xff", "b", "\xff", "c\xff"}) {
+        write(text);
+        EXPECT_GT(read(), 0);
     }
-    for (int round = 0; round < 3; ++round) {
-        write("a\xff");
-        EXPECT_EQ(read(), 2);
-    }
-    EXPECT_EQ(delivered(), Texts{"a\ufffda\ufffda\ufffd"});
+    EXPECT_EQ(delivered(), Texts{"a\ufffdb\ufffdc\ufffd"});
+}
+
+TEST_F(OutputReaderTest, GivesARoomAwayWithAQuarterOfAPipesTextOrMore)
+{
+    write(QByteArray(usualSize / 12, '\xff'));
+    read();
+    write("x");
+    read();
+    EXPECT_EQ(delivered().size(), 1U) << "three bytes each, and still less than a quarter";
+    write(QByteArray(usualSize / 8, '\xff'));
+    read();
+    write("x");
+    read();
+    EXPECT_EQ(delivered().size(), 2U);
 }
 
 TEST_F(OutputReaderTest, EnlargesAPipeThatWasFullAndFillsABlockAgainThatWasDelivered)
