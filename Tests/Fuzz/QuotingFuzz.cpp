@@ -25,8 +25,8 @@ class Shell
 public:
     explicit Shell(std::initializer_list<const char *> command)
     {
-        int input[2];
-        int output[2];
+        int input[2] = {-1, -1};
+        int output[2] = {-1, -1};
         require(::pipe(input) == 0 && ::pipe(output) == 0, "there are pipes");
         posix_spawn_file_actions_t actions;
         ::posix_spawn_file_actions_init(&actions);

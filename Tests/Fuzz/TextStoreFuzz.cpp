@@ -23,7 +23,7 @@ namespace
 
 using Position = TextView::Position;
 
-constexpr std::int64_t mebibyte = 1024 * 1024;
+constexpr std::int64_t mebibyte = std::int64_t{1024} * 1024;
 constexpr std::int64_t mostText = 5 * mebibyte / 2;
 
 /// All that was ever appended, and from where on it is wanted.
@@ -104,7 +104,7 @@ QByteArray noise(FuzzedDataProvider &input)
 {
     static const char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::mt19937_64 engine(input.ConsumeIntegral<std::uint8_t>());
-    QByteArray text(input.ConsumeIntegralInRange(1, 800) * 1024, Qt::Uninitialized);
+    QByteArray text(input.ConsumeIntegralInRange<qsizetype>(1, 800) * 1024, Qt::Uninitialized);
     const qsizetype line = input.ConsumeBool() ? 77 : text.size();
     std::uint64_t bits = 0;
     for (qsizetype at = 0; at < text.size(); ++at) {

@@ -30,7 +30,8 @@ Function *next(const char *name)
 
 int errorNumber()
 {
-    return std::atoi(std::getenv("FAIL_ERROR"));
+    const char *const number = std::getenv("FAIL_ERROR");
+    return number == nullptr ? EIO : std::atoi(number);
 }
 
 bool fails()
@@ -119,6 +120,7 @@ int close(int descriptor)
     return next<int(int)>("close")(descriptor);
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the lists have theirs
 #define ON_DESCRIPTOR(type, name, parameters, types, values)                                                           \
     type name parameters                                                                                               \
     {                                                                                                                  \
@@ -149,6 +151,7 @@ ON_PATH(unlink, (const char *path) noexcept, (const char *), (path))
 ON_PATH(rename, (const char *path, const char *to) noexcept, (const char *, const char *), (path, to))
 ON_PATH(link, (const char *path, const char *to) noexcept, (const char *, const char *), (path, to))
 ON_PATH(chmod, (const char *path, mode_t mode) noexcept, (const char *, mode_t), (path, mode))
+// NOLINTEND(bugprone-macro-parentheses)
 
 int renameat2(int from, const char *path, int to, const char *target, unsigned flags) noexcept
 {

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QPaintEvent>
 #include <QRegion>
+#include <QTest>
 #include <QWidget>
 
 class PaintWatch : public QObject
@@ -37,3 +38,13 @@ private:
     int m_count = 0;
     QRegion m_region;
 };
+
+/// Lets a window come to rest, however slow the machine: until nothing in it was painted for a tenth of a second.
+inline void waitUntilPainted(QWidget &window)
+{
+    const PaintWatch watch(window);
+    for (int before = -1; before != watch.count();) {
+        before = watch.count();
+        QTest::qWait(100);
+    }
+}

@@ -60,7 +60,7 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     }
 
-    void settle() { QTest::qWait(50); }
+    void settle() { waitUntilPainted(window); }
 
     QPushButton *button(int index, int number) { return list->row(index)->buttons().at(number); }
 

@@ -17,7 +17,7 @@
 class FiledTextTest : public testing::Test
 {
 protected:
-    static constexpr std::int64_t mebibyte = 1024 * 1024;
+    static constexpr std::int64_t mebibyte = std::int64_t{1024} * 1024;
 
     /// Four plain blocks, one mebibyte packed.
     TextStorage storage(const QString &where = {}) const

@@ -61,7 +61,7 @@ TEST(TextStorage, HoldsWhatTheApplicationMayTakeOfTheMemoryAndTheDisk)
     EXPECT_EQ(storage.plainBlocks, 1024U);
     EXPECT_EQ(storage.packedBytes, 192 * TextStorage::mebibyte);
     EXPECT_EQ(storage.waitingBytes, 128 * TextStorage::mebibyte);
-    EXPECT_EQ(storage.diskReserve, 5 * 1024 * TextStorage::mebibyte);
+    EXPECT_EQ(storage.diskReserve, 5120 * TextStorage::mebibyte);
     EXPECT_EQ(storage.diskReserveShare, 0.1);
 }
 

@@ -114,7 +114,7 @@ TEST_F(ContainersViewTest, ShowsTheLaterOfTwoLogsInTheSameSheet)
 
 TEST_F(ContainersViewTest, ShowsALogOfThreeHundredLinesOfAHundredKilobytes)
 {
-    write(u"log"_s, (QByteArray(100 * 1024, 'x') + '\n').repeated(300));
+    write(u"log"_s, (QByteArray(qsizetype{100} * 1024, 'x') + '\n').repeated(300));
     show();
     QElapsedTimer timer;
     press(view(), u"Logs"_s, u"Logs web"_s);
@@ -133,7 +133,7 @@ TEST_F(ContainersViewTest, ShowsALogOfThreeHundredLinesOfAHundredKilobytes)
 
 TEST_F(ContainersViewTest, AnswersWhileALogOfLongLinesComes)
 {
-    write(u"log"_s, (QByteArray(1024 * 1024, 'x') + '\n').repeated(50));
+    write(u"log"_s, (QByteArray(qsizetype{1024} * 1024, 'x') + '\n').repeated(50));
     show();
     QElapsedTimer turn;
     qint64 longest = 0;

@@ -9,7 +9,7 @@ TEST_F(ContainersViewTest, PaintsNothingForARefreshThatChangesNothing)
     setContainers(lines);
     show();
     list().verticalScrollBar()->setValue(4000);
-    QTest::qWait(50);
+    waitUntilPainted(window.content());
     PaintWatch watch(window.content());
     ASSERT_TRUE(waitFor(window.containers.refresh()));
     QTest::qWait(50);
@@ -21,7 +21,7 @@ TEST_F(ContainersViewTest, RepaintsOnlyTheRowOfTheContainerThatChanged)
 {
     QApplication::setCursorFlashTime(0);
     show();
-    QTest::qWait(50);
+    waitUntilPainted(window.content());
     setContainers(lineOf(u"web"_s, u"exited"_s, u"0.0.0.0:8080->80/tcp"_s) + lineOf(u"db"_s, u"exited"_s));
     PaintWatch watch(window.content());
     ASSERT_TRUE(waitFor(window.containers.refresh()));

@@ -43,6 +43,9 @@ inline QByteArray lineOf(const QString &name, const QString &state, const QStrin
 
 class ContainersViewTest : public testing::Test
 {
+public:
+    ~ContainersViewTest() override { release(); }
+
 protected:
     ContainersViewTest()
     {
@@ -54,8 +57,6 @@ protected:
         setContainers(lineOf(u"web"_s, u"Running"_s, u"0.0.0.0:8080->80/tcp"_s) + lineOf(u"db"_s, u"exited"_s));
         write(u"log"_s, "a line\n");
     }
-
-    ~ContainersViewTest() override { release(); }
 
     ContainersView &show()
     {

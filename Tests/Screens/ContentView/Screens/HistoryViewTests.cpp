@@ -194,7 +194,7 @@ TEST_F(HistoryViewTest, PaintsNothingForASaveThatChangesNothing)
     addNumbered(50);
     show();
     list().verticalScrollBar()->setValue(200);
-    QTest::qWait(50);
+    waitUntilPainted(window.content());
     PaintWatch watch(window.content());
     Q_EMIT window.history.entriesChanged();
     QTest::qWait(50);

@@ -89,7 +89,7 @@ TEST_F(MachinesViewTest, PaintsNothingForARefreshThatChangesNothing)
         names << u"box%1"_s.arg(number);
     show(names);
     list().verticalScrollBar()->setValue(3000);
-    QTest::qWait(50);
+    waitUntilPainted(window.content());
     PaintWatch watch(window.content());
     ASSERT_TRUE(waitFor(window.machines.refresh()));
     QTest::qWait(50);
@@ -101,7 +101,7 @@ TEST_F(MachinesViewTest, RepaintsOnlyTheRowOfTheMachineThatChanged)
 {
     QApplication::setCursorFlashTime(0);
     show();
-    QTest::qWait(50);
+    waitUntilPainted(window.content());
     window.orbStack.setMachineList(
         R"([{"name":"box","state":"running","image":{"distro":"ubuntu","version":"noble"}},
             {"name":"web","state":"stopped","image":{"distro":"ubuntu","version":"noble"}}])");

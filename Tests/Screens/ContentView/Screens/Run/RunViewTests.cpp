@@ -229,7 +229,7 @@ TEST(RunView, SaysUnderItsHeaderHowMuchOfTheOutputCouldNotBeKept)
 {
     TextStorage storage;
     storage.plainBlocks = 4;
-    storage.packedBytes = 1024 * 1024;
+    storage.packedBytes = TextStorage::mebibyte;
     storage.folder = "/nowhere";
     TestWindow window(true, {}, storage);
     ContentView &content = window.showRunning({u"box"_s});
