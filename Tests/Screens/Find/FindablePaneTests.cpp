@@ -1,9 +1,9 @@
 #include "FindablePaneTest.h"
 
 #include "Screens/KeyboardWalk.h"
+#include "Support/ProcessorTimer.h"
 
 #include <QCheckBox>
-#include <QElapsedTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -172,7 +172,7 @@ TEST_F(FindablePaneTest, TakesATextOfAMegabyteWithoutAStall)
     output->selectAll();
     run.append(QString(2'000'000, u'y'), OutputKind::out);
     output->selectAll();
-    QElapsedTimer watch;
+    ProcessorTimer watch;
     watch.start();
     findable->useSelectionForFind();
     findable->find();

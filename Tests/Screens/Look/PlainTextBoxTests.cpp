@@ -4,11 +4,11 @@
 #include "Look/Typography.h"
 #include "Screens/ByName.h"
 #include "Screens/Look/DarkPalette.h"
+#include "Support/ProcessorTimer.h"
 #include "Support/Waiting.h"
 
 #include <QApplication>
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -210,7 +210,7 @@ TEST(PlainTextBox, TakesTwoHundredThousandCharactersInOneLine)
     LogBox box(u"Log"_s, 90, [] { return QString(); });
     box.resize(600, 90);
     box.show();
-    QElapsedTimer timer;
+    ProcessorTimer timer;
     timer.start();
     box.showText(text);
     QCoreApplication::processEvents();

@@ -1,6 +1,6 @@
 #include "ContainerStore/ContainerList.h"
 
-#include <QElapsedTimer>
+#include "Support/ProcessorTimer.h"
 
 #include <gtest/gtest.h>
 
@@ -134,13 +134,13 @@ TEST(ContainerList, SurvivesAMillionBrackets)
 
 TEST(ContainerList, IsQuickForFiveThousandContainersAndForALineOfTenMegabytes)
 {
-    QElapsedTimer timer;
+    ProcessorTimer timer;
     timer.start();
     EXPECT_EQ(parseContainers((nginxLine + u'\n').repeated(5000)).size(), 5000);
     EXPECT_EQ(parseContainers(u"{\"Labels\":\""_s + QString(10000000, u'x') + u"\",\"ID\":\"x\"}"_s).size(), 1);
     EXPECT_TRUE(parseContainers(QString(10000000, u'x')).isEmpty());
     // Far above what it takes, so that only a change of order of growth fails, and no sanitizer does.
-    EXPECT_LT(timer.elapsed(), 10000);
+    EXPECT_LT(timer.elapsed(), 20000);
     RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
 }
 

@@ -1,5 +1,7 @@
 #include "ContainerStoreTest.h"
 
+#include "Support/ProcessorTimer.h"
+
 TEST_F(ContainerStoreRun, TellsADockerThatCannotBeStarted)
 {
     tools.addTool(u"docker"_s, QString());
@@ -114,7 +116,7 @@ TEST_F(ContainerStoreRun, TellsATimeOutAsAFailure)
 TEST_F(ContainerStoreRun, RefusesHugeTextsAtOnce)
 {
     tools.addTool(u"docker"_s, dockerWith(QString()));
-    QElapsedTimer timer;
+    ProcessorTimer timer;
     timer.start();
     store.runContainer(QString(5000000, u'a') + u'!', QString(), QString());
     EXPECT_EQ(store.message(), u"Enter a valid image name, for example nginx:latest."_s);

@@ -1,6 +1,6 @@
 #include "MachineStore/MachineList.h"
 
-#include <QElapsedTimer>
+#include "Support/ProcessorTimer.h"
 
 #include <gtest/gtest.h>
 
@@ -139,7 +139,7 @@ TEST(MachinesInJson, AreReadQuicklyWhenThereAreFiveThousand)
                 "\"builtin\":false,\"state\":\"running\"},"_s.arg(index);
     }
     json.back() = u']';
-    QElapsedTimer timer;
+    ProcessorTimer timer;
     timer.start();
     const std::optional<Machines> machines = MachineList::parseMachinesJson(json);
     RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));

@@ -1,6 +1,6 @@
 #include "ContentView/Screens/HistoryTexts.h"
 
-#include <QElapsedTimer>
+#include "Support/ProcessorTimer.h"
 
 #include <gtest/gtest.h>
 
@@ -55,7 +55,7 @@ TEST(HistoryTexts, ShowTheWholeCommandWhenNoLineHoldsAnything)
 TEST(HistoryTexts, FindTheFirstLineOfAHugeScriptAtOnce)
 {
     const QString script = u"first\n"_s + QString(u"line\n"_s).repeated(5000000);
-    QElapsedTimer timer;
+    ProcessorTimer timer;
     timer.start();
     for (int round = 0; round < 1000; ++round)
         EXPECT_EQ(firstLine(script).size(), 5);
