@@ -2,8 +2,6 @@
 
 #include <QElapsedTimer>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace
@@ -23,16 +21,13 @@ public:
         QElapsedTimer timer;
         timer.start();
         QCoreApplication::sendEvent(watched, event);
-        const qint64 elapsed = timer.nsecsElapsed();
-        nanoseconds += elapsed;
-        longest = std::max(longest, elapsed);
+        nanoseconds += timer.nsecsElapsed();
         ++count;
         m_isPainting = false;
         return true;
     }
 
     qint64 nanoseconds = 0;
-    qint64 longest = 0;
     int count = 0;
 
 private:
@@ -43,7 +38,7 @@ private:
 
 TEST_F(OutputPaneTest, LeavesHalfOfTheTimeToOutputThatTakesLongToPaint)
 {
-    pane.resize(1000, 700);
+    pane.resize(700, 490); // longer than a frame, and under a sanitizer less than half of the longest
     // Control characters, letters that no usual font has, and right-to-left words.
     const QString rare = u"\u0001\u07ca\ufffd\u0634\u0633\u0002\u1401\u05d0\u0003"_s;
     run.append(rare.repeated(2000), OutputKind::out);
@@ -53,14 +48,12 @@ TEST_F(OutputPaneTest, LeavesHalfOfTheTimeToOutputThatTakesLongToPaint)
     if (painting.nanoseconds < 16'000'000)
         GTEST_SKIP() << "nothing takes longer than a frame to paint here";
 
-    painting.nanoseconds = painting.longest = painting.count = 0;
+    painting.nanoseconds = painting.count = 0;
     QElapsedTimer timer;
     timer.start();
     while (painting.count < 10) {
         run.append(rare, OutputKind::out);
         QApplication::processEvents();
     }
-    if (painting.longest > 250'000'000)
-        GTEST_SKIP() << "a painting takes longer here than half of the longest frame";
     EXPECT_LE(painting.nanoseconds, timer.nsecsElapsed() * 2 / 3);
 }
