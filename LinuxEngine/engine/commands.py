@@ -97,9 +97,12 @@ def _stop(arguments):
             keeper.stop(machine)
         return 0
     for machine in store.all_machines():
-        with machine.locked():
-            if keeper.stop(machine):
-                store.write(machine.path("resume"), "")
+        try:
+            with machine.locked():
+                if keeper.stop(machine):
+                    store.write(machine.path("resume"), "")
+        except store.MachineMissing:
+            pass  # deleted meanwhile, and stopped with that
     store.mark_engine(running=False)
     return 0
 

@@ -1,6 +1,7 @@
 """The stored machines: one folder each, of which the operating folder's layout is
 
     running                 holds the identity of the host's boot while the engine is started
+    in-use                  locked, shared, by each program that was started with the engine
     machines/NAME/          locked (flock) by whoever changes the machine
         record.json         what `list` shows
         keeper.json         the first process of a started machine; a leftover one names no live process
@@ -32,6 +33,13 @@ NAME_PATTERN = re.compile(r"[A-Za-z0-9][A-Za-z0-9.-]{0,62}")
 
 class EngineError(Exception):
     """A sentence for the user."""
+
+
+class MachineMissing(EngineError):
+    """There is no such machine, or no more."""
+
+    def __init__(self, name):
+        super().__init__(f"[-32602] no machine found: '{name}'")
 
 
 def state_folder():
@@ -138,15 +146,14 @@ class Machine:
     @contextmanager
     def locked(self):
         """Holds the machine against every other change; fails when it was deleted meanwhile."""
-        missing = EngineError(f"[-32602] no machine found: '{self.name}'")
         try:
             descriptor = os.open(self.folder, os.O_RDONLY | os.O_DIRECTORY)
         except OSError:
-            raise missing from None
+            raise MachineMissing(self.name) from None
         try:
             fcntl.flock(descriptor, fcntl.LOCK_EX)
             if not os.path.exists(self.folder) or not os.path.samestat(os.fstat(descriptor), os.stat(self.folder)):
-                raise missing
+                raise MachineMissing(self.name)
             yield
         finally:
             os.close(descriptor)
@@ -155,7 +162,7 @@ class Machine:
 def find(name):
     machine = Machine(name)
     if not NAME_PATTERN.fullmatch(name) or not os.path.isdir(machine.folder):
-        raise EngineError(f"[-32602] no machine found: '{name}'")
+        raise MachineMissing(name)
     return machine
 
 
