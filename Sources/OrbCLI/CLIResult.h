@@ -6,7 +6,7 @@
 #include <cstdio> // stdout and stderr are macros of this header: with it, the two fields have one name everywhere
 #include <optional>
 
-/// The result of one finished tool run. Judge it in this order: launchError, timedOut, stoppedAfter, status.
+/// The result of one finished tool run. Judge it in this order: launchError, stoppedAfter, timedOut, status.
 ///
 ///   end of the tool               status                       timedOut   launchError
 ///   exited                        its exit status              false      none
@@ -25,7 +25,7 @@ struct CLIResult {
     QString stderr;
     bool timedOut = false;
     std::optional<QString> launchError;
-    /// Bytes of one stream, after which the tool was stopped, because its caller had no use for so many.
+    /// Bytes of its output, after which the tool was stopped, because its caller had no use for so many.
     std::optional<std::int64_t> stoppedAfter;
 
     /// Started, within its time, not stopped for printing too much, and with status 0.

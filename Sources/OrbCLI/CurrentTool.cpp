@@ -22,6 +22,10 @@ QCoro::Task<OrbCLI::StreamResult> CurrentTool::stream(QString tool, QStringList 
 void CurrentTool::requestStop()
 {
     m_isStopRequested = true;
-    if (m_handle)
-        m_handle->cancel();
+    if (!m_handle)
+        return;
+    m_handle->cancel();
+    // It has ended, and what it started holds its pipes: that is not waited for once more.
+    if (!m_handle->isRunning())
+        m_handle->closeOutput();
 }

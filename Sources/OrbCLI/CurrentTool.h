@@ -27,7 +27,8 @@ public:
     /// The tool that runs now; null between two steps.
     const ProcessHandlePointer &handle() const { return m_handle; }
 
-    /// Notes that the user wants the operation to stop, and asks the tool that runs now to terminate.
+    /// Notes that the user wants the operation to stop, and asks the tool that runs now to terminate. One that has
+    /// ended already, and is waited for because something that it started holds its pipes, is not waited for any more.
     void requestStop();
     bool isStopRequested() const { return m_isStopRequested; }
 

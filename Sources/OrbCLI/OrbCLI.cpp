@@ -95,7 +95,7 @@ QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::opt
     }
     Continuation<CLIResult> end;
     CollectedOutput output(need);
-    CollectedOutput errorOutput(need);
+    CollectedOutput errorOutput(endOfLog); // which explains, whatever the output is needed for
     ProcessHandlePointer handle;
     const auto onOutput = [&](QUtf8StringView text, bool isError) {
         if ((isError ? errorOutput : output).append(text))
@@ -104,9 +104,8 @@ QCoro::Task<CLIResult> OrbCLI::run(QString tool, QStringList arguments, std::opt
         handle->closeOutput();
     };
     const auto onExit = [&](int status, const ProcessHandlePointer &ended) {
-        const bool isTooMuch = output.isTooMuch() || errorOutput.isTooMuch();
         end.resume({status, output.text(), errorOutput.text(), ended->timedOut(), ended->launchError(),
-                    isTooMuch ? std::optional(need.most) : std::nullopt});
+                    output.isTooMuch() ? std::optional(need.most) : std::nullopt});
     };
     handle = ProcessEngine::instance().launch({.tool = tool,
                                                .arguments = arguments,

@@ -45,9 +45,9 @@ QCoro::Task<StreamResult> streamAsync(QString tool, QStringList arguments, std::
 /// For `run`, by whoever asks the same again and again.
 inline constexpr double pollingGraceTime = 10;
 
-/// Runs `tool` to its end and returns what it printed, as far as it is needed. A tool that ignores its time limit is
-/// left behind after `graceTime`, in seconds; none to wait for it. While four hang that were left behind of the same
-/// tool and arguments, a fifth is not started but counts as timed out. Main thread.
+/// Runs `tool` to its end and returns what it printed: its output as far as it is needed, of its errors the end. A tool
+/// that ignores its time limit is left behind after `graceTime`, in seconds; none to wait for it. While four hang that
+/// were left behind of the same tool and arguments, a fifth is not started but counts as timed out. Main thread.
 QCoro::Task<CLIResult> run(QString tool, QStringList arguments, std::optional<QString> input, double timeLimit,
                            OutputNeed need = wholeList, std::optional<double> graceTime = std::nullopt);
 

@@ -129,6 +129,8 @@ void ProcessEngine::stop()
 
 void ProcessEngine::wake()
 {
+    if (!m_wakePipe)
+        return;
     const char byte = 0;
     // A full pipe wakes the thread as well as one more byte would.
     static_cast<void>(::write(m_wakePipe->writeEnd.number(), &byte, 1) < 0);

@@ -26,6 +26,9 @@ public:
     /// of error output and status -1. Any thread.
     ProcessHandlePointer launch(Launch launch);
 
+    /// Has the background thread look at all children; nothing when there never was one. Any thread.
+    void wake();
+
 private:
     ProcessEngine();
 
@@ -33,7 +36,6 @@ private:
     int startThread();
     static void stopInstance();
     void stop();
-    void wake();
 
     void serveChildren();
     bool takeArrivals();

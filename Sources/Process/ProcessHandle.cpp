@@ -1,6 +1,7 @@
 #include "Process/ProcessHandle.h"
 
 #include "Process/ChildProcess.h"
+#include "Process/ProcessEngine.h"
 
 ProcessHandle::ProcessHandle() : process(std::make_unique<ChildProcess>()) {}
 
@@ -26,6 +27,12 @@ bool ProcessHandle::isRunning() const
 void ProcessHandle::cancel()
 {
     process->terminate();
+}
+
+void ProcessHandle::closeOutput()
+{
+    m_isOutputUnwanted = true;
+    ProcessEngine::instance().wake();
 }
 
 void ProcessHandle::setTimedOut()

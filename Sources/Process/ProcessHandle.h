@@ -35,7 +35,7 @@ public:
 
     /// What the child prints from now on has no use: its pipes are closed, and whoever still prints into them is told
     /// so by the system. What was read before may still be delivered. Any thread.
-    void closeOutput() { m_isOutputUnwanted = true; }
+    void closeOutput();
 
 private:
     friend class ProcessEngine;

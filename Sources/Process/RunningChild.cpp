@@ -144,10 +144,10 @@ qsizetype RunningChild::serve(std::span<const pollfd> entries, QByteArray &block
 void RunningChild::enforceTimeLimit()
 {
     m_deadline = never;
-    if (!m_handle->process->isRunning())
-        return;
-    m_handle->setTimedOut();
-    m_handle->process->terminate();
+    if (m_handle->process->isRunning()) {
+        m_handle->setTimedOut();
+        m_handle->process->terminate();
+    }
     m_lastMoment = momentAfter(m_graceTime);
 }
 
@@ -156,7 +156,7 @@ void RunningChild::leaveBehind()
     m_output = OutputReader();
     m_errorOutput = OutputReader();
     m_input.close();
-    // A child that has exited was only waited for because of a grandchild with its pipes.
+    // A child that has exited was only waited for because somebody else has its pipes, perhaps for ever.
     end(m_isRunning ? -1 : m_handle->process->status());
 }
 

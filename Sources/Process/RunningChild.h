@@ -4,10 +4,11 @@
 //
 //   created ──start fails──▶ (of no further use)
 //      └──start──▶ running ──exited, both pipes closed, end in the queue, input written or refused──▶ finished
-//                     └──asked by its time limit, grace time over──▶ left behind ──exited──▶ finished
+//                     └──time limit and grace time over──▶ left behind ──exited──▶ finished
 //
 // Only a child with a grace time is ever left behind. It is never killed: its pipes are closed, its end is told with
-// status -1, and it is reaped whenever it does exit.
+// status -1, and it is reaped whenever it does exit. One that has exited, while somebody else holds its pipes, is told
+// with its own status then, and with what it had printed.
 
 #include "Process/AwakeClock.h"
 #include "Process/InputWriter.h"

@@ -65,6 +65,9 @@ TEST(CLIResult, TellsWhyItFailedInTheOrderOfItsJudgement)
     EXPECT_EQ(result.failure(u"orb list"_s), u"orb list timed out. Is OrbStack running?"_s);
     result.status = 0;
     EXPECT_EQ(result.failure(u"docker ps"_s), u"docker ps timed out. Is OrbStack running?"_s);
+    result.stoppedAfter = qsizetype{1024} * 1024;
+    EXPECT_EQ(result.failure(u"docker ps"_s), u"docker ps printed more than 1 MiB and was stopped."_s)
+        << "although it did not end in time";
     result.launchError = u"refused"_s;
     EXPECT_EQ(result.failure(u"orb list"_s), u"refused"_s);
 }

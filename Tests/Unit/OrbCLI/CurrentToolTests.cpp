@@ -84,3 +84,13 @@ TEST_F(CurrentToolTest, MayBeDestroyedWhileAToolRuns)
     tools.addFile(u"go"_s);
     EXPECT_EQ(waitFor(std::move(running))->status, 6);
 }
+
+TEST_F(CurrentToolTest, WaitsNoMoreForThePipesOfAToolThatHasEndedWhenAskedToStop)
+{
+    auto running = step(u"{ "_s + tools.waitForFile(u"go"_s) + u"} & exit 3"_s);
+    EXPECT_TRUE(waitUntil([this] { return tool->handle() && !tool->handle()->isRunning(); }));
+    EXPECT_FALSE(running.isReady()) << "somebody holds its pipes";
+    tool->requestStop();
+    EXPECT_EQ(waitFor(std::move(running))->status, 3);
+    tools.addFile(u"go"_s);
+}

@@ -149,6 +149,18 @@ TEST(Run, KeepsAllThatIsJustNotTooMuch)
     EXPECT_EQ(result->stderr, u"error\n"_s);
 }
 
+TEST(Run, KeepsOfTheErrorsTheEndAndLetsTheToolGoOn)
+{
+    TestTools tools;
+    const QString tool = tools.addTool(u"chatty"_s, u"head -c 10000000 /dev/zero | tr '\\0' x >&2; echo list"_s);
+    constexpr OrbCLI::OutputNeed need{1024 * 1024, OrbCLI::OutputNeed::Beyond::stopTool};
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 60, need));
+    ASSERT_TRUE(result);
+    EXPECT_TRUE(result->succeeded());
+    EXPECT_EQ(result->stdout, u"list\n"_s);
+    EXPECT_TRUE(result->stderr.startsWith(u"(only the last 4 MiB are kept)\nxxx"_s));
+}
+
 TEST(Run, KeepsTheEndOfALongLogAndSaysSo)
 {
     TestTools tools;
