@@ -68,7 +68,8 @@ QList<Machine> MachineList::parseMachinesText(const QString &text)
     QList<Machine> machines;
     for (const QString &line : text.split(lineEnds, Qt::SkipEmptyParts)) {
         const QStringList fields = line.split(blanks, Qt::SkipEmptyParts);
-        if (fields.size() < 2 || fields[0].toUpper() == "NAME"_L1)
+        // A heading may be underlined.
+        if (fields.size() < 2 || fields[0].toUpper() == "NAME"_L1 || fields[0].count(u'-') == fields[0].size())
             continue;
         machines.append({fields[0], fields[1], fields.value(2), fields.value(3)});
     }

@@ -30,7 +30,7 @@ MachineStore::MachineStore(MachineTimeLimits limits, DisposableMachines written,
     : QObject(parent),
       m_limits(limits),
       m_written(std::move(written)),
-      m_leftBehind(m_written.leftBehind())
+      m_earlier(m_written.names())
 {
     connect(&m_log, &ToolLog::changed, this, &MachineStore::logChanged);
 }
@@ -75,22 +75,22 @@ QCoro::Task<> MachineStore::refresh()
 void MachineStore::tellLeftBehind()
 {
     // The log is the operation's until its end, after which the list is read again.
-    if (m_busy)
+    if (m_busy || m_earlier.isEmpty())
         return;
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    const auto isSettled = [&](const DisposableMachines::LeftBehind &machine) {
+    // Looked up each time: the program that left them may have been ending still when this one began.
+    for (const DisposableMachines::LeftBehind &machine : m_written.leftBehind()) {
+        if (!m_earlier.contains(machine.name))
+            continue;
         const auto hasThisName = [&](const Machine &listed) { return listed.name == machine.name; };
-        if (std::any_of(m_machines.cbegin(), m_machines.cend(), hasThisName)) {
+        if (std::any_of(m_machines.cbegin(), m_machines.cend(), hasThisName))
             m_log.append(machine.name.toUtf8() + " was left behind by a run that was cut off.\n");
-            return true;
-        }
-        // Its creation may go on all the same.
-        if (Duration::between(machine.writtenDown, now) < m_limits.creation)
-            return false;
-        m_written.strikeOut(machine.name);
-        return true;
-    };
-    m_leftBehind.removeIf(isSettled);
+        else if (Duration::between(machine.writtenDown, now) < m_limits.creation)
+            continue; // its creation may go on all the same
+        else
+            m_written.strikeOut(machine.name);
+        m_earlier.removeOne(machine.name);
+    }
 }
 
 std::optional<QString> MachineStore::orbForOperation() const

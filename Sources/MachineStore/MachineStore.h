@@ -81,8 +81,8 @@ private:
 
     const MachineTimeLimits m_limits;
     const DisposableMachines m_written;
-    /// Neither listed yet nor known to be gone.
-    QList<DisposableMachines::LeftBehind> m_leftBehind;
+    /// Written down before this start, and neither listed yet nor known to be gone.
+    QStringList m_earlier;
     QString m_operation;
     QList<Machine> m_machines;
     ToolLog m_log;

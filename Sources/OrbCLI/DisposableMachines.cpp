@@ -55,18 +55,24 @@ void DisposableMachines::strikeOut(const QString &name) const
         QFile::remove(*m_folder + u'/' + name);
 }
 
+QStringList DisposableMachines::names() const
+{
+    QStringList names;
+    if (m_folder)
+        names = QDir(*m_folder).entryList(QDir::Files, QDir::Name);
+    names.removeIf([](const QString &name) { return !isName(name); });
+    return names;
+}
+
 QList<DisposableMachines::LeftBehind> DisposableMachines::leftBehind() const
 {
     QList<LeftBehind> found;
-    if (!m_folder)
-        return found;
-    for (const QFileInfo &file : QDir(*m_folder).entryInfoList(QDir::Files, QDir::Name)) {
-        if (!isName(file.fileName()))
-            continue;
+    for (const QString &name : names()) {
+        const QFileInfo file(*m_folder, name);
         // Shared, so that of two programs that look at once neither takes the other for the run.
         const FileDescriptor opened(::open(QFile::encodeName(file.filePath()).constData(), O_RDONLY | O_CLOEXEC));
         if (opened.isOpen() && ::flock(opened.number(), LOCK_SH | LOCK_NB) == 0)
-            found.append({file.fileName(), file.lastModified()});
+            found.append({name, file.lastModified()});
     }
     return found;
 }

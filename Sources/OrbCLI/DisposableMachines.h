@@ -13,6 +13,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -29,6 +30,9 @@ public:
 
     /// Strikes a name out; nothing when it is not written down.
     void strikeOut(const QString &name) const;
+
+    /// All names that are written down, in their own order, whether or not their runs go on.
+    QStringList names() const;
 
     struct LeftBehind {
         QString name;

@@ -106,6 +106,23 @@ TEST_F(LeftBehindMachine, IsNoMachineOfARunThatGoesOnElsewhere)
     EXPECT_EQ(next.log(), QString());
 }
 
+TEST_F(LeftBehindMachine, IsToldAsSoonAsTheProgramThatLeftItHasEnded)
+{
+    machines.strikeOut(u"sbx-12ab34"_s);
+    FileDescriptor ending = machines.writeDown(u"sbx-12ab34"_s);
+    MachineStore next({}, machines);
+    addOrb({}, listsIt);
+    EXPECT_TRUE(waitFor(next.refresh()));
+    EXPECT_EQ(next.log(), QString()) << "its run may go on";
+    ending.close();
+    EXPECT_TRUE(machines.writeDown(u"sbx-000001"_s).isOpen());
+    EXPECT_TRUE(waitFor(next.refresh()));
+    EXPECT_EQ(next.log(), told);
+    addOrb({}, u"[{\"name\":\"sbx-12ab34\",\"state\":\"running\"},{\"name\":\"sbx-000001\",\"state\":\"running\"}]"_s);
+    EXPECT_TRUE(waitFor(next.refresh()));
+    EXPECT_EQ(next.log(), told) << "what a run of this very program leaves is for the next start";
+}
+
 TEST_F(MachineStoreTest, NamesTheOperationWhileItGoesOn)
 {
     addOrb(u"exit 1"_s);

@@ -164,6 +164,14 @@ TEST(MachinesInATable, DropTheHeadingEmptyLinesAndLinesOfOneField)
     EXPECT_EQ(fromText("\n \t \n"), Machines());
 }
 
+TEST(MachinesInATable, DropTheLineUnderTheHeading)
+{
+    EXPECT_EQ(fromText("NAME  STATE    DISTRO\n----  -----    ------\nweb   running  ubuntu\n"),
+              Machines({{u"web"_s, u"running"_s, u"ubuntu"_s, QString()}}));
+    EXPECT_EQ(fromText("- running\n-a running"), Machines({{u"-a"_s, u"running"_s, QString(), QString()}}))
+        << "a line of dashes and nothing else";
+}
+
 TEST(MachinesInATable, TakeWhatIsMissingAsEmpty)
 {
     EXPECT_EQ(fromText("a\tstopped"), Machines({{u"a"_s, u"stopped"_s, QString(), QString()}}));
