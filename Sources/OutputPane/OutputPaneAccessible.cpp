@@ -162,9 +162,10 @@ private:
 
     QString read(OutputRange range) const
     {
-        const Position view = pane().positionAt(QPoint(0, 0));
-        const OutputRange handed = OutputPaneAccessible::readable(range, view, mostRead);
-        return store().text(handed.begin, handed.end);
+        // What is in view is looked up only where it matters: the whole is asked for row by row on macOS.
+        if (range.end - range.begin > mostRead)
+            range = OutputPaneAccessible::readable(range, pane().positionAt(QPoint(0, 0)), mostRead);
+        return OutputPaneAccessible::spoken(store().text(range.begin, range.end));
     }
 
     OutputRange unitAt(Position position, QAccessible::TextBoundaryType boundary) const
@@ -219,6 +220,11 @@ OutputRange OutputPaneAccessible::readable(OutputRange range, Position view, Pos
     return {begin, begin + most};
 }
 
+QString OutputPaneAccessible::spoken(QString text)
+{
+    return text.replace(QChar::Null, QChar::ReplacementCharacter);
+}
+
 OutputPaneAccessible::Announcer::Announcer(OutputPane &pane)
     : m_pane(pane),
       m_begin(pane.text().begin()),
@@ -238,7 +244,8 @@ void OutputPaneAccessible::Announcer::announceNow()
     if (QAccessible::isActive() && text.end() > m_end) {
         Position from = std::max({text.begin(), m_end, text.end() - mostAnnounced});
         from = text.positionAtUtf16(text.utf16Offset(from));
-        QAccessibleTextInsertEvent inserted(&m_pane, asOffset(text.utf16Offset(from)), text.text(from, text.end()));
+        QAccessibleTextInsertEvent inserted(&m_pane, asOffset(text.utf16Offset(from)),
+                                            spoken(text.text(from, text.end())));
         QAccessible::updateAccessibility(&inserted);
     }
     m_begin = text.begin();

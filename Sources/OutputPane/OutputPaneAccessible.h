@@ -19,6 +19,9 @@ void install();
 /// around `view`, a position on the screen, as far as the range reaches there. Pure.
 OutputRange readable(OutputRange range, TextView::Position view, TextView::Position most);
 
+/// The text as it can be handed out, of the same length: on Linux a NUL would end it. Pure.
+QString spoken(QString text);
+
 /// Tells assistive technology, if any listens, what changed since it last did: of arriving text at most twice a second,
 /// because it looks at the whole text after each time. Main thread.
 class Announcer

@@ -72,7 +72,8 @@ OutputPaneRows::Position OutputPaneRows::end(const Row &row)
 {
     const Layout &found = layout(row.block);
     const auto next = static_cast<std::size_t>(row.index) + 1;
-    return found.begin + (next < found.starts.size() ? found.starts[next] : found.size);
+    // What stands for a missing block is shorter than the text that it stands for.
+    return next < found.starts.size() ? found.begin + found.starts[next] : m_text.block(row.block).end();
 }
 
 QByteArrayView OutputPaneRows::bytes(const Row &row)

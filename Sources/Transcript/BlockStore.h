@@ -52,8 +52,9 @@ public:
     /// All text before a block, since the first byte ever appended.
     const TextCount &before(Number number) const { return m_entries[number - m_first].before; }
 
-    /// Begins another block; the one before is full: nothing of it changes any more. Throws std::bad_alloc.
-    std::shared_ptr<TextBlock> startBlock(const TextCount &before);
+    /// Begins another block with what has moved there from the end of the one before, which is full: nothing of it
+    /// changes any more. Throws std::bad_alloc.
+    std::shared_ptr<TextBlock> startBlock(const TextCount &before, QByteArrayView moved);
     /// Forgets the blocks before a number. What a pin holds stays readable.
     void dropFront(Number first);
     /// Nothing is packed or filed any more; what is read by pins stays.

@@ -133,9 +133,7 @@ void TextStore::startBlock(QByteArrayView next)
         m_last->size -= static_cast<std::int32_t>(moved.size());
         kinds = takeKinds(*m_last, m_last->size);
     }
-    m_last = m_blocks->startBlock(m_end - TextCount::of(moved));
-    std::copy(moved.begin(), moved.end(), m_last->memory.data());
-    m_last->size = static_cast<std::int32_t>(moved.size());
+    m_last = m_blocks->startBlock(m_end - TextCount::of(moved), moved);
     m_last->kinds = std::move(kinds);
     markKind();
 }
@@ -164,8 +162,10 @@ TextCount TextStore::before(Position position, BlockNumber number) const
 {
     if (position >= end())
         return m_end;
-    const TextBlock &block = read(number);
     const Position inside = position - before(number).bytes;
+    if (inside == 0)
+        return before(number); // the block may be on a slow disk
+    const TextBlock &block = read(number);
     if (block.isMissing)
         return before(number) + TextCount{inside, inside, 0};
     return before(number) + TextCount::of(block.text().first(inside));

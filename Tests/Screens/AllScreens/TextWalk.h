@@ -4,6 +4,7 @@
 // of a text from outside has to be that text, letter by letter: nothing of it read as markup, as a mnemonic or as a
 // mark of the toolkit's own; and no widget may stand out of its window because of it.
 
+#include "OutputPane/OutputPaneAccessible.h"
 #include "Screens/ByName.h"
 #include "Text/VisibleText.h"
 
@@ -41,13 +42,14 @@ inline QString comparable(const QString &text)
     return result;
 }
 
-/// Whether the beginning of `text` stands in `shown`, as it is or as it is written in one line. No place cuts it
-/// sooner.
+/// Whether the beginning of `text` stands in `shown`, as it is, as it is written in one line, or as output is handed
+/// out. No place cuts it sooner.
 inline bool holds(const QString &shown, const QString &text)
 {
     const QString beginning = text.left(80);
     const QString all = comparable(shown);
-    return all.contains(comparable(beginning)) || all.contains(comparable(VisibleText::oneLine(beginning)));
+    return all.contains(comparable(beginning)) || all.contains(comparable(VisibleText::oneLine(beginning))) ||
+           all.contains(comparable(OutputPaneAccessible::spoken(beginning)));
 }
 
 inline QStringList textsOf(QWidget &widget)

@@ -183,3 +183,10 @@ TEST_F(OutputPaneTest, IsReadByTheRowAndByTheWholeLineWhereItWraps)
     EXPECT_EQ(precedingAt(1, QAccessible::CharBoundary), (Unit{0, 1, u"o"_s}));
     EXPECT_EQ(followingAt(310, QAccessible::CharBoundary), (Unit{311, 312, u"d"_s}));
 }
+
+TEST_F(OutputPaneTest, HandsOutTextBehindANulToAssistiveTechnology)
+{
+    run.append(QString(u"a\0b\n"_s), OutputKind::out);
+    EXPECT_EQ(run.plainText().size(), 4);
+    EXPECT_EQ(wholeAccessibleText(), u"a\ufffdb\n"_s) << "of the same length, for the offsets";
+}

@@ -1,6 +1,7 @@
 #include "OutputPane/OutputPaneRows.h"
 
 #include "OutputPane/OutputPaneRow.h"
+#include "Support/Waiting.h"
 #include "Unit/Transcript/RandomText.h"
 #include "Unit/Transcript/ViewedText.h"
 
@@ -179,4 +180,30 @@ TEST(OutputPaneRows, AreEstimatedToBeNeverFewerFurtherDownAndFoundAgain)
         EXPECT_EQ(rows.atEstimate(0).row, rows.first());
         EXPECT_EQ(rows.atEstimate(rows.estimateBefore({rows.last(), 1})).row, rows.last());
     }
+}
+
+TEST(OutputPaneRows, EndWhereAMissingBlockEnds)
+{
+    TextStorage storage;
+    storage.plainBlocks = 4;
+    storage.packedBytes = TextStorage::mebibyte;
+    storage.folder = "/nowhere";
+    ViewedText text(storage);
+    RandomText random(7);
+    QByteArray noise(TextStorage::mebibyte, Qt::Uninitialized);
+    for (int pieces = 0; pieces < 8; ++pieces) {
+        for (char &byte : noise)
+            byte = static_cast<char>(' ' + random.below(64));
+        noise[noise.size() - 1] = '\n';
+        text.append(noise);
+    }
+    ASSERT_TRUE(waitUntil([&] { return text.bytes(0).endsWith(" bytes of the output are missing here.\n"); }));
+    OutputPaneRows rows(text);
+    rows.setColumns(80);
+    OutputPaneRows::Row row = rows.at(1000);
+    EXPECT_EQ(row.block, 0);
+    EXPECT_EQ(rows.end(row), text.block(0).end());
+    EXPECT_LT(rows.bytes(row).size(), 80) << "one sentence";
+    ASSERT_TRUE(rows.next(row));
+    EXPECT_EQ(rows.begin(row), text.block(0).end());
 }

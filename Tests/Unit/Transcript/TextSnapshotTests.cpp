@@ -156,3 +156,26 @@ TEST_F(TextSnapshotTest, MovesWithAllThatItHolds)
     EXPECT_TRUE(waitUntil([&] { return openFiles().isEmpty(); })) << "nobody holds anything";
 #endif
 }
+
+TEST_F(TextSnapshotTest, ReadsTheUnfinishedLineOnAnotherThreadWhileItMoves)
+{
+    for (int round = 0; round < 100; ++round) {
+        ViewedText text(storage());
+        const QByteArray full = lines(TextStore::blockCapacity - 10'000);
+        const QByteArray open(9'000, 'o');
+        text.append(full + '\n' + open);
+        TextSnapshot snapshot = text.snapshot();
+        const QByteArray expected = full + '\n' + open;
+        std::atomic<bool> isOver = false;
+        std::atomic<int> differences = 0;
+        std::thread reader([snapshot = std::move(snapshot), &expected, &isOver, &differences] {
+            do
+                differences += forwards(snapshot) == expected ? 0 : 1;
+            while (!isOver);
+        });
+        text.append(QByteArray(3'000, 'p') + '\n');
+        isOver = true;
+        reader.join();
+        EXPECT_EQ(differences, 0) << round;
+    }
+}
