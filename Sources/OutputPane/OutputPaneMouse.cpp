@@ -49,6 +49,7 @@ void OutputPaneMouse::begin(QPoint point, Unit unit, bool extends)
     m_cursor.forgetColumn();
     m_unit = unit;
     m_dragPoint = point;
+    m_stoodAtEnd = m_view.isAtEnd();
     if (unit != Unit::character)
         m_cursor.hold(unitAt(point));
     else if (extends)
@@ -95,6 +96,7 @@ void OutputPaneMouse::timerEvent(QTimerEvent *event)
     if (!isHeld())
         return;
     const int y = m_dragPoint.y();
+    m_stoodAtEnd = false;
     m_view.scrollBy(y < 0 ? y : y - m_view.height() + 1);
     Q_EMIT scrolled();
     dragTo(m_dragPoint);
@@ -117,7 +119,11 @@ void OutputPaneMouse::endDrag()
 {
     m_unit = Unit::none;
     m_autoScroll.stop();
-    m_view.letGo();
+    // A click that selects nothing is no wish to stay, however much has come since the button went down.
+    if (m_stoodAtEnd && m_cursor.isEmpty())
+        m_view.scrollToEnd();
+    else
+        m_view.letGo();
     Q_EMIT ended();
 }
 

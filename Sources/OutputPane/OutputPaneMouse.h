@@ -59,6 +59,8 @@ private:
     OutputPaneCursor &m_cursor;
     Unit m_unit = Unit::none;
     QPoint m_dragPoint;
+    /// The text's end was in view when the drag began, and the drag has not scrolled away from it.
+    bool m_stoodAtEnd = false;
     QBasicTimer m_autoScroll;
     QElapsedTimer m_sinceDoubleClick;
     QPoint m_doubleClickPoint;

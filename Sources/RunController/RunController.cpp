@@ -140,11 +140,11 @@ bool RunController::event(QEvent *event)
 
 void RunController::takeLoss()
 {
-    const Transcript::Position begin = m_transcript.begin();
+    const Transcript::Position begin = m_transcript.record().begin();
     m_transcript.dropLost();
     const QString loss = m_transcript.loss();
     // A little more of much is the same sentence, but another front.
-    if (loss == m_outputLoss && begin != m_transcript.begin())
+    if (loss == m_outputLoss && begin != m_transcript.record().begin())
         Q_EMIT outputLossChanged();
     m_outputLoss = loss;
 }

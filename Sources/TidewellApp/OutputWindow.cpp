@@ -1,6 +1,7 @@
 #include "TidewellApp/OutputWindow.h"
 
 #include "Find/FindablePane.h"
+#include "Look/Colours.h"
 #include "Look/Controls.h"
 #include "Look/PlainLabel.h"
 #include "Look/Typography.h"
@@ -54,6 +55,14 @@ OutputWindow::OutputWindow(RunController &run, const QList<QAction *> &actions)
     layout->setContentsMargins(12, 12, 12, 12);
     layout->setSpacing(6);
     layout->addLayout(header);
+    auto *loss = new PlainLabel(QString(), Typography::caption(), Colours::secondary, PlainLabel::Fit::wrap, this);
+    const auto showLoss = [loss, &run] {
+        loss->setText(run.outputLoss());
+        loss->setVisible(!run.outputLoss().isEmpty());
+    };
+    connect(&run, &RunController::outputLossChanged, loss, showLoss);
+    showLoss();
+    layout->addWidget(loss);
     layout->addWidget(new FindablePane(m_pane, run, this), 1);
     m_pane->setFocus();
     WindowPlace::restore(*this, placeKey, {900, 640});

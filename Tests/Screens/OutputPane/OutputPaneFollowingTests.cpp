@@ -75,6 +75,13 @@ TEST_F(OutputPaneFollowingTest, GoesWithTheEndWhileTheReaderIsThere)
     QTest::mouseClick(reader.viewport(), Qt::LeftButton, {}, {20, 20});
     appendAndShow(100);
     EXPECT_TRUE(endShows()) << "a click selects nothing";
+    QTest::mousePress(reader.viewport(), Qt::LeftButton, {}, {20, 20});
+    appendAndShow(100);
+    EXPECT_FALSE(endShows()) << "nothing moves while the button is held";
+    QTest::mouseRelease(reader.viewport(), Qt::LeftButton, {}, {20, 20});
+    EXPECT_TRUE(waitUntil([this] { return endShows(); })) << "nor does a click while more arrives";
+    appendAndShow(100);
+    EXPECT_TRUE(endShows());
 }
 
 TEST_F(OutputPaneFollowingTest, KeepsThePlaceOfWhoHasScrolledUpHoweverMuchArrives)

@@ -10,6 +10,7 @@
 #include "Screens/Places.h"
 #include "Screens/TestWindow.h"
 #include "TidewellApp/MainWindow.h"
+#include "Unit/Transcript/RandomText.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -243,4 +244,30 @@ TEST_F(OutputWindowTest, LeavesTheKeyboardWhereItIsWhenTheEndComesIntoView)
     pane(output).jumpToEnd();
     EXPECT_FALSE(ByName::shows(output, u"Jump to End"_s));
     EXPECT_EQ(output.focusWidget(), field);
+}
+
+TEST(OutputWindow, SaysHowMuchOfTheOutputCouldNotBeKept)
+{
+    TextStorage storage;
+    storage.plainBlocks = 4;
+    storage.packedBytes = TextStorage::mebibyte;
+    storage.folder = "/nowhere";
+    TestWindow tools(true, {}, storage);
+    OutputWindow window(tools.run, {});
+    window.setAttribute(Qt::WA_DeleteOnClose, false);
+    window.show();
+    RandomText random(5);
+    QByteArray noise(8'000'000, Qt::Uninitialized);
+    for (char &byte : noise)
+        byte = static_cast<char>(' ' + random.below(64));
+    tools.run.append(QUtf8StringView(noise), OutputKind::out);
+    EXPECT_TRUE(waitUntil([&] { return !tools.run.outputLoss().isEmpty(); }));
+    EXPECT_TRUE(ByName::shows(window, tools.run.outputLoss()));
+    OutputWindow later(tools.run, {});
+    later.setAttribute(Qt::WA_DeleteOnClose, false);
+    later.show();
+    const QString told = tools.run.outputLoss();
+    EXPECT_TRUE(ByName::shows(later, told));
+    tools.run.clearTranscript();
+    EXPECT_FALSE(ByName::shows(later, told));
 }
