@@ -7,6 +7,8 @@ ButtonAction::ButtonAction(const QString &text, const QList<QKeySequence> &short
 {
     setShortcuts(shortcuts);
     setEnabled(false);
+    // Whoever holds the keys means it once, also where the button comes back meanwhile.
+    setAutoRepeat(false);
     connect(this, &QAction::triggered, this, [this] {
         if (m_button != nullptr)
             m_button->click();

@@ -8,7 +8,7 @@
 // all of it. Of two quick clicks the second does not reach the row that the first has moved under the pointer. Tab
 // moves through the buttons row by row; the arrow keys, Page Up and Down, Home and End move from row to row.
 
-#include "Look/Rows/ClickGuard.h"
+#include "Look/ClickGuard.h"
 #include "Look/Rows/RowIdentities.h"
 #include "Look/Rows/RowWidget.h"
 

@@ -36,6 +36,7 @@ void addViewMenu(QMainWindow &window, ContentView &content)
     view->addSeparator();
     QAction *refresh = view->addAction(u"Re&fresh"_s, &content, &ContentView::refresh);
     refresh->setShortcut(Qt::CTRL | Qt::Key_R);
+    refresh->setAutoRepeat(false); // each asks three tools
 }
 
 void addRunMenu(MainWindow &window)

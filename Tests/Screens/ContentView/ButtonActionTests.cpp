@@ -58,3 +58,8 @@ TEST(ButtonAction, PressesTheButtonThatItWasGivenLast)
     EXPECT_FALSE(action.isEnabled());
     action.trigger();
 }
+
+TEST(ButtonAction, IsNotTriggeredAgainByKeysThatAreHeld)
+{
+    EXPECT_FALSE(ButtonAction(u"&Do"_s, {Qt::CTRL | Qt::Key_Return}, nullptr).autoRepeat());
+}

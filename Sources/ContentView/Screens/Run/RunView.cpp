@@ -18,6 +18,8 @@
 #include "SetupController/SetupController.h"
 
 #include <QHBoxLayout>
+#include <QMouseEvent>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -168,6 +170,8 @@ QLayout *RunView::makeRunRow(const RunActions &actions)
     actions.stop->setButton(m_status->stopButton());
     m_startHint = caption(u"Start OrbStack to run commands."_s, Colours::secondary, this);
     connect(m_run, &QPushButton::clicked, this, &RunView::start);
+    for (QAbstractButton *button : std::initializer_list<QAbstractButton *>{m_run, m_status->stopButton()})
+        button->installEventFilter(this);
 
     auto *row = new QHBoxLayout;
     row->setSpacing(controlSpacing);
@@ -226,12 +230,25 @@ void RunView::showFields()
         m_packages->setFocus(Qt::OtherFocusReason);
     m_install->setEnabled(canInstall);
     m_run->setEnabled(canRun());
+    if (m_run->isHidden() != isRunning)
+        m_guard.placeChanged();
     m_run->setVisible(!isRunning);
     m_status->setVisible(isRunning);
     m_startHint->setVisible(!orbRuns);
     // Run and Stop take each other's place, also for the keyboard.
     if (handsOnFocus)
         (isRunning ? static_cast<QWidget *>(m_status) : m_run)->setFocus();
+}
+
+bool RunView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) {
+        const QPoint place = static_cast<QMouseEvent *>(event)->globalPosition().toPoint();
+        if (m_guard.refuses(place))
+            return true;
+        m_guard.setPlace(place);
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void RunView::start()

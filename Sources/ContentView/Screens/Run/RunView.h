@@ -6,6 +6,7 @@
 // limit, packages) lives as long as the screen.
 
 #include "ContentView/Controllers.h"
+#include "Look/ClickGuard.h"
 #include "MachineStore/Machine.h"
 
 #include <QWidget>
@@ -41,6 +42,10 @@ public:
     /// OrbStack runs, there is a script, and there is a machine to run it in or disposable mode is on.
     bool canRun() const;
 
+protected:
+    /// Of what comes to Run and Stop.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     QLayout *makeMachineSection();
     QLayout *makeFolderSection();
@@ -71,5 +76,8 @@ private:
     QPushButton *m_install = nullptr;
     QPushButton *m_run = nullptr;
     RunStatus *m_status = nullptr;
+    /// Run and Stop lie in one place, so that the second of two quick clicks would undo, or do again, what the first
+    /// did.
+    ClickGuard m_guard;
     PlainLabel *m_startHint = nullptr;
 };

@@ -16,6 +16,6 @@ TEST(RunStatus, CountsTheSecondsExactlyAndOnlyWhileARunGoes)
     window.run.stop();
     ASSERT_TRUE(waitUntil([&] { return !window.run.isRunning(); }));
     EXPECT_FALSE(seconds.timer()->isActive());
-    press(content, u"Run"_s);
+    find<QPushButton>(content, u"Run"_s)->click(); // by the keyboard, as it were: two quick clicks are one wish
     EXPECT_TRUE(shows(content, u"0s"_s)) << "from the start again";
 }

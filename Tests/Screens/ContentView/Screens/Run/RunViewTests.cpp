@@ -294,3 +294,39 @@ TEST(RunView, IsNoWiderForTellingOfEarlierOutput)
     content.resize(content.minimumSize());
     EXPECT_TRUE(waitUntil([&] { return label->width() >= label->sizeHint().width(); })) << "and has room in it";
 }
+
+TEST(RunView, DoesNotTakeTheSecondOfTwoQuickClicksForAnotherWish)
+{
+    TestWindow window;
+    ContentView &content = window.showRunning({u"box"_s});
+    window.run.setScript(window.orbStack.tools().waitForFile(u"go"_s));
+    const auto *runButton = find<QPushButton>(content, u"Run"_s);
+    const QPoint place = runButton->mapToGlobal(QPoint(10, runButton->height() / 2));
+    const auto pressHere = [&](QEvent::Type type) {
+        QWidget *under = content.childAt(content.mapFromGlobal(place));
+        ASSERT_NE(under, nullptr);
+        for (const QEvent::Type part : {type, QEvent::MouseButtonRelease}) {
+            QMouseEvent event(part, under->mapFromGlobal(place), place, Qt::LeftButton,
+                              part == type ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+            QApplication::sendEvent(under, &event);
+        }
+    };
+    pressHere(QEvent::MouseButtonPress);
+    ASSERT_TRUE(window.run.isRunning());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    auto *stop = find<QPushButton>(content, u"Stop"_s, u"Stop the run"_s);
+    ASSERT_EQ(content.childAt(content.mapFromGlobal(place)), stop) << "it lies where Run was";
+    pressHere(QEvent::MouseButtonDblClick);
+    window.orbStack.tools().addFile(u"go"_s);
+    EXPECT_TRUE(waitUntil([&] { return !window.run.isRunning(); }));
+    EXPECT_FALSE(window.run.plainText().contains(u"Stopped by user."_s));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    pressHere(QEvent::MouseButtonPress);
+    EXPECT_FALSE(window.run.isRunning()) << "nor is the script run again when Run comes back";
+    EXPECT_EQ(window.history.entries().size(), 1);
+    EXPECT_TRUE(waitUntil([&] {
+        pressHere(QEvent::MouseButtonPress);
+        return window.run.isRunning() || window.history.entries().size() == 2;
+    })) << "after a moment it is";
+    EXPECT_TRUE(waitUntil([&] { return !window.run.isRunning(); }));
+}

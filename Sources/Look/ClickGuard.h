@@ -1,6 +1,6 @@
 #pragma once
 
-// Keeps the second of two quick clicks from a row that has just moved under the resting pointer.
+// Keeps the second of two quick clicks from what has just come under the resting pointer.
 
 #include <QApplication>
 #include <QElapsedTimer>
