@@ -41,10 +41,13 @@ int main(int argumentCount, char *arguments[])
 #endif
     TidewellApp tidewell;
     QObject::connect(&*instance, &FirstInstance::startedAgain, &tidewell.window(), &MainWindow::comeForward);
+    // Who starts it again from here on gets a window, though this one may still have a run to end and its history to
+    // save.
+    const auto makeWay = [&instance] { instance.reset(); };
+    QObject::connect(&tidewell.terminationSignals(), &TerminationSignals::received, &tidewell.window(), makeWay);
     tidewell.window().show();
     const int status = QApplication::exec();
-    // Who starts it again from here on gets a window, though this one may still have its history to save.
-    instance.reset();
+    makeWay();
     // Assistive technology that still asks while the windows go has hung and crashed programs on macOS.
     QAccessible::cleanup();
     return status;

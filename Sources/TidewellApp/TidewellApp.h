@@ -30,6 +30,7 @@ public:
 
     Controllers controllers();
     MainWindow &window() { return *m_window; }
+    const TerminationSignals &terminationSignals() const { return m_terminationSignals; }
 
 private:
     const IgnoredSignals m_ignoredSignals;

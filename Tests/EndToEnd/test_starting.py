@@ -60,11 +60,32 @@ class StartingAgain(WindowCase):
         tidewell.press("Delete", "Delete true")
         tidewell.wait_for("No runs yet.")
         tidewell.close_window()
+        tidewell.wait_for("The history could not be saved.")
+        tidewell.press_in_alert("Quit anyway")
         wait_until(lambda: self.is_read_by_nobody(os.path.join(folder, "running")), "whoever starts now is the first")
         self.addCleanup(tidewell.process.send_signal, signal.SIGCONT)
         tidewell.process.send_signal(signal.SIGSTOP)
         self.assertIsNone(tidewell.process.poll())
         self.desktop.wait_for_focus(self.start_again(tidewell).pid)
+
+    def test_a_start_while_a_signal_ends_the_first_one_has_a_window(self):
+        tidewell = self.start_running()
+        tidewell.write_script("sleep 1000")
+        tidewell.turn_on_disposable_mode()
+        tidewell.press("Run")
+        wait_until(lambda: "running" in tidewell.machines().values(), "the disposable machine")
+        (name,) = tidewell.machines()
+        machine = os.open(os.path.join(tidewell.environment["TIDEWELL_ENGINE_STATE"], "machines", name), os.O_RDONLY)
+        fcntl.flock(machine, fcntl.LOCK_EX)  # it cannot be deleted meanwhile
+        tidewell.process.send_signal(signal.SIGTERM)
+        pipe = tidewell.path("home", "data", "Tidewell", "running")
+        wait_until(lambda: self.is_read_by_nobody(pipe), "whoever starts now is the first")
+        self.assertFalse(os.path.exists(tidewell.path("home", "data", "Tidewell", "history.json")), "its run goes on")
+        second = self.start_again(tidewell)
+        self.desktop.wait_for_focus(second.pid)
+        os.close(machine)
+        self.assertEqual(tidewell.wait_for_end(), 0)
+        self.assertIsNone(second.poll())
 
     def test_another_home_has_a_window_of_its_own(self):
         tidewell = self.start_running()

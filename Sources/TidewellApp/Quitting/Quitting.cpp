@@ -1,6 +1,7 @@
 #include "TidewellApp/Quitting/Quitting.h"
 
 #include "ContainerStore/ContainerStore.h"
+#include "HistoryStore/HistoryStore.h"
 #include "Look/Alert.h"
 #include "MachineStore/MachineStore.h"
 #include "RunController/RunController.h"
@@ -31,6 +32,7 @@ Quitting::Quitting(const Controllers &controllers, QWidget &window, OutputSaving
       m_times(times)
 {
     m_patience.setSingleShot(true);
+    m_patience.setTimerType(Qt::PreciseTimer);
     connect(&m_patience, &QTimer::timeout, this, &Quitting::losePatience);
     // Queued: what has ended has still to return from its last step.
     connect(&controllers.run, &RunController::isRunningChanged, this, &Quitting::goOn, Qt::QueuedConnection);
@@ -61,7 +63,7 @@ bool Quitting::mayQuit()
     if ((hasRunEnded || m_awaited == Awaited::machineGone) && !m_asksNoMore)
         return false;
     if (!isSomethingGoingOn())
-        return true;
+        return m_asksNoMore || isHistorySaved();
     if (m_asksNoMore || (m_question && m_question->isVisible()))
         return false;
     if (m_controllers.run.isRunning())
@@ -70,6 +72,23 @@ bool Quitting::mayQuit()
         askAboutOperation();
     else
         awaitSaving();
+    return false;
+}
+
+/// Tries once more; asks where that fails again, for what is in memory alone ends with it.
+bool Quitting::isHistorySaved()
+{
+    HistoryStore &history = m_controllers.history;
+    if (history.saveError())
+        history.save();
+    const std::optional<QString> reason = history.saveError();
+    if (!reason)
+        return true;
+    if (!m_question || !m_question->isVisible())
+        askWhetherToQuitAnyway(u"The history could not be saved."_s,
+                               VisibleText::oneLine(VisibleText::elidedMiddle(*reason, longestSentence)) +
+                                   u". Quitting now loses what the file does not hold."_s,
+                               [this] { quitAnyway(); });
     return false;
 }
 

@@ -14,6 +14,7 @@
 //            └──the wish again──▶ asks: "Quit anyway", "Keep open"
 //   output is being saved:    shows how far it has come ──saved────────────────▶ ends
 //                                                    └──failed or cancelled──▶ goes on
+//   the history is not saved: tries once more ──failed──▶ asks: "Quit anyway", "Keep open"
 //   without a question:       stops what can be stopped ──all over, or ten seconds──▶ ends
 
 #include "ContentView/Controllers.h"
@@ -62,6 +63,7 @@ private:
 
     /// What goes on beside a run, as a sentence; empty when nothing does.
     QString operation() const;
+    bool isHistorySaved();
     void askAboutRun();
     void askAboutOperation();
     void awaitSaving();

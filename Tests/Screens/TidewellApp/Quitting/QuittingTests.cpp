@@ -1,6 +1,7 @@
 #include "QuittingTest.h"
 #include "Screens/TimerWatch.h"
 
+#include <QDir>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -253,4 +254,32 @@ TEST_F(QuittingTest, LeavesARunThatDoesNotEndWhenToldToAndBeginsItsDeletion)
     EXPECT_EQ(history.entries().first().note, u"stopped"_s);
     EXPECT_TRUE(waitUntil([this] { return hasBegunToDelete(); }));
     tools().addFile(u"go"_s);
+}
+
+TEST_F(QuittingTest, AsksWhereTheHistoryCannotBeSaved)
+{
+    const QString path = *history.fileURL();
+    ASSERT_TRUE(QDir().mkpath(path)); // a folder in the file's place
+    HistoryEntry entry;
+    entry.id = QUuid::createUuid();
+    history.add(entry);
+    ASSERT_TRUE(history.saveError());
+    const auto title = u"The history could not be saved."_s;
+    EXPECT_FALSE(quit());
+    ASSERT_NE(asked(title), nullptr);
+    EXPECT_EQ(guarded.question()->informativeText(),
+              u"what has its name is not a file. Quitting now loses what the file does not hold."_s);
+    EXPECT_FALSE(quit()) << "asked already";
+    press(u"Keep open"_s);
+    EXPECT_TRUE(waitUntil([this] { return guarded.question() == nullptr; }));
+
+    EXPECT_FALSE(quit());
+    ASSERT_NE(asked(title), nullptr);
+    QTimer::singleShot(0, qApp, [this] { press(u"Quit anyway"_s); });
+    EXPECT_EQ(QApplication::exec(), 0);
+
+    ASSERT_TRUE(QDir().rmdir(path));
+    EXPECT_TRUE(quit()) << "it is tried once more";
+    EXPECT_FALSE(history.saveError());
+    EXPECT_TRUE(QFileInfo(path).isFile());
 }
