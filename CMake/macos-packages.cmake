@@ -30,7 +30,8 @@ macro(find_stub METHOD PACKAGE)
       message(FATAL_ERROR "On a Mac Qt has to be 6.6 or later, and the project asks for ${ARGV2}")
     endif()
     stub(Qt6::Core QtCore HEADERS qt6 qt6/QtCore DEFINES QT_CORE_LIB)
-    stub(Qt6::Gui QtGui HEADERS qt6/QtGui USES Qt6::Core DEFINES QT_GUI_LIB)
+    # The system's headers of OpenGL are not at hand.
+    stub(Qt6::Gui QtGui HEADERS qt6/QtGui USES Qt6::Core DEFINES QT_GUI_LIB QT_NO_OPENGL)
     stub(Qt6::Widgets QtWidgets HEADERS qt6/QtWidgets USES Qt6::Gui DEFINES QT_WIDGETS_LIB)
     stub(Qt6::Test QtTest HEADERS qt6/QtTest USES Qt6::Core DEFINES QT_TESTLIB_LIB)
     if(NOT TARGET Qt6::moc)
@@ -80,15 +81,17 @@ function(qt_add_resources TARGET NAME)
 endfunction()
 
 # Most of the compiler's time would go to the same headers again and again. Only Qt's are taken together: what a file
-# forgets to include of the C++ library, and another system's brings along, must come to light here.
+# forgets to include of the C++ library, and another system's brings along, must come to light here. The tests have
+# headers of their own that are precompiled, on a Mac as well.
 function(precompile_headers)
   foreach(FOLDER Sources Tests)
     get_property(TARGETS DIRECTORY ${CMAKE_SOURCE_DIR}/${FOLDER} PROPERTY BUILDSYSTEM_TARGETS)
     foreach(TARGET ${TARGETS})
       get_target_property(TYPE ${TARGET} TYPE)
+      get_target_property(OWN ${TARGET} PRECOMPILE_HEADERS)
       if("${TARGET}" STREQUAL "Text")
         target_precompile_headers(${TARGET} PRIVATE <QObject>)
-      elseif(NOT TYPE STREQUAL "UTILITY")
+      elseif(NOT TYPE STREQUAL "UTILITY" AND NOT OWN)
         target_precompile_headers(${TARGET} REUSE_FROM Text)
       endif()
     endforeach()
