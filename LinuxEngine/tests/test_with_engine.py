@@ -11,17 +11,24 @@ from harness.engine_case import ORB, EngineCase, main
 WITH_ENGINE = os.path.join(os.path.dirname(ORB), "with-engine")
 # Tells that it is there, then waits until its standard input ends.
 WAITING = "echo ready; cat >/dev/null"
+SIGNALS = (signal.SIGTERM, signal.SIGINT, signal.SIGHUP)
 
 
 class Programs(EngineCase):
     def start(self, script):
         process = subprocess.Popen([WITH_ENGINE, "sh", "-c", script], env=self.environment, stdin=subprocess.PIPE,
-                                   stdout=subprocess.PIPE, text=True)  # fmt: skip
+                                   stdout=subprocess.PIPE, text=True, preexec_fn=self.heed_signals)  # fmt: skip
         self.addCleanup(process.stdout.close)
         self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
         self.addCleanup(process.stdin.close)
         self.assertEqual(process.stdout.readline(), "ready\n")
         return process
+
+    def heed_signals(self):
+        """Whoever started the tests may have left them ignored."""
+        for number in SIGNALS:
+            signal.signal(number, signal.SIG_DFL)
 
     def end(self, process):
         process.stdin.close()
@@ -49,8 +56,8 @@ class Programs(EngineCase):
         self.assertEqual(self.states(), {"box": "stopped"})
 
     def test_a_signal_reaches_the_program_which_ends_as_it_likes(self):
-        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
-            script = f"trap 'echo told; kill $!; exit 5' {int(number)}; sleep 1000 & echo ready; wait; wait"
+        for number in SIGNALS:
+            script = f"trap 'echo told; kill $!; exit 5' {int(number)}; sleep 100 & echo ready; wait; wait"
             program = self.start(script)
             self.create(f"box{int(number)}")
             program.send_signal(number)
