@@ -16,7 +16,7 @@ QuitGuard::QuitGuard(const Controllers &controllers, QWidget &window, OutputSavi
     connect(
         qApp, &QGuiApplication::commitDataRequest, this,
         [this](QSessionManager &manager) {
-            if (!m_quitting.isSomethingGoingOn() || !manager.allowsInteraction())
+            if (!m_quitting.wouldLoseSomething() || !manager.allowsInteraction())
                 return;
             // The end of the session is given up in favour of the question.
             manager.cancel();

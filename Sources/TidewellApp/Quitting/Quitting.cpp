@@ -56,6 +56,11 @@ bool Quitting::isSomethingGoingOn() const
     return m_controllers.run.isRunning() || !operation().isEmpty() || m_saving.isSaving();
 }
 
+bool Quitting::wouldLoseSomething() const
+{
+    return isSomethingGoingOn() || m_controllers.history.saveError();
+}
+
 bool Quitting::mayQuit()
 {
     // Whether it must be told that a machine stays is known in a moment.
@@ -87,7 +92,7 @@ bool Quitting::isHistorySaved()
     if (!m_question || !m_question->isVisible())
         askWhetherToQuitAnyway(u"The history could not be saved."_s,
                                VisibleText::oneLine(VisibleText::elidedMiddle(*reason, longestSentence)) +
-                                   u". Quitting now loses what the file does not hold."_s,
+                                   u". Quitting now leaves its file as it is."_s,
                                [this] { quitAnyway(); });
     return false;
 }

@@ -50,8 +50,8 @@ public:
     /// quits by itself when the answer allows it.
     bool mayQuit();
 
-    /// Whether something goes on that would be lost.
-    bool isSomethingGoingOn() const;
+    /// Whether there is something to ask about.
+    bool wouldLoseSomething() const;
 
     /// Ends the application soon, whatever goes on. What has not ended by then is abandoned.
     void quitWithoutQuestion();
@@ -61,6 +61,7 @@ public:
 private:
     enum class Awaited { nothing, run, machineGone, operations, saving };
 
+    bool isSomethingGoingOn() const;
     /// What goes on beside a run, as a sentence; empty when nothing does.
     QString operation() const;
     bool isHistorySaved();

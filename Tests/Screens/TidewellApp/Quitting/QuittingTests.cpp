@@ -268,7 +268,7 @@ TEST_F(QuittingTest, AsksWhereTheHistoryCannotBeSaved)
     EXPECT_FALSE(quit());
     ASSERT_NE(asked(title), nullptr);
     EXPECT_EQ(guarded.question()->informativeText(),
-              u"what has its name is not a file. Quitting now loses what the file does not hold."_s);
+              u"what has its name is not a file. Quitting now leaves its file as it is."_s);
     EXPECT_FALSE(quit()) << "asked already";
     press(u"Keep open"_s);
     EXPECT_TRUE(waitUntil([this] { return guarded.question() == nullptr; }));
