@@ -24,8 +24,8 @@ void CurrentTool::requestStop()
     m_isStopRequested = true;
     if (!m_handle)
         return;
-    m_handle->cancel();
-    // It has ended, and what it started holds its pipes: that is not waited for once more.
-    if (!m_handle->isRunning())
-        m_handle->closeOutput();
+    if (m_handle->isRunning())
+        m_handle->cancel();
+    else
+        m_handle->waitNoLonger();
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 // The names of the machines that runs make for themselves, written down before such a machine is made and struck out
-// once it is gone. A name that is found at a start is of a run that was cut off: the program was killed, or the
-// computer switched off.
+// once it is gone. A name that is found at a start is of a run that was cut off, by a kill, say, or with the computer's
+// power; or of one that goes on, or is just being ended, in another program.
 //
 // Each name is an empty file of its own, locked as long as its run goes on. The system lets go of the lock with the
 // process, however that ends, so several programs at once never take each other's names for left behind. Failures are

@@ -7,7 +7,8 @@
 // Three entrances to one engine: stream (callbacks), streamAsync (awaitable, output streamed) and run (awaitable,
 // output collected). Output arrives on the main thread as chunks of UTF-8 text, decoded chunk by chunk: whatever is
 // malformed in a chunk, also a character cut by its edge, becomes U+FFFD. The end is reported once, after the last
-// chunk, when the child has exited and both its pipes are closed, so a grandchild that holds a pipe delays it.
+// chunk, when the child has exited and both its pipes are closed, so a grandchild that holds a pipe delays it: for
+// good, unless the child is polled, or the user asks once more to stop it.
 //
 // Nothing is thrown and nothing fails silently: a tool that cannot be started is one line of error output
 // ("Could not start orb: …") and status -1.
@@ -46,8 +47,9 @@ QCoro::Task<StreamResult> streamAsync(QString tool, QStringList arguments, std::
 inline constexpr double pollingGraceTime = 10;
 
 /// Runs `tool` to its end and returns what it printed: its output as far as it is needed, of its errors the end. A tool
-/// that ignores its time limit is left behind after `graceTime`, in seconds; none to wait for it. While four hang that
-/// were left behind of the same tool and arguments, a fifth is not started but counts as timed out. Main thread.
+/// that ignores its time limit, or whose pipes are held beyond it, is left behind after `graceTime`, in seconds; none
+/// to wait for it. While four hang that were left behind of the same tool and arguments, a fifth is not started but
+/// counts as timed out. Main thread.
 QCoro::Task<CLIResult> run(QString tool, QStringList arguments, std::optional<QString> input, double timeLimit,
                            OutputNeed need = wholeList, std::optional<double> graceTime = std::nullopt);
 

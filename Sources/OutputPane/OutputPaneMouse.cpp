@@ -144,6 +144,7 @@ bool OutputPaneMouse::turnWheel(const QWheelEvent &event)
     const int turned = event.angleDelta().y();
     if (turned == 0 || m_view.mostAbove() == 0)
         return false;
+    m_stoodAtEnd = false;
     if (const int fine = event.pixelDelta().y()) {
         m_view.scrollBy(-fine);
     } else {

@@ -30,8 +30,8 @@ struct Launch {
     std::optional<QString> input;
     /// Seconds, after which the child is asked to terminate; none for no limit.
     std::optional<double> timeLimit;
-    /// Seconds that a child which its limit has asked to terminate has left; then it is left behind. None for a child
-    /// that is waited for however long it goes on.
+    /// Seconds beyond its limit that a child which was asked to terminate, or whoever holds the pipes of one that has
+    /// exited, has left; then it is left behind. None for a child that is waited for however long it goes on.
     std::optional<double> graceTime = std::nullopt;
     OutputHandler onOutput;
     ExitHandler onExit;

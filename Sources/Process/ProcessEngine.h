@@ -26,7 +26,8 @@ public:
     /// of error output and status -1. Any thread.
     ProcessHandlePointer launch(Launch launch);
 
-    /// Has the background thread look at all children; nothing when there never was one. Any thread.
+    /// Has the background thread look at all children; nothing when there never was one. Any thread
+    /// that knows of one.
     void wake();
 
 private:

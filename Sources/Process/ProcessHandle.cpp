@@ -35,6 +35,14 @@ void ProcessHandle::closeOutput()
     ProcessEngine::instance().wake();
 }
 
+void ProcessHandle::waitNoLonger()
+{
+    if (process->isRunning())
+        return;
+    m_isWaitOver = true;
+    ProcessEngine::instance().wake();
+}
+
 void ProcessHandle::setTimedOut()
 {
     const std::lock_guard guard(lock);

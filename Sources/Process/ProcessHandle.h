@@ -37,6 +37,10 @@ public:
     /// so by the system. What was read before may still be delivered. Any thread.
     void closeOutput();
 
+    /// Whoever else holds the pipes of a child that has exited is given a second more; then its end is told, with its
+    /// own status. Nothing while the child runs. Any thread.
+    void waitNoLonger();
+
 private:
     friend class ProcessEngine;
     friend class RunningChild;
@@ -49,6 +53,7 @@ private:
     bool _timedOut = false;
     std::optional<QString> _launchError;
     std::atomic<bool> m_isOutputUnwanted = false;
+    std::atomic<bool> m_isWaitOver = false;
 };
 
 using ProcessHandlePointer = std::shared_ptr<ProcessHandle>;

@@ -16,6 +16,9 @@ enum Place : std::size_t { outputPlace, errorPlace, inputPlace, noticePlace };
 /// How often the system is asked whether a child still runs when it has no exit notice for it.
 constexpr auto exitCheckInterval = std::chrono::milliseconds(10);
 
+/// What had been printed before its end has long been read by then.
+constexpr double timeForLastWords = 1; // seconds
+
 constexpr double longestWait = 1e8; // seconds; far beyond any wait, and within what the clock can count
 
 AwakeClock::duration duration(double seconds)
@@ -130,9 +133,11 @@ qsizetype RunningChild::serve(std::span<const pollfd> entries, QByteArray &block
         if (!m_isRunning)
             m_exitNotice.close();
     }
+    if (m_handle->m_isWaitOver && m_lastMoment == never)
+        m_lastMoment = momentAfter(timeForLastWords);
     if (m_deadline <= AwakeClock::now())
         enforceTimeLimit();
-    if (m_lastMoment <= AwakeClock::now())
+    if (!m_isEnded && m_lastMoment <= AwakeClock::now())
         leaveBehind();
 
     // A grandchild may hold the pipes long after the child has ended, and a child may close them and run on.
@@ -163,6 +168,7 @@ void RunningChild::leaveBehind()
 void RunningChild::end(int status)
 {
     m_isEnded = true;
+    m_deadline = never;
     m_lastMoment = never;
     m_queue->end(status);
 }

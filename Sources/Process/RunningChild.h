@@ -8,7 +8,7 @@
 //
 // Only a child with a grace time is ever left behind. It is never killed: its pipes are closed, its end is told with
 // status -1, and it is reaped whenever it does exit. One that has exited, while somebody else holds its pipes, is told
-// with its own status then, and with what it had printed.
+// with its own status then, and with what it had printed; so is any whose starter waits no longer.
 
 #include "Process/AwakeClock.h"
 #include "Process/InputWriter.h"

@@ -1,9 +1,10 @@
 #pragma once
 
 // One window a user: whoever starts Tidewell a second time over the same support folder sees the first window come
-// forward. A named pipe in the folder is open for reading as long as the first instance lives. The system knows that,
-// and forgets it however the instance ends, so nothing stale can keep a start from going on. Where there can be no such
-// pipe, every instance is the first. (On a Mac the system itself starts an application once, unless told otherwise.)
+// forward. A named pipe in the folder is open for reading as long as the first instance lives and has not been told to
+// end. The system knows that, and forgets it however the instance ends, so nothing stale can keep a start from going
+// on. Where there can be no such pipe, every instance is the first. (On a Mac the system itself starts an application
+// once, unless told otherwise.)
 
 #include "Process/FileDescriptor.h"
 

@@ -3,9 +3,12 @@
 #include "Support/TestTools.h"
 #include "Support/Waiting.h"
 
+#include <QDeadlineTimer>
+
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -87,10 +90,19 @@ TEST_F(CurrentToolTest, MayBeDestroyedWhileAToolRuns)
 
 TEST_F(CurrentToolTest, WaitsNoMoreForThePipesOfAToolThatHasEndedWhenAskedToStop)
 {
-    auto running = step(u"{ "_s + tools.waitForFile(u"go"_s) + u"} & exit 3"_s);
-    EXPECT_TRUE(waitUntil([this] { return tool->handle() && !tool->handle()->isRunning(); }));
+    QByteArray heard;
+    const OutputHandler hear = [&](QUtf8StringView text, bool) { heard.append(text.data(), text.size()); };
+    const QString path =
+        tools.addTool(u"orb"_s, u"{ "_s + tools.waitForFile(u"go"_s) + u"} & head -c 3000000 /dev/zero; exit 3"_s);
+    auto running = tool->stream(path, {}, std::nullopt, std::nullopt, hear);
+    // Nothing is delivered before the event loop runs, so most of it waits when the stop is requested.
+    const ProcessHandlePointer handle = tool->handle();
+    const QDeadlineTimer watchdog(std::chrono::seconds(20));
+    while (handle->isRunning() && !watchdog.hasExpired())
+        std::this_thread::yield();
     EXPECT_FALSE(running.isReady()) << "somebody holds its pipes";
     tool->requestStop();
     EXPECT_EQ(waitFor(std::move(running))->status, 3);
+    EXPECT_EQ(heard.size(), 3'000'000) << "nothing is lost of what it had printed";
     tools.addFile(u"go"_s);
 }

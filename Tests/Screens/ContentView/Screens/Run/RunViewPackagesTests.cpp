@@ -21,7 +21,7 @@ TEST(RunView, OffersPackagesOnlyForAMachineOfTheUsersOwn)
     window.run.setScript(u"exec sleep 60"_s);
     press(content, u"Run"_s);
     EXPECT_FALSE(offered());
-    press(content, u"Stop"_s, u"Stop the run"_s);
+    find<QPushButton>(content, u"Stop"_s, u"Stop the run"_s)->click();
     EXPECT_TRUE(waitUntil(offered));
 
     window.orbStack.setMachines({});
