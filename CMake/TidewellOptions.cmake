@@ -12,14 +12,16 @@ target_compile_definitions(TidewellOptions INTERFACE QT_NO_CAST_FROM_ASCII QT_NO
 if(TIDEWELL_WARNINGS_ARE_ERRORS)
   target_compile_options(TidewellOptions INTERFACE -Werror)
 endif()
-if(TIDEWELL_SANITIZER STREQUAL "address")
+if(TIDEWELL_SANITIZER MATCHES "address|fuzzer")
   target_compile_options(TidewellOptions INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all)
-  target_link_options(TidewellOptions INTERFACE -fsanitize=address,undefined)
-elseif(TIDEWELL_SANITIZER STREQUAL "fuzzer")
   # Qt and QCoro are not built with the sanitizers, so what is told of calls through their pointers would mean nothing.
-  target_compile_options(TidewellOptions INTERFACE -fsanitize=fuzzer-no-link,address,undefined
-                                                   -fno-sanitize=vptr,function -fno-sanitize-recover=all)
+  target_compile_options(TidewellOptions INTERFACE "$<$<CXX_COMPILER_ID:Clang,AppleClang>:-fno-sanitize=vptr,function>")
+  # By this name of GCC's, tests ask for it.
+  target_compile_definitions(TidewellOptions INTERFACE "$<$<CXX_COMPILER_ID:Clang,AppleClang>:__SANITIZE_ADDRESS__>")
   target_link_options(TidewellOptions INTERFACE -fsanitize=address,undefined)
+  if(TIDEWELL_SANITIZER STREQUAL "fuzzer")
+    target_compile_options(TidewellOptions INTERFACE -fsanitize=fuzzer-no-link)
+  endif()
 elseif(TIDEWELL_SANITIZER STREQUAL "thread")
   target_compile_options(TidewellOptions INTERFACE -fsanitize=thread)
   target_link_options(TidewellOptions INTERFACE -fsanitize=thread)
