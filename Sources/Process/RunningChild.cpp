@@ -133,11 +133,11 @@ qsizetype RunningChild::serve(std::span<const pollfd> entries, QByteArray &block
         if (!m_isRunning)
             m_exitNotice.close();
     }
-    if (m_handle->m_isWaitOver && m_lastMoment == never)
+    if (m_handle->m_isWaitOver && !m_isEnded && m_lastMoment == never)
         m_lastMoment = momentAfter(timeForLastWords);
     if (m_deadline <= AwakeClock::now())
         enforceTimeLimit();
-    if (!m_isEnded && m_lastMoment <= AwakeClock::now())
+    if (m_lastMoment <= AwakeClock::now())
         leaveBehind();
 
     // A grandchild may hold the pipes long after the child has ended, and a child may close them and run on.

@@ -28,10 +28,7 @@ BlockStore::BlockStore(const TextStorage &storage, std::function<void()> onLoss)
 std::shared_ptr<TextBlock> BlockStore::startBlock(const TextCount &before, QByteArrayView moved)
 {
     std::shared_ptr<TextBlock> block = m_pool->take();
-    block->clear();
-    // Before another thread can find the block: to that one the bytes were there all the time.
-    std::copy(moved.begin(), moved.end(), block->memory.data());
-    block->size = static_cast<std::int32_t>(moved.size());
+    block->beginWith(moved); // before another thread can find it
     Lock lock(m_lock);
     m_entries.append({.before = before});
     m_plain.push_back(block);

@@ -9,9 +9,10 @@
 
 using namespace Qt::StringLiterals;
 
-void TextBlock::clear()
+void TextBlock::beginWith(QByteArrayView text)
 {
-    size = 0;
+    std::copy(text.begin(), text.end(), memory.data());
+    size = static_cast<std::int32_t>(text.size());
     kinds.clear();
     isMissing = false;
 }

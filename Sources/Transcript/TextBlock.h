@@ -26,8 +26,8 @@ struct TextBlock {
     /// So many are kept to be filled again.
     static constexpr std::size_t mostFree = 32;
 
-    /// Holds nothing any more; keeps its memory.
-    void clear();
+    /// Holds this text and nothing else any more; keeps its memory.
+    void beginWith(QByteArrayView text);
     QByteArrayView text() const { return {memory.data(), size}; }
     /// All that the block holds as one piece: the text and then the marks. Once the block is full.
     QByteArray content() const;

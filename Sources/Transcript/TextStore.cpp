@@ -162,10 +162,8 @@ TextCount TextStore::before(Position position, BlockNumber number) const
 {
     if (position >= end())
         return m_end;
-    const Position inside = position - before(number).bytes;
-    if (inside == 0)
-        return before(number); // the block may be on a slow disk
     const TextBlock &block = read(number);
+    const Position inside = position - before(number).bytes;
     if (block.isMissing)
         return before(number) + TextCount{inside, inside, 0};
     return before(number) + TextCount::of(block.text().first(inside));

@@ -17,6 +17,15 @@ public:
 
     int below(int bound) { return std::uniform_int_distribution<int>(0, bound - 1)(m_engine); }
 
+    /// Bytes that hardly compress, without a line end.
+    QByteArray noise(qsizetype size)
+    {
+        QByteArray bytes(size, Qt::Uninitialized);
+        for (char &byte : bytes)
+            byte = static_cast<char>(' ' + below(64));
+        return bytes;
+    }
+
     /// A text of that many code points. Valid: no lone surrogates.
     QString text(int codePoints)
     {

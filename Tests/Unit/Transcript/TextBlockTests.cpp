@@ -57,11 +57,13 @@ TEST(TextBlock, IsTheSameAgainFromItsContent)
     EXPECT_EQ(other.content(), content);
 }
 
-TEST(TextBlock, HoldsNothingOnceItIsCleared)
+TEST(TextBlock, HoldsNothingButWhatItBeginsWith)
 {
     TextBlock block;
     block.becomeMissing(1000);
-    block.clear();
+    block.beginWith("moved");
+    EXPECT_EQ(block.text(), "moved");
+    block.beginWith({});
     EXPECT_FALSE(block.isMissing);
     EXPECT_TRUE(block.text().isEmpty());
     EXPECT_TRUE(block.kinds.empty());

@@ -22,15 +22,6 @@ QString sizeText(std::int64_t bytes)
     return QLocale(QLocale::English, QLocale::UnitedStates).formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
 }
 
-/// Bytes that hardly compress, without a line end.
-QByteArray noise(RandomText &random, std::int64_t size)
-{
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (char &byte : bytes)
-        byte = static_cast<char>(' ' + random.below(64));
-    return bytes;
-}
-
 /// One character for a reader, of so many bytes, which hardly compress: a letter under a pile of accents.
 QByteArray pileOfAccents(RandomText &random, qsizetype size)
 {
@@ -63,7 +54,7 @@ TEST(TranscriptLoss, IsToldWhereTheDiskIsNearlyFull)
     transcript.beginRecord();
     const std::int64_t begin = transcript.end();
     RandomText random(51);
-    transcript.append(noise(random, 8 * mebibyte), OutputKind::out);
+    transcript.append(random.noise(8 * mebibyte), OutputKind::out);
     ASSERT_TRUE(waitUntil([&] { return losses >= 3; }));
     transcript.dropLost();
     const std::int64_t dropped = transcript.record().begin() - begin;
@@ -83,7 +74,7 @@ TEST(TranscriptLoss, IsToldWhereTheDiskIsTooSlowForOneRunAndNotForTheNext)
     std::atomic<int> losses = 0;
     Transcript transcript(storage, [&losses] { ++losses; });
     RandomText random(52);
-    transcript.append(noise(random, 8 * mebibyte), OutputKind::out);
+    transcript.append(random.noise(8 * mebibyte), OutputKind::out);
     ASSERT_TRUE(waitUntil([&] { return losses >= 1; }));
     const QString behind = u" of the output were dropped: the disk is too slow."_s;
     EXPECT_TRUE(waitUntil([&] { return transcript.loss().endsWith(u" MB"_s + behind); }))
