@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-constexpr int logHeight = 90;
+constexpr int setupLogHeight = 90;
 
 struct Appearance {
     StatusDot::Colour colour;
@@ -166,7 +166,7 @@ void SetupHeader::showLog()
     if (m_log != nullptr) {
         m_log->reload();
     } else if (!m_setup.log().isEmpty()) {
-        m_log = new LogBox(u"Setup log"_s, logHeight, [&setup = m_setup] { return setup.log(); }, this);
+        m_log = new LogBox(u"Setup log"_s, setupLogHeight, [&setup = m_setup] { return setup.log(); }, this);
         layout()->addWidget(m_log);
         setTabOrder(m_note != nullptr ? static_cast<QWidget *>(m_note) : m_cancel, m_log);
         m_log->hideWhileEmpty();

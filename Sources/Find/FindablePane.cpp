@@ -13,7 +13,7 @@
 namespace
 {
 
-constexpr int spacing = 6;
+constexpr int barDistance = 6;
 /// While a run prints, the matches are counted so often.
 constexpr auto betweenCounts = std::chrono::milliseconds(100);
 
@@ -30,7 +30,7 @@ FindablePane::FindablePane(OutputPane *pane, RunController &controller, QWidget 
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(spacing);
+    layout->setSpacing(barDistance);
     layout->addWidget(pane, 1);
     m_bar = new FindBar(this);
     m_bar->hide();

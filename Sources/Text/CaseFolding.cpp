@@ -19,7 +19,7 @@ constexpr int mostUnits = 8;
 constexpr qsizetype mostGrowth = 3;
 
 /// So many bytes are folded in one go, with the processor's wide registers.
-constexpr qsizetype stride = 64;
+constexpr qsizetype foldedAtOnce = 64;
 
 using Units = std::array<char16_t, mostUnits>;
 
@@ -70,23 +70,23 @@ private:
     std::array<std::uint64_t, 0x110000 / bits> m_bits{};
 };
 
-/// Writes the ASCII characters at the start of a text; how many there are, or `stride` if there are more.
+/// Writes the ASCII characters at the start of a text; how many there are, or `foldedAtOnce` if there are more.
 qsizetype foldAscii(QByteArrayView text, char *out)
 {
     const auto lowered = [](char byte) {
         return static_cast<char>(byte + (static_cast<unsigned char>(byte - 'A') < 26 ? 'a' - 'A' : 0));
     };
-    if (text.size() < stride) {
+    if (text.size() < foldedAtOnce) {
         const qsizetype count = Utf8::asciiPrefix(text);
         std::transform(text.begin(), text.begin() + count, out, lowered);
         return count;
     }
     unsigned char any = 0;
-    for (qsizetype index = 0; index < stride; ++index) {
+    for (qsizetype index = 0; index < foldedAtOnce; ++index) {
         any |= static_cast<unsigned char>(text.data()[index]);
         out[index] = lowered(text.data()[index]);
     }
-    return Utf8::isAscii(static_cast<char>(any)) ? stride : Utf8::asciiPrefix(text);
+    return Utf8::isAscii(static_cast<char>(any)) ? foldedAtOnce : Utf8::asciiPrefix(text);
 }
 
 QByteArray folded(char32_t character)

@@ -12,8 +12,6 @@ namespace
 /// More code points than any honest character has; more are drawn beside, where they cannot cover other lines.
 constexpr int mostCodePoints = 32;
 
-constexpr char32_t emojiPresentation = 0xfe0f;
-
 bool isBetween(char32_t character, char32_t first, char32_t last)
 {
     return character >= first && character <= last;
@@ -108,7 +106,7 @@ void DisplayClusters::readAny(DisplayCluster &cluster) const
         const char32_t character = Utf8::next(m_text, at);
         if (breaker.startsCluster(character))
             break;
-        wide = wide || character == emojiPresentation;
+        wide = wide || character == Shapeless::emojiPresentation;
         needsTwoCells = needsTwoCells || isSpacingMark(character) || u_isalpha(static_cast<UChar32>(character)) != 0;
         end = at;
     }

@@ -7,4 +7,7 @@ namespace Shapeless
 /// marks, joiners, fillers, variation selectors, tags, line separators. By Unicode's properties; pure.
 bool isShapeless(char32_t character);
 
+/// Asks for the coloured form of the character before it.
+inline constexpr char32_t emojiPresentation = 0xfe0f;
+
 } // namespace Shapeless

@@ -7,7 +7,7 @@ namespace
 {
 
 /// So many bytes are compared in one go, with the processor's wide registers.
-constexpr qsizetype stride = 64;
+constexpr qsizetype comparedAtOnce = 64;
 
 /// Never occurs in UTF-8.
 const QByteArray foundNowhere("\xff");
@@ -39,7 +39,7 @@ TextPattern::TextPattern(const QString &text, Qt::CaseSensitivity sensitivity) :
 /// as far as the text reaches.
 qsizetype TextPattern::nextCandidate(QByteArrayView text, qsizetype from) const
 {
-    const qsizetype distance = std::min(m_bytes.size(), stride) - 1;
+    const qsizetype distance = std::min(m_bytes.size(), comparedAtOnce) - 1;
     const char first = m_bytes[0];
     if (distance == 0) {
         const qsizetype at = text.indexOf(first, from);
@@ -49,9 +49,9 @@ qsizetype TextPattern::nextCandidate(QByteArrayView text, qsizetype from) const
     const char *const bytes = text.data();
     const qsizetype end = text.size() - distance;
     qsizetype at = from;
-    for (; at + stride <= end; at += stride) {
+    for (; at + comparedAtOnce <= end; at += comparedAtOnce) {
         unsigned char any = 0;
-        for (qsizetype index = at; index < at + stride; ++index)
+        for (qsizetype index = at; index < at + comparedAtOnce; ++index)
             any |= static_cast<unsigned char>(bytes[index] == first) &
                    static_cast<unsigned char>(bytes[index + distance] == second);
         if (any != 0)

@@ -19,7 +19,6 @@ constexpr qsizetype longestName = 500;
 constexpr char32_t nonJoiner = 0x200c;
 constexpr char32_t joiner = 0x200d;
 constexpr char32_t textPresentation = 0xfe0e;
-constexpr char32_t emojiPresentation = 0xfe0f;
 constexpr char32_t keycap = 0x20e3;
 constexpr char32_t blackFlag = 0x1f3f4;
 constexpr char32_t firstTag = 0xe0020;
@@ -84,7 +83,7 @@ bool isSeenAround(const QList<uint> &text, qsizetype at)
                u_getIntPropertyValue(static_cast<UChar32>(next), UCHAR_SCRIPT) ==
                    u_getIntPropertyValue(static_cast<UChar32>(before), UCHAR_SCRIPT);
     case textPresentation:
-    case emojiPresentation:
+    case Shapeless::emojiPresentation:
         return base == at - 1 && (isEmoji || (next == keycap && has(before, UCHAR_EMOJI)));
     default:
         return false;

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-const auto placeKey = u"windowPlace"_s;
+const auto mainWindowKey = u"windowPlace"_s;
 
 } // namespace
 
@@ -28,7 +28,7 @@ MainWindow::MainWindow(const Controllers &controllers)
     setWindowIcon(WindowIcon::icon());
     setCentralWidget(m_content);
     Menus::add(*this, controllers);
-    WindowPlace::restore(*this, placeKey, {960, 760});
+    WindowPlace::restore(*this, mainWindowKey, {960, 760});
     connect(&controllers.run, &RunController::isRunningChanged, this, [this, &run = controllers.run] {
         if (!run.isRunning() && QGuiApplication::applicationState() != Qt::ApplicationActive)
             Q_EMIT attentionWanted();
@@ -39,7 +39,7 @@ MainWindow::MainWindow(const Controllers &controllers)
 MainWindow::~MainWindow()
 {
     delete m_allOutput;
-    WindowPlace::remember(*this, placeKey);
+    WindowPlace::remember(*this, mainWindowKey);
 }
 
 void MainWindow::comeForward()

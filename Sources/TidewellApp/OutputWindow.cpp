@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-const auto placeKey = u"outputWindowPlace"_s;
+const auto outputWindowKey = u"outputWindowPlace"_s;
 
 } // namespace
 
@@ -65,12 +65,12 @@ OutputWindow::OutputWindow(RunController &run, const QList<QAction *> &actions)
     layout->addWidget(loss);
     layout->addWidget(new FindablePane(m_pane, run, this), 1);
     m_pane->setFocus();
-    WindowPlace::restore(*this, placeKey, {900, 640});
+    WindowPlace::restore(*this, outputWindowKey, {900, 640});
 }
 
 OutputWindow::~OutputWindow()
 {
-    WindowPlace::remember(*this, placeKey);
+    WindowPlace::remember(*this, outputWindowKey);
 }
 
 void OutputWindow::offerEnd(bool isOffered)

@@ -2,6 +2,7 @@
 // goes to a file. The input is a list of steps: append, forget, take a snapshot, let the store's own thread finish.
 
 #include "Fuzzing.h"
+#include "Support/Mebibyte.h"
 #include "Unit/Transcript/ViewedText.h"
 
 #include <QDir>
@@ -23,7 +24,6 @@ namespace
 
 using Position = TextView::Position;
 
-constexpr std::int64_t mebibyte = std::int64_t{1024} * 1024;
 constexpr std::int64_t mostText = 5 * mebibyte / 2;
 
 /// All that was ever appended, and from where on it is wanted.

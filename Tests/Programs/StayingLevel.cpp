@@ -145,7 +145,7 @@ bool keepLevelWhilePolling(const QString &folder, int seconds)
     window.orbStack.setRunning(true);
     window.orbStack.setMachines({u"box"_s, u"other"_s});
     window.show(shortPause).setTab(AppTab::containers);
-    const auto rounds = [&window] { return window.orbStack.calls(u"<status>"_s); };
+    const auto rounds = [&window] { return window.orbStack.calls(FakeOrbStack::statusCall); };
     Record record(folder);
     QTest::qWait(3000);
     record.note("warm", window);

@@ -10,6 +10,10 @@
 class FakeOrbStack
 {
 public:
+    /// The arguments of the calls that ask how things are, for calls().
+    static inline const QString statusCall = QStringLiteral("<status>");
+    static inline const QString listCall = QStringLiteral("<list><-f><json>");
+
     FakeOrbStack()
     {
         using namespace Qt::StringLiterals;

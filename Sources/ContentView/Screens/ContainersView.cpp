@@ -24,7 +24,7 @@ namespace
 constexpr int portsWidth = 150;
 constexpr int nameWidth = 160;
 
-enum RowAction { startContainer, stopContainer, showLogs, removeContainer };
+enum ContainerAction { startContainer, stopContainer, showLogs, removeContainer };
 
 RowContent contentOf(const ContainerInfo &container, bool busy)
 {

@@ -23,7 +23,7 @@ namespace
 /// More than a row can show; the whole may be megabytes.
 constexpr qsizetype longestText = 1000;
 
-enum RowAction { loadCommand, deleteEntry };
+enum EntryAction { loadCommand, deleteEntry };
 
 QString visible(const QString &text)
 {

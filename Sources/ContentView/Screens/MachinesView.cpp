@@ -28,10 +28,10 @@ namespace
 
 constexpr int spacing = 10;
 constexpr int pickerWidth = 180;
-constexpr int logHeight = 80;
+constexpr int machineLogHeight = 80;
 constexpr qsizetype longestNameAsked = 200;
 
-enum RowAction { startMachine, stopMachine, deleteMachine };
+enum MachineAction { startMachine, stopMachine, deleteMachine };
 
 RowContent contentOf(const Machine &machine, bool busy)
 {
@@ -63,7 +63,7 @@ MachinesView::MachinesView(const Controllers &controllers, QWidget *parent)
     layout->addWidget(makeCreationBox());
     m_progress = new IndeterminateBar(this);
     layout->addWidget(m_progress);
-    m_log = new LogBox(u"Machine log"_s, logHeight, [this] { return m_machines.log(); }, this);
+    m_log = new LogBox(u"Machine log"_s, machineLogHeight, [this] { return m_machines.log(); }, this);
     m_log->hideWhileEmpty();
     layout->addWidget(m_log);
     m_error = new NoteText(Typography::body(), Colours::red, this);

@@ -14,9 +14,6 @@ using namespace std::chrono_literals;
 namespace
 {
 
-const auto list = u"<list><-f><json>"_s;
-const auto status = u"<status>"_s;
-
 qsizetype containerLists(TestWindow &window)
 {
     return window.orbStack.tools().calls(u"docker"_s).size();
@@ -164,8 +161,8 @@ TEST(ContentView, AsksOnlyForTheStateWhileOrbStackIsStopped)
 {
     TestWindow window;
     window.show(20ms);
-    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(status) >= 4; }));
-    EXPECT_EQ(window.orbStack.calls(list), 0);
+    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(FakeOrbStack::statusCall) >= 4; }));
+    EXPECT_EQ(window.orbStack.calls(FakeOrbStack::listCall), 0);
     EXPECT_EQ(containerLists(window), 0);
 }
 
@@ -186,7 +183,8 @@ TEST(ContentView, RepeatsTheWholeRoundAfterEachSleep)
     window.orbStack.setRunning(true);
     window.show(20ms);
     EXPECT_TRUE(waitUntil([&] {
-        return window.orbStack.calls(status) >= 3 && window.orbStack.calls(list) >= 3 && containerLists(window) >= 3;
+        return window.orbStack.calls(FakeOrbStack::statusCall) >= 3 &&
+               window.orbStack.calls(FakeOrbStack::listCall) >= 3 && containerLists(window) >= 3;
     }));
 }
 
@@ -197,7 +195,7 @@ TEST(ContentView, SleepsSixSecondsBetweenTwoRounds)
     const TimerWatch sleep(6s);
     content.show();
     const auto before = std::chrono::steady_clock::now();
-    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(status) == 2; }));
+    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(FakeOrbStack::statusCall) == 2; }));
     const auto waited = std::chrono::steady_clock::now() - before;
     EXPECT_GE(waited, 6s);
     EXPECT_LT(waited, 10s);
@@ -214,23 +212,23 @@ TEST(ContentView, ListsAtOnceWhenOrbStackComesUp)
     EXPECT_TRUE(waitUntil([&] { return window.machines.machines().size() == 1 && containerLists(window) == 1; }));
     ByName::press(content, u"Stop"_s, u"Stop OrbStack"_s);
     EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped && !window.setup.busy(); }));
-    EXPECT_EQ(window.orbStack.calls(list), 1);
+    EXPECT_EQ(window.orbStack.calls(FakeOrbStack::listCall), 1);
 }
 
 TEST(ContentView, StopsAskingWhileItIsHiddenAndAsksAtOnceWhenShownAgain)
 {
     TestWindow window;
     ContentView &content = window.show(1ms);
-    ASSERT_TRUE(waitUntil([&] { return window.orbStack.calls(status) >= 2; }));
+    ASSERT_TRUE(waitUntil([&] { return window.orbStack.calls(FakeOrbStack::statusCall) >= 2; }));
     content.hide();
     // A round under way ends; a marker run afterwards proves that no other began.
     EXPECT_TRUE(waitFor(window.setup.refresh()));
-    const auto asked = window.orbStack.calls(status);
+    const auto asked = window.orbStack.calls(FakeOrbStack::statusCall);
     EXPECT_TRUE(waitFor(window.setup.refresh()));
     EXPECT_TRUE(waitFor(window.setup.refresh()));
-    EXPECT_EQ(window.orbStack.calls(status), asked + 2);
+    EXPECT_EQ(window.orbStack.calls(FakeOrbStack::statusCall), asked + 2);
     content.show();
-    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(status) >= asked + 4; }));
+    EXPECT_TRUE(waitUntil([&] { return window.orbStack.calls(FakeOrbStack::statusCall) >= asked + 4; }));
 }
 
 TEST(ContentView, MayBeDestroyedInTheMiddleOfARound)
@@ -238,7 +236,7 @@ TEST(ContentView, MayBeDestroyedInTheMiddleOfARound)
     TestWindow window;
     window.orbStack.tools().addTool(u"orb"_s, u"sleep 0.05; echo Running"_s);
     window.show(1ms);
-    ASSERT_TRUE(waitUntil([&] { return window.orbStack.calls(status) == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return window.orbStack.calls(FakeOrbStack::statusCall) == 1; }));
     window.close();
     EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::running; }));
     EXPECT_TRUE(waitUntil([&] { return containerLists(window) == 1; }));
@@ -278,5 +276,5 @@ TEST(ContentView, AsksOnceHoweverQuicklyItIsHiddenAndShownAgain)
     content.show();
     EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
     EXPECT_TRUE(waitFor(window.setup.refresh()));
-    EXPECT_EQ(window.orbStack.calls(status), 2);
+    EXPECT_EQ(window.orbStack.calls(FakeOrbStack::statusCall), 2);
 }

@@ -2,25 +2,10 @@
 
 #include "Look/NoteText.h"
 #include "Screens/ContentView/Screens/ContainersViewTest.h"
+#include "Screens/ContentView/Screens/HistoryViewTest.h"
 #include "Screens/ContentView/Screens/Run/RunViewSteps.h"
 
 using KeyboardWalk::expectGoodFor;
-
-namespace
-{
-
-HistoryEntry entryOf(const QString &command)
-{
-    HistoryEntry entry;
-    entry.id = QUuid::createUuid();
-    entry.command = command;
-    entry.machine = u"box"_s;
-    entry.exitCode = 0;
-    entry.date = QDateTime::currentDateTimeUtc();
-    return entry;
-}
-
-} // namespace
 
 TEST(KeyboardWalk, VisitsTheRunScreenWithOrbStackStopped)
 {

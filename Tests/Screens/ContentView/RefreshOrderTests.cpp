@@ -14,9 +14,6 @@ using namespace std::chrono_literals;
 namespace
 {
 
-const auto status = u"<status>"_s;
-const auto list = u"<list><-f><json>"_s;
-
 class RefreshOrder : public testing::Test
 {
 protected:
@@ -50,11 +47,11 @@ TEST_F(RefreshOrder, ARoundListsTheContainersOnceTheMachinesAreListed)
     window.orbStack.setRunning(true);
     EXPECT_TRUE(waitFor(window.setup.refresh())) << "so that OrbStack does not come up while the window is there";
     window.show();
-    EXPECT_TRUE(waitUntil([&] { return calls(list) == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return calls(FakeOrbStack::listCall) == 1; }));
     expectNoContainerListButThisOne();
     tools().addFile(u"listed"_s);
     EXPECT_TRUE(waitUntil([&] { return containerLists() == 2; }));
-    EXPECT_EQ(calls(list), 1);
+    EXPECT_EQ(calls(FakeOrbStack::listCall), 1);
 }
 
 TEST_F(RefreshOrder, WhenOrbStackComesUpTheContainersAreListedOnceTheMachinesAre)
@@ -64,36 +61,36 @@ TEST_F(RefreshOrder, WhenOrbStackComesUpTheContainersAreListedOnceTheMachinesAre
     EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
     window.orbStack.setRunning(true);
     EXPECT_TRUE(waitFor(window.setup.refresh()));
-    EXPECT_TRUE(waitUntil([&] { return calls(list) == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return calls(FakeOrbStack::listCall) == 1; }));
     expectNoContainerListButThisOne();
     tools().addFile(u"listed"_s);
     EXPECT_TRUE(waitUntil([&] { return containerLists() == 2; }));
-    EXPECT_EQ(calls(list), 1);
+    EXPECT_EQ(calls(FakeOrbStack::listCall), 1);
 
     window.orbStack.setRunning(false);
     EXPECT_TRUE(waitFor(window.setup.refresh()));
     EXPECT_EQ(window.setup.state(), OrbState::stopped);
     EXPECT_TRUE(waitFor(window.machines.refresh()));
-    EXPECT_EQ(calls(list), 2) << "nothing is listed when it goes down";
+    EXPECT_EQ(calls(FakeOrbStack::listCall), 2) << "nothing is listed when it goes down";
 }
 
 TEST_F(RefreshOrder, TheMachinesAloneAreListedWhenARunEndsAndNothingWhenItBegins)
 {
     window.showRunning({u"box"_s});
-    const qsizetype lists = calls(list);
+    const qsizetype lists = calls(FakeOrbStack::listCall);
     const qsizetype containers = containerLists();
     window.run.setScript(tools().waitForFile(u"go"_s));
     ByName::press(window.content(), u"Run"_s);
     EXPECT_TRUE(waitFor(window.machines.refresh()));
     EXPECT_TRUE(waitFor(window.machines.refresh()));
-    EXPECT_EQ(calls(list), lists + 2) << "none but these two";
+    EXPECT_EQ(calls(FakeOrbStack::listCall), lists + 2) << "none but these two";
     EXPECT_TRUE(window.run.isRunning());
     tools().addFile(u"go"_s);
     EXPECT_TRUE(waitUntil([&] { return !window.run.isRunning(); }));
-    EXPECT_TRUE(waitUntil([&] { return calls(list) == lists + 3; }));
+    EXPECT_TRUE(waitUntil([&] { return calls(FakeOrbStack::listCall) == lists + 3; }));
     EXPECT_TRUE(waitFor(window.containers.refresh()));
     EXPECT_TRUE(waitFor(window.machines.refresh()));
-    EXPECT_EQ(calls(list), lists + 4);
+    EXPECT_EQ(calls(FakeOrbStack::listCall), lists + 4);
     EXPECT_EQ(containerLists(), containers + 1);
 }
 
@@ -105,7 +102,7 @@ TEST_F(RefreshOrder, ARoundBeginsItsSleepAfterTheLastList)
                                   u"[ $1 != list ] || { echo '[]'; exit; }\necho Running"_s);
     tools().addTool(u"docker"_s, slow);
     window.show(300ms);
-    EXPECT_TRUE(waitUntil([&] { return calls(status) >= 4; }));
+    EXPECT_TRUE(waitUntil([&] { return calls(FakeOrbStack::statusCall) >= 4; }));
     window.close();
     QList<QDateTime> moments;
     for (const QFileInfo &file : QDir(tools().path(u"."_s)).entryInfoList({u"asked.*"_s}, QDir::Files))
@@ -121,12 +118,12 @@ TEST_F(RefreshOrder, ARoundWaitsForItsToolHoweverShortTheSleep)
 {
     tools().addTool(u"orb"_s, u"[ $1 != list ] || { echo '[]'; exit; }\n"_s + tools().waitForFile(u"go"_s));
     window.show(1ms);
-    EXPECT_TRUE(waitUntil([&] { return calls(status) == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return calls(FakeOrbStack::statusCall) == 1; }));
     for (int marker = 0; marker < 5; ++marker)
         EXPECT_TRUE(waitFor(window.machines.refresh()));
-    EXPECT_EQ(calls(status), 1);
+    EXPECT_EQ(calls(FakeOrbStack::statusCall), 1);
     tools().addFile(u"go"_s);
-    EXPECT_TRUE(waitUntil([&] { return calls(status) >= 2; }));
+    EXPECT_TRUE(waitUntil([&] { return calls(FakeOrbStack::statusCall) >= 2; }));
 }
 
 TEST_F(RefreshOrder, NobodySleepsDuringARoundOrInAHiddenWindow)
@@ -137,8 +134,8 @@ TEST_F(RefreshOrder, NobodySleepsDuringARoundOrInAHiddenWindow)
     ASSERT_TRUE(waitUntil([&] { return watch.timer() != nullptr; }));
     EXPECT_EQ(watch.timer()->timerType(), Qt::PreciseTimer);
     tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s) + u"\necho Stopped"_s);
-    const qsizetype before = calls(status);
-    EXPECT_TRUE(waitUntil([&] { return calls(status) > before && !watch.timer()->isActive(); }));
+    const qsizetype before = calls(FakeOrbStack::statusCall);
+    EXPECT_TRUE(waitUntil([&] { return calls(FakeOrbStack::statusCall) > before && !watch.timer()->isActive(); }));
     tools().addFile(u"go"_s);
     ASSERT_TRUE(waitUntil([&] { return watch.timer()->isActive(); }));
     content.hide();

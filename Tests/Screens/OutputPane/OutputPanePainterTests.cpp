@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-constexpr int columns = 20;
+constexpr int columnsOfPane = 20;
 
 /// Rows drawn on white, with nothing but their grounds looked at.
 class OutputPanePainterTest : public testing::Test
@@ -43,13 +43,13 @@ protected:
     {
         QImage image = paper(ratio);
         QPainter painter(&image);
-        OutputPanePainter(painter, font, palette).draw(OutputPaneRow(text, columns, font), text, styles, {});
+        OutputPanePainter(painter, font, palette).draw(OutputPaneRow(text, columnsOfPane, font), text, styles, {});
         return image;
     }
 
     QImage paper(int ratio) const
     {
-        QImage image(static_cast<int>(columns * font.cellWidth()) * ratio, font.rowHeight() * ratio,
+        QImage image(static_cast<int>(columnsOfPane * font.cellWidth()) * ratio, font.rowHeight() * ratio,
                      QImage::Format_RGB32);
         image.setDevicePixelRatio(ratio);
         image.fill(Qt::white);
@@ -152,7 +152,7 @@ TEST_F(OutputPanePainterTest, LeavesThePainterAsItWas)
     // Joined letters, and characters whose glyphs are wider than their cells.
     for (const QByteArray &text : {QByteArray("\u05d0\u05d1"), QByteArray("\u0915"), QByteArray("\u2e3b"),
                                    QByteArray("\U0001f469\u200d\U0001f52c"), QByteArray("\U0001f600")}) {
-        const OutputPaneRow row(text, columns, font);
+        const OutputPaneRow row(text, columnsOfPane, font);
         isAnyPressed = isAnyPressed || (row.joined().empty() &&
                                         font.shaped(text).width > row.clusters().front().cells * font.cellWidth());
         rows.draw(row, text, std::vector(row.clusters().size(), plain), {});

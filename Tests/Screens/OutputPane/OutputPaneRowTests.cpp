@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace
 {
 
-constexpr int columns = 38;
+constexpr int columnsOfRow = 38;
 
 class OutputPaneRowTest : public testing::Test
 {
@@ -17,7 +17,7 @@ protected:
     OutputPaneRow row(const QString &text)
     {
         m_bytes = text.toUtf8();
-        return {m_bytes, columns, font};
+        return {m_bytes, columnsOfRow, font};
     }
 
     /// The clusters that are shaped together, "0-3" for the first three; " " between two stretches.

@@ -9,13 +9,13 @@
 namespace
 {
 
-constexpr int rowHeight = 15;
-constexpr int height = 300; // of twenty rows
-constexpr int padding = OutputPaneViewport::padding;
-
 class OutputPaneViewportPlacesTest : public testing::Test
 {
 protected:
+    static constexpr int rowHeight = 15;
+    static constexpr int height = 300; // of twenty rows
+    static constexpr int padding = OutputPaneViewport::padding;
+
     OutputPaneViewportPlacesTest()
     {
         text.append(QByteArray("x\n").repeated(100)); // and a row behind the last line end

@@ -16,12 +16,12 @@ namespace
 
 using Position = TextStore::Position;
 
-constexpr int rowHeight = 15;
-
 /// A view of a text that grows, loses its front and is wrapped anew, beside the slow and plain way to find its rows.
 class OutputPaneViewportTest : public testing::Test
 {
 protected:
+    static constexpr int rowHeight = 15;
+
     OutputPaneViewportTest() { view.setHeights(height, rowHeight); }
 
     int below(qint64 bound) { return m_random.below(static_cast<int>(bound)); }

@@ -161,13 +161,13 @@ TEST(TidewellApp, MayEndWhileAToolIsStillAnswering)
     {
         TidewellApp application;
         application.window().show();
-        EXPECT_TRUE(waitUntil([&] { return tools.orbStack.calls(u"<status>"_s) == 1; }));
+        EXPECT_TRUE(waitUntil([&] { return tools.orbStack.calls(FakeOrbStack::statusCall) == 1; }));
     }
     // The answer finds nobody; a second one, asked for by somebody else, shows that it has come by.
     EXPECT_TRUE(QFile(tools.orbStack.tools().path(u"go"_s)).open(QIODevice::WriteOnly));
     EXPECT_TRUE(waitFor(tools.setup.refresh()));
     EXPECT_TRUE(waitFor(tools.setup.refresh()));
-    EXPECT_EQ(tools.orbStack.calls(u"<list><-f><json>"_s), 0);
+    EXPECT_EQ(tools.orbStack.calls(FakeOrbStack::listCall), 0);
 }
 
 #include "TidewellAppTests.moc"

@@ -13,7 +13,7 @@ const CLIResult silent = ended(0);
 const CLIResult broken = ended(1);
 const QString json = u"[{\"name\":\"box\",\"state\":\"running\"}]"_s;
 const QString table = u"box running\n"_s;
-const QString webLine = u"{\"ID\":\"0a1b\",\"Names\":\"web\"}\n"_s;
+const QString listedContainerLine = u"{\"ID\":\"0a1b\",\"Names\":\"web\"}\n"_s;
 
 /// A log is cut at its front, and where depends on the pieces in which it came.
 QString endOf(const QString &text)
@@ -117,12 +117,13 @@ QString expectedContainers(Replay &replay, const QString &message = {})
     if (!replay.isFound())
         return toldContainers(
             {}, u"The docker command was not found. Install OrbStack (it provides docker) and start it."_s, message);
-    const CLIResult result = replay.next(u"docker"_s, ended(0, webLine));
+    const CLIResult result = replay.next(u"docker"_s, ended(0, listedContainerLine));
     if (result.timedOut)
         return toldContainers({u"web"_s}, u"docker ps timed out. Is OrbStack running?"_s, message);
     if (result.status != 0)
         return toldContainers({u"web"_s}, result.combined(), message);
-    return toldContainers(result.stdout == webLine ? QStringList(u"web"_s) : QStringList(), u"none"_s, message);
+    return toldContainers(result.stdout == listedContainerLine ? QStringList(u"web"_s) : QStringList(), u"none"_s,
+                          message);
 }
 
 QString expectedAction(Replay &replay, const QString &verb)
@@ -302,7 +303,7 @@ std::function<bool()> beginRun(AllControllers &all, bool isDisposable)
     return [&all] { return !all.run.isRunning(); };
 }
 
-const ContainerInfo web{u"0a1b"_s, u"web"_s, {}, {}, {}, {}};
+const ContainerInfo listedContainer{u"0a1b"_s, u"web"_s, {}, {}, {}, {}};
 
 } // namespace
 
@@ -326,7 +327,7 @@ const QList<Operation> &allOperations()
     };
     const auto runs = [](const All &all) { return toldRun(all); };
     const auto act = [](const QString &verb) {
-        return [verb](All &all) { return begun(all.containers.action(verb, web)); };
+        return [verb](All &all) { return begun(all.containers.action(verb, listedContainer)); };
     };
     const auto acted = [](const QString &verb) {
         return [verb](Replay &replay) { return expectedAction(replay, verb); };
@@ -364,7 +365,7 @@ const QList<Operation> &allOperations()
         {"removing a container", 2, act(u"rm"_s), containers, acted(u"rm"_s)},
         {"making a container", 2, [](All &all) { return begun(all.containers.runContainer(u"i"_s, u"new"_s, {})); },
          containers, expectedContainer},
-        {"reading logs", 1, [](All &all) { return begun(all.containers.logs(web)); }, logs, expectedLogs},
+        {"reading logs", 1, [](All &all) { return begun(all.containers.logs(listedContainer)); }, logs, expectedLogs},
         {"asking for OrbStack's state",
          1,
          [](All &all) { return begun(all.setup.refresh()); },

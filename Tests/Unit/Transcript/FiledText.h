@@ -2,6 +2,7 @@
 
 // A text of which most is filed, in a folder of its own, and the file as its owner alone can see it.
 
+#include "Support/Mebibyte.h"
 #include "Support/Waiting.h"
 #include "Unit/Transcript/RandomText.h"
 #include "Unit/Transcript/ViewedText.h"
@@ -17,8 +18,6 @@
 class FiledTextTest : public testing::Test
 {
 protected:
-    static constexpr std::int64_t mebibyte = std::int64_t{1024} * 1024;
-
     /// Four plain blocks, one mebibyte packed.
     TextStorage storage(const QString &where = {}) const
     {

@@ -1,5 +1,6 @@
 #include "Transcript/NamelessFile.h"
 
+#include "Support/Mebibyte.h"
 #include "Support/Seed.h"
 
 #include <QDir>
@@ -18,8 +19,6 @@
 
 namespace
 {
-
-constexpr std::int64_t mebibyte = 1024 * 1024;
 
 QStringList filesIn(const QTemporaryDir &folder)
 {

@@ -1,5 +1,6 @@
 #include "Transcript/PageMemory.h"
 
+#include "Support/Mebibyte.h"
 #include "Support/Waiting.h"
 
 #include <gtest/gtest.h>
@@ -13,8 +14,6 @@
 
 namespace
 {
-
-constexpr std::size_t mebibyte = std::size_t{1024} * 1024;
 
 /// Whether there is memory at that address.
 bool isThere(const char *address)

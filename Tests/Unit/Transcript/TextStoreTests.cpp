@@ -1,5 +1,6 @@
 #include "Transcript/TextView.h"
 
+#include "Support/Mebibyte.h"
 #include "Support/ProcessMemory.h"
 #include "Support/Waiting.h"
 #include "Unit/Transcript/RandomText.h"
@@ -306,7 +307,6 @@ TEST(TextStore, HoldsAFloodOfOneWordInHardlyMoreThanItsPlainBlocks)
 {
     ViewedText store(16);
     const QByteArray piece = QByteArray("y\n").repeated(32 * 1024);
-    constexpr qint64 mebibyte = 1024 * 1024;
     for (int count = 0; count < 16 * 64; ++count)
         store.append(piece);
     EXPECT_EQ(store.end(), 64 * mebibyte);
@@ -319,7 +319,6 @@ TEST(TextStore, GivesItsMemoryBackToTheSystemWhenItIsCleared)
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizer keeps what is freed, to see it used again";
 #endif
-    constexpr std::int64_t mebibyte = 1024 * 1024;
     RandomText random(5);
     QByteArray piece(mebibyte, Qt::Uninitialized);
     for (char &byte : piece)

@@ -1,5 +1,6 @@
 #include "Transcript/Transcript.h"
 
+#include "Support/Mebibyte.h"
 #include "Support/Printing.h"
 #include "Support/Waiting.h"
 #include "Unit/Transcript/RandomText.h"
@@ -14,8 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace
 {
-
-constexpr std::int64_t mebibyte = std::int64_t{1024} * 1024;
 
 QString sizeText(std::int64_t bytes)
 {

@@ -1,5 +1,6 @@
 #include "Transcript/Transcript.h"
 
+#include "Support/Mebibyte.h"
 #include "Support/Waiting.h"
 #include "Unit/Transcript/RandomText.h"
 
@@ -268,7 +269,6 @@ TEST(Transcript, KeepsTheKindOfEveryPieceOfItsRecordWhereverThatIs)
 
 TEST(Transcript, TellsHowMuchOfTheRunWasDroppedWhereNothingCanBeFiled)
 {
-    constexpr std::int64_t mebibyte = 1024 * 1024;
     TextStorage storage;
     storage.plainBlocks = 4;
     storage.packedBytes = mebibyte;

@@ -19,8 +19,6 @@ namespace
 {
 
 constexpr int buttonSpacing = 12;
-/// A stretch factor: up to its greatest width before anything is left for the empty end of the row.
-constexpr int mostOfTheRow = 100;
 
 } // namespace
 
@@ -65,7 +63,7 @@ QLayout *OutputSection::makeHeader(const RunActions &actions)
     auto *row = new QHBoxLayout;
     row->setSpacing(buttonSpacing);
     row->addWidget(title);
-    row->addWidget(m_earlierOutput, mostOfTheRow);
+    row->addWidget(m_earlierOutput, Controls::mostOfTheRow);
     row->addStretch(1);
     row->addWidget(copy);
     row->addWidget(clear);

@@ -32,8 +32,6 @@ namespace
 constexpr int sectionSpacing = 12;
 constexpr int captionSpacing = 4;
 constexpr int controlSpacing = 12;
-/// A stretch factor: up to its greatest width before anything is left for the empty end of the row.
-constexpr int mostOfTheRow = 100;
 
 PlainLabel *caption(const QString &text, ColourOfPalette colour, QWidget *parent)
 {
@@ -112,7 +110,7 @@ QLayout *RunView::makeMachineSection()
 
     auto *row = new QHBoxLayout;
     row->setSpacing(controlSpacing);
-    row->addWidget(labelled, mostOfTheRow);
+    row->addWidget(labelled, Controls::mostOfTheRow);
     row->addWidget(m_disposable);
     row->addWidget(m_distribution);
     row->addStretch(1);
@@ -156,7 +154,7 @@ QLayout *RunView::makePackageRow()
 
     auto *row = new QHBoxLayout;
     row->setSpacing(controlSpacing);
-    row->addWidget(m_packages, mostOfTheRow);
+    row->addWidget(m_packages, Controls::mostOfTheRow);
     row->addWidget(m_install);
     row->addStretch(1);
     return row;

@@ -115,12 +115,12 @@ TEST_F(MachinesViewTest, ListsNothingWhenItIsOpened)
 {
     show();
     window.content().setTab(AppTab::run);
-    const qsizetype listings = calls(u"<list><-f><json>"_s);
+    const qsizetype listings = calls(FakeOrbStack::listCall);
     window.content().setTab(AppTab::machines);
     ASSERT_TRUE(waitUntil([this] { return window.content().findChildren<MachinesView *>().size() == 1; }));
     EXPECT_EQ(list().count(), 2);
     EXPECT_TRUE(waitFor(window.machines.refresh()));
-    EXPECT_EQ(calls(u"<list><-f><json>"_s), listings + 1) << "none but this one";
+    EXPECT_EQ(calls(FakeOrbStack::listCall), listings + 1) << "none but this one";
 }
 
 TEST_F(MachinesViewTest, DoesNotOfferCreateForANameOfBlanks)

@@ -1,5 +1,6 @@
 #include "TidewellApp/Files/OutputFile.h"
 
+#include "Support/Mebibyte.h"
 #include "Support/OutputTexts.h"
 #include "Support/Printing.h"
 #include "Support/Waiting.h"
@@ -247,7 +248,6 @@ TEST_F(OutputFileTest, IsBroughtToTheDiskHoweverOftenThatIsInterrupted)
 
 TEST_F(OutputFileTest, IsBroughtToTheDiskOnceMoreForEvery64MebibytesBeforeItsEnd)
 {
-    constexpr qsizetype mebibyte = 1024 * 1024;
     const auto syncsOf = [this](qsizetype size) {
         transcript.clear();
         const QByteArray text = QByteArray("output\n").repeated(size / 7);

@@ -10,17 +10,17 @@ TEST(RunView, SharesAFolderAndGivesItUp)
     TestWindow window;
     ContentView &content = window.showRunning({u"box"_s});
     const QString folder = window.orbStack.tools().directory(0);
-    EXPECT_FALSE(shows(content, warning));
+    EXPECT_FALSE(shows(content, folderWarning));
     EXPECT_EQ(find<QAbstractButton>(content, u"Clear"_s, u"Stop sharing the folder"_s), nullptr);
     shareFolder(content, folder);
     EXPECT_TRUE(shows(content, folder));
-    EXPECT_TRUE(shows(content, warning));
-    EXPECT_EQ(find<PlainLabel>(content, warning)->palette().color(QPalette::WindowText),
+    EXPECT_TRUE(shows(content, folderWarning));
+    EXPECT_EQ(find<PlainLabel>(content, folderWarning)->palette().color(QPalette::WindowText),
               Colours::orange(content.palette()));
     EXPECT_TRUE(runScript(window, u"pwd"_s).contains(u"   (folder: "_s + folder + u")\n"_s + folder + u'\n'));
     press(content, u"Clear"_s, u"Stop sharing the folder"_s);
     EXPECT_FALSE(shows(content, folder));
-    EXPECT_FALSE(shows(content, warning));
+    EXPECT_FALSE(shows(content, folderWarning));
     window.run.clearTranscript();
     EXPECT_FALSE(runScript(window, u"pwd"_s).contains(u"(folder: "_s));
 }
@@ -38,7 +38,7 @@ TEST(RunView, KeepsTheFolderWhenTheDialogIsCancelled)
     press(*dialog, u"Cancel"_s);
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_TRUE(shows(content, folder));
-    EXPECT_TRUE(shows(content, warning));
+    EXPECT_TRUE(shows(content, folderWarning));
     EXPECT_TRUE(runScript(window, u"pwd"_s).contains(u"\n"_s + folder + u'\n'));
 }
 
@@ -57,7 +57,7 @@ TEST(RunView, AsksForOneFolderInADialogThatBlocksNothing)
     EXPECT_EQ(dialog->labelText(QFileDialog::Accept), u"Share"_s);
     EXPECT_EQ(dialog->windowModality(), Qt::WindowModal);
     dialog->reject();
-    EXPECT_FALSE(shows(content, warning));
+    EXPECT_FALSE(shows(content, folderWarning));
     EXPECT_EQ(ByName::nameOf(content.focusWidget()), u"Share a folder…"_s);
 }
 
@@ -84,7 +84,7 @@ TEST(RunView, KeepsTheFolderThatItHasWhenTheDialogIsCancelled)
         EXPECT_TRUE(dialog == nullptr || !dialog->isVisible());
         EXPECT_TRUE(shows(content, folder));
         EXPECT_FALSE(shows(content, another));
-        EXPECT_TRUE(shows(content, warning));
+        EXPECT_TRUE(shows(content, folderWarning));
     }
     EXPECT_TRUE(runScript(window, u"pwd"_s).contains(u"\n"_s + folder + u'\n'));
 }

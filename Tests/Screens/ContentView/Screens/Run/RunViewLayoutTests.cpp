@@ -57,7 +57,7 @@ TEST_F(RunViewLayout, StandsInTheOrderOfUseWithTwelvePointsBetweenItsSections)
                                    {the<QPushButton>(u"Share a folder…"_s), the<PlainLabel>(folder),
                                     the<QPushButton>(u"Clear"_s, u"Stop sharing the folder"_s),
                                     the<QCheckBox>(u"10 minute time limit"_s)},
-                                   {the<PlainLabel>(warning)},
+                                   {the<PlainLabel>(folderWarning)},
                                    {the<QLineEdit>(packagesField), the<QPushButton>(u"Install packages"_s)},
                                    {the<QPushButton>(u"Run"_s)},
                                    {the<PlainLabel>(u"Output"_s), the<QPushButton>(u"Copy output"_s),
@@ -69,7 +69,7 @@ TEST_F(RunViewLayout, StandsInTheOrderOfUseWithTwelvePointsBetweenItsSections)
                                          the<PlainLabel>(u"Machine"_s),
                                          the<PlainLabel>(nothingPersists),
                                          the<QPushButton>(u"Share a folder…"_s),
-                                         the<PlainLabel>(warning),
+                                         the<PlainLabel>(folderWarning),
                                          the<QLineEdit>(packagesField),
                                          the<QPushButton>(u"Run"_s),
                                          the<PlainLabel>(u"Output"_s),
@@ -115,8 +115,8 @@ TEST_F(RunViewLayout, SetsItsWordsInTheColourAndTypeOfTheirRank)
     EXPECT_EQ(colourOf(the<PlainLabel>(u"Output"_s)), Colours::primary(palette));
     EXPECT_EQ(the<PlainLabel>(nothingPersists)->font(), Typography::caption());
     EXPECT_EQ(colourOf(the<PlainLabel>(nothingPersists)), Colours::secondary(palette));
-    EXPECT_EQ(the<PlainLabel>(warning)->font(), Typography::caption());
-    EXPECT_EQ(colourOf(the<PlainLabel>(warning)), Colours::orange(palette));
+    EXPECT_EQ(the<PlainLabel>(folderWarning)->font(), Typography::caption());
+    EXPECT_EQ(colourOf(the<PlainLabel>(folderWarning)), Colours::orange(palette));
     EXPECT_EQ(the<PlainLabel>(folder)->font(), Typography::caption());
     EXPECT_EQ(the<PlainLabel>(u"Machine"_s)->font(), Typography::body());
     EXPECT_FALSE(the<PlainLabel>(u"Machine"_s)->isEnabled()) << "dimmed together with its picker";

@@ -27,7 +27,7 @@ using ByName::press;
 using ByName::shows;
 
 inline const auto packagesField = u"Packages, e.g. git curl"_s;
-inline const auto warning =
+inline const auto folderWarning =
     u"Warning: a script can change or delete files in a shared folder. The command runs with that folder "
     "as its working directory."_s;
 inline const auto nothingPersists =
