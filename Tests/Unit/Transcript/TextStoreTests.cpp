@@ -116,13 +116,13 @@ TEST(TextStore, CutsNoCharacterOfAVeryLongLineThatArrivesInPieces)
     const QString family = u"\U0001F468\u200D\U0001F469\u200D\U0001F467"_s;
     for (const QString &character : {u"e\u0301"_s, u"\U0001f1e9\U0001f1ea"_s, family}) {
         const QByteArray bytes = character.toUtf8().repeated(60'000);
-        for (const qsizetype pieceSize : {qsizetype{64} * 1024, qsizetype{1}}) {
+        for (const qsizetype sizeOfPieces : {qsizetype{64} * 1024, qsizetype{1}}) {
             ViewedText store;
             // Cut as the tool runner cuts, between code points.
             for (qsizetype at = 0; at < bytes.size();) {
-                qsizetype end = std::min(at + pieceSize, bytes.size());
+                qsizetype end = std::min(at + sizeOfPieces, bytes.size());
                 while (end < bytes.size() && (static_cast<unsigned char>(bytes[end]) & 0xc0U) == 0x80U)
-                    pieceSize == 1 ? ++end : --end;
+                    sizeOfPieces == 1 ? ++end : --end;
                 store.append(QByteArrayView(bytes).sliced(at, end - at));
                 at = end;
             }
