@@ -10,6 +10,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC takes sources that are compiled together for headers, in which no coroutine may use what is local to a file.
     target_compile_options(TidewellOptions INTERFACE -Wno-subobject-linkage)
   endif()
+elseif(CMAKE_UNITY_BUILD)
+  # A local name may be that of something in another file of its folder; GCC does not mind.
+  target_compile_options(TidewellOptions INTERFACE -Wno-shadow)
 endif()
 target_compile_definitions(TidewellOptions INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
                                                      QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
