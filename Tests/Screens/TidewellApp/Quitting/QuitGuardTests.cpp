@@ -80,8 +80,8 @@ TEST(QuitGuard, QuitsAfterARunThatWasStillMakingItsMachineOrAlreadyDeletingIt)
     for (const QString &step : {u"create"_s, u"delete"_s}) {
         Guarded guarded(QuitGuard::Closing::quits);
         TestTools &tools = guarded.tools.orbStack.tools();
-        tools.addTool(u"orb"_s, u"if [ $1 = %1 ] && [ ! -e '%2' ]; then : > '%2'; sleep 0.3; fi"_s.arg(
-                                    step, tools.path(u"reached"_s)));
+        tools.addTool(u"orb"_s, u"if [ $1 = %1 ] && [ ! -e '%2' ]; then\n: > '%2'\n%3fi"_s.arg(
+                                    step, tools.path(u"reached"_s), tools.waitForFile(u"go"_s)));
         RunJob job;
         job.script = u"true"_s;
         job.distro = u"debian"_s;
@@ -91,6 +91,7 @@ TEST(QuitGuard, QuitsAfterARunThatWasStillMakingItsMachineOrAlreadyDeletingIt)
         EXPECT_FALSE(quit());
         ASSERT_NE(guarded.question(), nullptr);
         ByName::press(*guarded.question(), u"Stop it and quit"_s);
+        tools.addFile(u"go"_s);
         EXPECT_TRUE(endsByItself());
         EXPECT_TRUE(guarded.tools.run.plainText().contains(u"\nDeleted sbx-"_s)) << step.toStdString();
         EXPECT_EQ(guarded.tools.history.entries().size(), 1);

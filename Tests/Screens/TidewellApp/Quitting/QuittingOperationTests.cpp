@@ -9,6 +9,18 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+namespace
+{
+
+/// With more patience than a test has: what ends, ends by itself.
+class UnhurriedQuittingTest : public QuittingTest
+{
+protected:
+    UnhurriedQuittingTest() : QuittingTest({.untilAskedAgain = 5min, .untilTheEnd = 5min}) {}
+};
+
+} // namespace
+
 TEST_F(QuittingTest, NamesTheOperationThatItWouldCutOffAndWaitsForItByDefault)
 {
     tools().addTool(u"brew"_s, tools().waitForFile(u"go"_s) + u"exit 1"_s);
@@ -66,10 +78,11 @@ TEST_F(QuittingTest, StaysOpenForWhoKeepsARunGoingAfterAnEarlierWishToQuit)
     guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
     EXPECT_FALSE(quit());
     press(u"Quit when it is done"_s);
-    guarded.startRun(u"sleep 0.1"_s);
+    guarded.startRun(tools().waitForFile(u"end"_s));
     EXPECT_FALSE(quit());
     ASSERT_NE(asked(u"A run is in progress."_s), nullptr);
     press(u"Keep running"_s);
+    tools().addFile(u"end"_s);
     EXPECT_TRUE(waitUntil([this] { return !run.isRunning(); }));
     tools().addFile(u"go"_s);
     EXPECT_TRUE(waitUntil([this] { return !guarded.tools.containers.busy(); }));
@@ -110,7 +123,7 @@ TEST_F(QuittingTest, StaysOpenWhenAnOperationIsDoneForWhoHadSaidKeepOpenAfterSto
     EXPECT_EQ(QApplication::exec(), 5);
 }
 
-TEST_F(QuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterARunThatWasStoppedToQuit)
+TEST_F(UnhurriedQuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterARunThatWasStoppedToQuit)
 {
     guarded.startRun(u"exec sleep 60"_s);
     tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
@@ -184,7 +197,7 @@ TEST_F(QuittingTest, AsksAboutTheOperationThatGoesOnAfterTheRun)
     EXPECT_TRUE(wasAsked);
 }
 
-TEST_F(QuittingTest, StopsTheRunAndEndsWithoutAQuestionWhenToldTo)
+TEST_F(UnhurriedQuittingTest, StopsTheRunAndEndsWithoutAQuestionWhenToldTo)
 {
     guarded.startRun(u"exec sleep 60"_s);
     QTimer::singleShot(0, &guarded.guard, &QuitGuard::quitWithoutQuestion);
@@ -195,13 +208,13 @@ TEST_F(QuittingTest, StopsTheRunAndEndsWithoutAQuestionWhenToldTo)
     EXPECT_EQ(history.entries().first().note, u"stopped"_s);
 }
 
-TEST_F(QuittingTest, EndsAtOnceWithoutAQuestionWhenNothingGoesOn)
+TEST_F(UnhurriedQuittingTest, EndsAtOnceWithoutAQuestionWhenNothingGoesOn)
 {
     QTimer::singleShot(0, &guarded.guard, &QuitGuard::quitWithoutQuestion);
     EXPECT_TRUE(endsByItself());
 }
 
-TEST_F(QuittingTest, CancelsAnInstallAndWaitsForItWithoutAQuestion)
+TEST_F(UnhurriedQuittingTest, CancelsAnInstallAndWaitsForItWithoutAQuestion)
 {
     tools().addTool(u"brew"_s, TestTools::untilTerminated(5));
     guarded.tools.setup.install();
@@ -223,7 +236,7 @@ TEST_F(QuittingTest, AbandonsWhatDoesNotEndInTimeWithoutAQuestion)
     tools().addFile(u"go"_s);
 }
 
-TEST_F(QuittingTest, EndsInTimeWithoutAQuestionThoughTheMachineStaysAndAnOperationGoesOn)
+TEST_F(PatientQuittingTest, EndsInTimeWithoutAQuestionThoughTheMachineStaysAndAnOperationGoesOn)
 {
     addOrbThatCannotDelete(true);
     guarded.startRun(u"exec sleep 60"_s);

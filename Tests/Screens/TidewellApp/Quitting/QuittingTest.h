@@ -70,3 +70,13 @@ protected:
     RunController &run = guarded.tools.run;
     HistoryStore &history = guarded.tools.history;
 };
+
+/// With more patience than a test has, but for quitting without a question.
+class PatientQuittingTest : public QuittingTest
+{
+protected:
+    PatientQuittingTest()
+        : QuittingTest({.untilAskedAgain = std::chrono::minutes(5), .untilTheEnd = atOnce.untilTheEnd})
+    {
+    }
+};

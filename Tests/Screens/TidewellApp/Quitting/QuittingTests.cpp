@@ -7,18 +7,6 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-namespace
-{
-
-/// With more patience than a test has, but for quitting without a question.
-class PatientQuittingTest : public QuittingTest
-{
-protected:
-    PatientQuittingTest() : QuittingTest({.untilAskedAgain = 5min, .untilTheEnd = 300ms}) {}
-};
-
-} // namespace
-
 TEST(Quitting, WaitsFiveSecondsForARunAndTenInAll)
 {
     EXPECT_EQ(Quitting::Times().untilAskedAgain, 5s);
@@ -184,6 +172,7 @@ TEST_F(QuittingTest, TakesNoListThatWasAskedForAnotherMachine)
                                      u"fi"_s);
     guarded.startRun(u"exec sleep 60"_s);
     ASSERT_NE(stopToQuit(), nullptr);
+    EXPECT_TRUE(waitUntil([this] { return QDir(tools().path(u"asked"_s)).exists(); })) << "it is the first to ask";
     press(u"Keep open"_s);
     guarded.startRun(u"exec sleep 60"_s);
     EXPECT_FALSE(quit());
