@@ -47,6 +47,8 @@ class RowListTest : public testing::Test
 protected:
     RowListTest()
     {
+        // Nothing is painted but for the list's sake.
+        QApplication::setCursorFlashTime(0);
         window.resize(700, 400);
         auto *layout = new QVBoxLayout(&window);
         before = new QLineEdit(&window);

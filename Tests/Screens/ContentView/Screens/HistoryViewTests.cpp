@@ -193,6 +193,7 @@ TEST_F(HistoryViewTest, PaintsNothingForASaveThatChangesNothing)
 {
     addNumbered(50);
     show();
+    EXPECT_TRUE(waitUntil([this] { return window.setup.state() == OrbState::stopped; }));
     list().verticalScrollBar()->setValue(200);
     waitUntilPainted(window.content());
     PaintWatch watch(window.content());
@@ -244,6 +245,7 @@ TEST_F(HistoryViewTest, LeavesTheKeyboardSomewhereUsefulWhenTheLastEntryGoes)
 
 TEST_F(HistoryViewTest, DeletesOneRunByTwoQuickClicks)
 {
+    QApplication::setDoubleClickInterval(5000);
     addNumbered(5);
     show();
     QPushButton *first = list().row(0)->buttons()[1];
@@ -260,6 +262,7 @@ TEST_F(HistoryViewTest, DeletesOneRunByTwoQuickClicks)
     EXPECT_EQ(window.history.entries().size(), 4);
     clickThere({QApplication::startDragDistance(), 0});
     EXPECT_EQ(window.history.entries().size(), 3) << "the pointer has moved";
+    QApplication::setDoubleClickInterval(1);
     EXPECT_TRUE(waitUntil([&] {
         clickThere({QApplication::startDragDistance(), 0});
         return window.history.entries().size() == 2;
