@@ -1,4 +1,5 @@
 #include "Screens/ContentView/Screens/ContainersViewTest.h"
+#include "Screens/ThreadTimer.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
@@ -135,7 +136,7 @@ TEST_F(ContainersViewTest, AnswersWhileALogOfLongLinesComes)
 {
     write(u"log"_s, (QByteArray(qsizetype{1024} * 1024, 'x') + '\n').repeated(50));
     show();
-    QElapsedTimer turn;
+    ThreadTimer turn;
     qint64 longest = 0;
     QTimer heartbeat;
     heartbeat.callOnTimeout([&] { longest = std::max(longest, turn.restart()); });

@@ -3,9 +3,9 @@
 #include "ContentView/Screens/DateText.h"
 #include "HistoryStore/HistoryFile.h"
 #include "Screens/PaintWatch.h"
+#include "Support/ProcessorTimer.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QPlainTextEdit>
 #include <QScrollBar>
@@ -141,7 +141,7 @@ TEST_F(HistoryViewTest, IsQuickWithFiftyScriptsOfAMegabyte)
     const HistoryEntry oneLine = entryOf(QString(1000000, u'x'));
     window.history.add(oneLine);
     window.show();
-    QElapsedTimer timer;
+    ProcessorTimer timer;
     timer.start();
     window.content().setTab(AppTab::history);
     window.content().grab();
