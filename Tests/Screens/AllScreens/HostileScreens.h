@@ -7,6 +7,7 @@
 #include "Screens/AllScreens/Bait.h"
 #include "Screens/AllScreens/TextWalk.h"
 #include "Screens/TestWindow.h"
+#include "Support/ProcessLevels.h"
 #include "TidewellApp/MainWindow.h"
 
 #include <gtest/gtest.h>
@@ -100,8 +101,12 @@ public:
     /// What is begun from now on goes on until it is released.
     void hold() { files().addFile(QStringLiteral("hold")); }
     void release() { QFile::remove(files().path(QStringLiteral("hold"))); }
-    /// Lists fail from now on.
-    void failLists() { files().addFile(QStringLiteral("fail")); }
+    /// Lists fail from now on; none that was asked for before is still to come.
+    void failLists()
+    {
+        EXPECT_TRUE(waitUntil(ProcessLevels::hasNoChild));
+        files().addFile(QStringLiteral("fail"));
+    }
 
     /// Walks through all that is shown now. Widgets of these classes must be among those that hold the text.
     void expectAsItIs(const QStringList &classes)

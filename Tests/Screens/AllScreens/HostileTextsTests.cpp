@@ -1,5 +1,6 @@
 // Texts from outside that try to be more than texts, in every place where one arrives.
 
+#include "Look/LogBox.h"
 #include "Screens/AllScreens/HostileScreens.h"
 #include "Screens/ContentView/Screens/Run/RunViewSteps.h"
 #include "TidewellApp/Files/FileDialogs.h"
@@ -46,6 +47,15 @@ void closeAlert()
     ASSERT_TRUE(waitUntil([] { return alert() == nullptr; }));
 }
 
+/// Waits until a log shows the text; what is added to it comes in its next frame.
+void waitForLog(HostileScreens &screens, const QString &name)
+{
+    ASSERT_TRUE(waitUntil([&] {
+        const auto *log = find<LogBox>(screens.window(), name);
+        return log != nullptr && TextWalk::holds(log->shownText(), screens.text());
+    }));
+}
+
 } // namespace
 
 TEST(HostileTexts, AreShownAsTheyAreInTheNoteAndTheLogOfOrbStack)
@@ -55,7 +65,7 @@ TEST(HostileTexts, AreShownAsTheyAreInTheNoteAndTheLogOfOrbStack)
         setup.start();
         ASSERT_TRUE(waitUntil([&] { return !setup.busy() && TextWalk::holds(setup.log(), screens.text()); }));
         ASSERT_TRUE(waitFor(setup.stop()));
-        EXPECT_TRUE(waitUntil([&] { return shows(screens.window(), u"Setup log"_s); }));
+        waitForLog(screens, u"Setup log"_s);
         screens.expectAsItIs({u"NoteText"_s, u"LogBox"_s});
     });
 }
@@ -116,6 +126,7 @@ TEST(HostileTexts, AreShownAsTheyAreOnTheMachinesScreen)
         screens.window().content().setTab(AppTab::machines);
         screens.expectAsItIs({u"PlainLabel"_s, u"RowWidget"_s, u"QPushButton"_s});
         ASSERT_TRUE(waitFor(screens.below().machines.simple({u"start"_s, screens.machine()})));
+        waitForLog(screens, u"Machine log"_s);
         screens.failLists();
         ASSERT_TRUE(waitFor(screens.below().machines.refresh()));
         screens.expectAsItIs({u"PlainLabel"_s, u"RowWidget"_s, u"QPushButton"_s, u"NoteText"_s, u"LogBox"_s});
@@ -158,7 +169,7 @@ TEST(HostileTexts, AreShownAsTheyAreOnTheContainersScreenAndInALog)
         ASSERT_TRUE(waitFor(containers.action(u"stop"_s, screens.container())));
         screens.expectAsItIs({u"PlainLabel"_s, u"RowWidget"_s, u"QPushButton"_s, u"NoteText"_s});
         ASSERT_TRUE(waitFor(containers.logs(screens.container())));
-        ASSERT_TRUE(waitUntil([&] { return shows(screens.window(), u"Container log"_s); }));
+        waitForLog(screens, u"Container log"_s);
         screens.expectAsItIs({u"ContainerLogSheet"_s, u"LogBox"_s});
         containers.setShowLogs(false);
         screens.failLists();

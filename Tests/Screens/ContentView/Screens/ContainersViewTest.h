@@ -23,6 +23,7 @@
 #include <QScrollBar>
 #include <QWindow>
 
+#include <cstdio>
 #include <tuple>
 
 using namespace Qt::StringLiterals;
@@ -84,9 +85,12 @@ protected:
 
     void write(const QString &name, const QByteArray &content)
     {
-        QFile file(tools().path(name));
+        // Replaced as a whole: the tool may be reading it.
+        QFile file(tools().path(name + u".new"_s));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(content);
+        file.close();
+        ASSERT_EQ(std::rename(qPrintable(file.fileName()), qPrintable(tools().path(name))), 0);
     }
 
     void setContainers(const QByteArray &lines) { write(u"containers"_s, lines); }
