@@ -165,21 +165,28 @@ class MachineLife(EngineCase):
         self.assert_succeeds(self.orb("create", "debian", "box", timeout=20))
 
     def test_creation_takes_well_under_a_second_and_a_list_well_under_a_tenth(self):
+        def seconds_of(call, *arguments):
+            before = time.monotonic()
+            self.assert_succeeds(call(*arguments))
+            return time.monotonic() - before
+
+        def python():
+            return subprocess.run(["/usr/bin/python3", "-IS", "-c", "pass"], capture_output=True, text=True)
+
         def assert_takes(seconds, *arguments):
-            """Of twenty times, which others on this computer may prolong, one is to be as quick."""
-            for number in range(20):
-                before = time.monotonic()
-                self.assert_succeeds(self.orb(*(argument.replace("#", str(number)) for argument in arguments)))
-                took = time.monotonic() - before
-                if took < seconds:
-                    return
-            self.fail(f"orb {arguments[0]} took {took:.2f} s even the twentieth time")
+            """So long beyond what Python takes to start, some 0.01 s. Of up to twenty times, in turns, the quickest ones
+            are compared, since others on this computer may prolong them."""
+            bare, took = [], []
+            while len(took) < 3 or (len(took) < 20 and min(took) - min(bare) >= seconds):
+                bare.append(seconds_of(python))
+                took.append(seconds_of(self.orb, *(argument.replace("#", str(len(took))) for argument in arguments)))
+            self.assertLess(min(took) - min(bare), seconds, arguments[0])
 
         for name in "abcd":
             self.create(name)
-        assert_takes(0.7, "create", "debian", "box#")
-        assert_takes(0.1, "list", "-f", "json")
-        assert_takes(0.1, "status")
+        assert_takes(0.68, "create", "debian", "box#")
+        assert_takes(0.08, "list", "-f", "json")
+        assert_takes(0.08, "status")
 
 
 class Crashes(EngineCase):
