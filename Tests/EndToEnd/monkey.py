@@ -16,13 +16,15 @@ from harness import enter_own_tools
 from harness.desktop import Desktop
 from harness.seed import seed_or
 from harness.tidewell import ORB, Tidewell
-from harness.waiting import Gone, wait_until
+from harness.waiting import Gone, NotInTime, wait_until
 
 _ACTIONS_A_BURST = 25
 _ANSWERS_WITHIN_SECONDS = 1
 _ENDS_WITHIN_SECONDS = 60
 # A leak would grow with each burst; these are what one state of the window needs more than another.
-_MORE_DESCRIPTORS, _MORE_THREADS, _MORE_MEBIBYTES = 8, 4, 150
+_MORE = {"descriptors": 8, "threads": 4, "MiB": 150}
+# What is needed no more may be given back a while after all has come to rest.
+_LEVEL_WITHIN_SECONDS = 30
 
 # Each call does what the real tool does, or fails in one of the ways that tools fail.
 _TOOL = """\
@@ -74,6 +76,17 @@ class Monkey:
         return {"descriptors": len(os.listdir(f"{folder}/fd")), "threads": len(os.listdir(f"{folder}/task")),
                 "MiB": private // 1024}  # fmt: skip
 
+    def expect_level(self, first):
+        def grown():
+            now = self.levels()
+            return [f"{what} grew from {first[what]} to {now[what]}"
+                    for what, more in _MORE.items() if now[what] > first[what] + more]  # fmt: skip
+
+        try:
+            wait_until(lambda: not grown(), "what it holds is level", limit=_LEVEL_WITHIN_SECONDS)
+        except NotInTime as error:
+            raise AssertionError(f"{error}: {', '.join(grown())}") from None
+
     def what_it_did(self):
         return "\n".join(self._last[-_ACTIONS_A_BURST:])
 
@@ -120,7 +133,11 @@ class Monkey:
     def _size(self):
         size = (self._random.randint(300, 1000), self._random.randint(200, 780))
         self._did(f"size {size}")
-        self._tidewell.desktop.resize_window(self._tidewell.process.pid, *size)
+        try:
+            self._tidewell.desktop.resize_window(self._tidewell.process.pid, *size)
+        except (subprocess.CalledProcessError, IndexError):
+            # A list or a tip that was its first window has closed since.
+            raise Gone("the window") from None
 
     def _expect_an_answer(self):
         if (status := self._tidewell.process.poll()) is not None:
@@ -171,17 +188,14 @@ def swing(tidewell, seconds, seed):
     try:
         while time.monotonic() < end:
             monkey.burst()
-            now = monkey.levels()
             # The first burst shows each screen and fills what is kept.
-            first = first or now
-            allowed = {"descriptors": _MORE_DESCRIPTORS, "threads": _MORE_THREADS, "MiB": _MORE_MEBIBYTES}
-            for what, more in allowed.items():
-                if now[what] > first[what] + more:
-                    raise AssertionError(f"{what} grew from {first[what]} to {now[what]}")
+            first = first or monkey.levels()
+            monkey.expect_level(first)
+        last = monkey.levels()
     except (AssertionError, Gone, OSError, subprocess.SubprocessError) as error:
         log = open(tidewell.path("tidewell.log"), encoding="utf-8", errors="replace").read()[-4000:]
         raise AssertionError(f"seed {seed}, after {monkey.actions} actions: {error}\n{monkey.what_it_did()}\n{log}") from None
-    return monkey.actions, first, now
+    return monkey.actions, first, last
 
 
 def start(program, desktop):

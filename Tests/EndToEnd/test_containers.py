@@ -112,6 +112,7 @@ class Containers(WindowCase):
     def test_a_log_is_read_in_its_sheet(self):
         self.engine.run("run", "-d", "--name", "web", IMAGE)
         self.engine.run("create", "--name", "silent", IMAGE)
+        wait_until(lambda: self.engine.run("logs", "web").stderr, "web has said all")
         tidewell = self.start_on_tab()
         tidewell.press("Logs", "Logs web")
         tidewell.wait_for("Logs: web")

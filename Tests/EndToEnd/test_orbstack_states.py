@@ -56,8 +56,8 @@ class OrbStackStates(WindowCase):
         self.assertFalse(tidewell.button("Install OrbStack").is_enabled)
         tidewell.write_pipe("go")
         tidewell.wait_for("OrbStack running")
+        wait_until(lambda: "\nInstall finished.\n$ orb start\n" in log.text, "both steps in the log")
         self.assertTrue(log.text.startswith("$ brew install --cask orbstack\n"))
-        self.assertIn("\nInstall finished.\n$ orb start\n", log.text)
         with open(tidewell.path("brew-arguments"), encoding="utf-8") as file:
             self.assertEqual(file.read(), "install --cask orbstack\n")
 
@@ -76,7 +76,8 @@ class OrbStackStates(WindowCase):
         tidewell.add_tool("brew", "echo 'Error: no room' >&2; exit 3\n")
         tidewell.press("Install OrbStack")
         tidewell.wait_for("Install failed (exit 3). See the log.")
-        self.assertIn("Error: no room\n", tidewell.find(name="Setup log").text)
+        log = tidewell.find(name="Setup log")
+        wait_until(lambda: "Error: no room\n" in log.text, "brew's error in the log")
 
 
 if __name__ == "__main__":

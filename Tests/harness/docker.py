@@ -80,7 +80,7 @@ class DockerEngine:
                                               "--mount-proc", "sh", "-c", 'busybox ip link set lo up && exec "$@"',
                                               "sh", *command],
                                              stdin=subprocess.DEVNULL, stdout=log, stderr=log)  # fmt: skip
-        wait_until(lambda: self.answers() or self._process.poll() is not None, "the Docker engine answers")
+        wait_until(lambda: self.answers() or self._process.poll() is not None, "the Docker engine answers", limit=90)
         if self._process.poll() is not None:
             with open(f"{self._folder}/log", encoding="utf-8", errors="replace") as log:
                 raise OSError(f"the Docker engine did not start: {log.read()[-500:]}")
