@@ -203,9 +203,8 @@ void Quitting::goOn()
         if (!isSomethingGoingOn())
             QCoreApplication::exit();
     } else if (isQuestionOutdated()) {
-        const bool isMeant = m_isMeant;
-        m_question->close();
-        if (isMeant)
+        closeQuestion();
+        if (m_isMeant)
             quit();
     } else if (m_awaited == Awaited::run && !m_controllers.run.isRunning()) {
         checkMachine();
@@ -231,8 +230,7 @@ QCoro::Task<> Quitting::checkMachine()
     if (name.isEmpty())
         co_return quit();
     // That the run has not ended is true no more; the list is given as long again.
-    if (m_question)
-        m_question->close();
+    closeQuestion();
     m_patience.start(m_times.untilAskedAgain);
     m_awaited = Awaited::machineGone;
     m_machine = name;
@@ -252,11 +250,19 @@ void Quitting::askAboutMachine()
 {
     m_patience.stop();
     m_awaited = Awaited::nothing;
-    if (m_question)
-        m_question->close();
+    closeQuestion();
     askWhetherToQuitAnyway(m_machine + u" could not be deleted."_s,
                            u"The output tells why. As long as it is there, the Machines tab lists it and deletes it."_s,
                            [this] { quit(); });
+}
+
+/// The question is of no use any more; what the user has answered before still holds.
+void Quitting::closeQuestion()
+{
+    const bool isMeant = m_isMeant;
+    if (m_question)
+        m_question->close();
+    m_isMeant = isMeant;
 }
 
 void Quitting::quit()
@@ -265,8 +271,7 @@ void Quitting::quit()
         return;
     m_patience.stop();
     m_awaited = Awaited::nothing;
-    if (m_question)
-        m_question->close();
+    closeQuestion();
     // Anew, for something else may have begun.
     QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }

@@ -80,6 +80,7 @@ private:
     void endSaving(bool isSaved);
     QCoro::Task<> checkMachine();
     void askAboutMachine();
+    void closeQuestion();
     void quit();
     void quitAnyway();
 

@@ -137,6 +137,22 @@ TEST_F(UnhurriedQuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfte
     EXPECT_TRUE(endsByItself());
 }
 
+TEST_F(QuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterARunThatEndedWhileItWasAskedAgain)
+{
+    startIgnoringRun();
+    tools().addTool(u"docker"_s, tools().waitForFile(u"done"_s));
+    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    ASSERT_NE(asked(u"The run has not ended yet."_s), nullptr);
+    QTimer::singleShot(0, &guarded.window, [this] {
+        tools().addFile(u"go"_s);
+        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+        tools().addFile(u"done"_s);
+    });
+    EXPECT_TRUE(endsByItself());
+}
+
 TEST_F(QuittingTest, LeavesAnOperationWhenAskedTwice)
 {
     tools().addTool(u"orb"_s, tools().waitForFile(u"go"_s));
