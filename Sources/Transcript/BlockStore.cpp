@@ -85,8 +85,7 @@ void BlockStore::stop()
 std::int64_t BlockStore::memory() const
 {
     const std::lock_guard guard(m_lock);
-    const auto plain =
-        std::count_if(m_plain.begin(), m_plain.end(), [](const auto &block) { return block != nullptr; });
+    const auto plain = std::ranges::count_if(m_plain, [](const auto &block) { return block != nullptr; });
     return m_entries.memory() + m_packed.memory() + plain * TextBlock::capacity;
 }
 
@@ -123,7 +122,7 @@ BlockStore::Source BlockStore::source(Number number) const
             .packed = wanted.place < 0 ? PackedBlocks::Location() : m_packed.find(wanted.place),
             .packedSize = wanted.packedSize,
             .contentSize = wanted.contentSize,
-            .textSize = entry(number + 1).before.bytes - wanted.before.bytes};
+            .textSize = textSize(number)};
 }
 
 BlockStore::BlockPointer BlockStore::load(const Source &source) const
@@ -226,6 +225,9 @@ void BlockStore::packOne(Lock &lock, BlockPacker &packer)
     if (number < m_firstPlain)
         return; // forgotten meanwhile
     const PackedBlocks::Room room = m_packed.makeRoom(packed.size(), number);
+    entry(number).place = room.place; // already now: the slab may be let go before it is filled
+    entry(number).packedSize = static_cast<std::int32_t>(packed.size());
+    entry(number).contentSize = static_cast<std::int32_t>(content.size());
     // Without the lock, which the window may wait for: the pages are touched for the first time.
     lock.unlock();
     std::copy(packed.begin(), packed.end(), room.memory->data() + room.offset);
@@ -233,16 +235,13 @@ void BlockStore::packOne(Lock &lock, BlockPacker &packer)
     m_packed.fill(room);
     if (number < m_firstPlain)
         return;
-    Entry &packedEntry = entry(number);
-    packedEntry.place = room.place;
-    packedEntry.packedSize = static_cast<std::int32_t>(packed.size());
-    packedEntry.contentSize = static_cast<std::int32_t>(content.size());
     m_plain[static_cast<std::size_t>(number - m_firstPlain)].reset();
     release(m_unused);
     if (m_packed.memory() > m_storage.packedBytes + m_storage.waitingBytes) {
         const PackedBlocks::Numbers lost = m_packed.letGoWaiting(m_unused);
         if (lost.begin < lost.end) {
-            m_loss.inside += entry(lost.end).before.bytes - entry(std::max(lost.begin, m_first)).before.bytes;
+            for (Number each = std::max(lost.begin, m_first); each < lost.end; ++each)
+                m_loss.inside += lost.areAt(entry(each).place) ? textSize(each) : 0;
             m_loss.cause = m_loss.cause == Cause::none ? Cause::diskIsSlow : m_loss.cause;
             if (m_onLoss)
                 m_onLoss();

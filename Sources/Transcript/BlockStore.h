@@ -111,6 +111,8 @@ private:
 
     Entry &entry(Number number) { return m_entries[number - m_first]; }
     const Entry &entry(Number number) const { return m_entries[number - m_first]; }
+    /// Bytes; not of the last block.
+    std::int64_t textSize(Number number) const { return entry(number + 1).before.bytes - entry(number).before.bytes; }
     Number numberAt(std::int64_t position) const;
     Source source(Number number) const;
     BlockPointer load(const Source &source) const;

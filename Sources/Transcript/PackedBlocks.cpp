@@ -22,15 +22,16 @@ PackedBlocks::Room PackedBlocks::makeRoom(qsizetype size, Number number)
     if (m_slabs.empty() || !m_slabs.back().memory || m_slabs.back().size + size > slabSize) {
         Slab &slab = m_slabs.emplace_back();
         slab.memory = m_pool->take();
-        slab.numbers = {number, number};
+        slab.numbers = {number, number, (m_firstSlab + static_cast<std::int64_t>(m_slabs.size()) - 1) * slabSize};
     }
     Slab &slab = m_slabs.back();
     const std::int32_t offset = slab.size;
     slab.size += static_cast<std::int32_t>(size);
     ++slab.unfilled;
-    slab.numbers = {std::min(slab.numbers.begin, number), std::max(slab.numbers.end, number + 1)};
+    slab.numbers.begin = std::min(slab.numbers.begin, number);
+    slab.numbers.end = std::max(slab.numbers.end, number + 1);
     m_memory += size;
-    return {slab.memory, offset, (m_firstSlab + static_cast<std::int64_t>(m_slabs.size()) - 1) * slabSize + offset};
+    return {slab.memory, offset, slab.numbers.slab + offset};
 }
 
 void PackedBlocks::fill(const Room &room)

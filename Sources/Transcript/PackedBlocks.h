@@ -66,7 +66,7 @@ public:
         Place place = 0;
     };
     /// Makes room for a packed block of that size, which is to be copied there; then it is there. Blocks come about in
-    /// the order of their numbers. Throws std::bad_alloc.
+    /// the order of their numbers: two threads pack them. Throws std::bad_alloc.
     Room makeRoom(qsizetype size, Number number);
     void fill(const Room &room);
     Location find(Place place) const;
@@ -80,10 +80,14 @@ public:
     /// It was written, or not.
     void filed(const Filing &filing, bool isWritten, Unused &unused);
 
-    /// The blocks of a slab, as a half-open range.
+    /// The blocks of a slab: of a half-open range those that are there. Some of it may be in another slab.
     struct Numbers {
         Number begin = 0;
         Number end = 0;
+        /// Where the slab begins.
+        Place slab = 0;
+
+        bool areAt(Place place) const { return place >= slab && place < slab + slabSize; }
     };
     /// Lets the oldest slab go, wherever it is, so that there is room for another.
     Numbers letGoOldest(Unused &unused);

@@ -234,6 +234,24 @@ TEST_F(PackedBlocksTest, KnowTheNumbersOfASlabInWhateverOrderTheyCome)
     EXPECT_EQ(add(7, 10), slabSize);
 }
 
+TEST_F(PackedBlocksTest, AreLetGoOfTheirSlabOnlyWhereOneCameLate)
+{
+    const PackedBlocks::Place second = add(1);
+    const PackedBlocks::Place first = add(0, 10);
+    const PackedBlocks::Place third = add(2, 10);
+    add(3);
+    const PackedBlocks::Numbers before = blocks.letGoWaiting(unused);
+    EXPECT_EQ(pairOf(before), Numbers(1, 2));
+    EXPECT_TRUE(before.areAt(second));
+    EXPECT_FALSE(before.areAt(first) || before.areAt(third));
+    EXPECT_FALSE(before.areAt(-1)) << "one that is not packed";
+    const PackedBlocks::Numbers behind = blocks.letGoWaiting(unused);
+    EXPECT_EQ(pairOf(behind), Numbers(0, 3));
+    EXPECT_FALSE(behind.areAt(second));
+    EXPECT_TRUE(behind.areAt(first) && behind.areAt(third));
+    EXPECT_EQ(pairOf(blocks.letGoWaiting(unused)), Numbers(0, 0));
+}
+
 TEST_F(PackedBlocksTest, GiveThingsBackWithGapsInWhichOthersGetTheirMemory)
 {
     auto thing = std::make_shared<int>(1);
