@@ -49,8 +49,9 @@ void Transcript::beginRecord()
 {
     m_record.moveBegin(end());
     m_recordBegin = end();
-    m_lostBefore = m_store.loss().inside;
     dropUnused();
+    // Of what was dropped nothing can be lost any more.
+    m_lostBefore = m_store.loss().inside;
 }
 
 void Transcript::dropLost()
