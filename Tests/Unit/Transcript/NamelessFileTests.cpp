@@ -2,6 +2,7 @@
 
 #include "Support/Mebibyte.h"
 #include "Support/Seed.h"
+#include "Unit/Transcript/FileSizeLimit.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -95,17 +95,12 @@ TEST(NamelessFile, DoesNotGrowPastTheLimitForFilesAtWhichTheSystemEndsAProcess)
 {
     const QTemporaryDir folder;
     const std::shared_ptr<NamelessFile> file = NamelessFile::open(folder.path().toStdString());
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    rlimit lower = before;
-    lower.rlim_cur = 2 * mebibyte;
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &lower), 0);
+    const FileSizeLimit limit(2 * mebibyte);
     EXPECT_TRUE(file->mayGrow(2 * mebibyte, 0, 0));
     EXPECT_FALSE(file->mayGrow(2 * mebibyte + 1, 0, 0));
     const auto former = std::signal(SIGXFSZ, SIG_IGN);
     EXPECT_EQ(file->write(2 * mebibyte, "x"), EFBIG) << "and not for ever";
     std::signal(SIGXFSZ, former);
-    ::setrlimit(RLIMIT_FSIZE, &before);
 }
 
 TEST(NamelessFile, IsGoneWheneverItsProcessIsKilled)
