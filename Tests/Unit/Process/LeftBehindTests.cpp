@@ -83,11 +83,13 @@ TEST(LeftBehind, IsNoChildThatEndsInItsGraceTime)
 TEST(LeftBehind, IsAGrandchildThatHoldsThePipesBeyondTheTimeLimit)
 {
     TestTools tools;
-    const auto recording = recordHasty(tools.addTool(u"parent"_s, u"sleep 60 & echo $!; exec sleep 60"_s), 0.3, 0.3);
+    const auto recording = recordHasty(tools.addTool(u"parent"_s, u"sleep 60 & echo $!; exec sleep 60"_s), 3, 0.3);
     ASSERT_TRUE(recording->waitForEnd());
     EXPECT_EQ(recording->status, SIGTERM) << "the child itself has ended";
     EXPECT_TRUE(recording->handle->timedOut());
-    EXPECT_EQ(::kill(recording->output.trimmed().toInt(), SIGKILL), 0);
+    const pid_t grandchild = recording->output.trimmed().toInt();
+    ASSERT_GT(grandchild, 0) << "else the signal would be for this process, too";
+    EXPECT_EQ(::kill(grandchild, SIGKILL), 0);
 }
 
 TEST(LeftBehind, IsNoChildWithoutATimeLimit)
