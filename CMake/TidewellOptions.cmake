@@ -31,5 +31,7 @@ if(TIDEWELL_SANITIZER MATCHES "address|fuzzer")
   endif()
 elseif(TIDEWELL_SANITIZER STREQUAL "thread")
   target_compile_options(TidewellOptions INTERFACE -fsanitize=thread)
+  # As above.
+  target_compile_definitions(TidewellOptions INTERFACE "$<$<CXX_COMPILER_ID:Clang,AppleClang>:__SANITIZE_THREAD__>")
   target_link_options(TidewellOptions INTERFACE -fsanitize=thread)
 endif()

@@ -146,7 +146,7 @@ TEST(MachinesInJson, AreReadQuicklyWhenThereAreFiveThousand)
     ASSERT_EQ(machines->size(), 5000);
     EXPECT_EQ(machines->last().name, u"machine-4999"_s);
 #ifndef __SANITIZE_THREAD__ // which makes all code ten times slower and says nothing of the product's speed
-    EXPECT_LT(timer.elapsed(), 1000);
+    EXPECT_LT(timer.elapsed(), 5000);
 #endif
 }
 

@@ -132,7 +132,9 @@ TEST(ToolLog, TakesAFloodInTimeThatGrowsWithItsSizeOnly)
         for (int count = 0; count < 400'000; ++count)
             append(log, piece);
         RecordProperty("milliseconds", static_cast<int>(timer.elapsed()));
+#ifndef __SANITIZE_THREAD__ // which makes all code ten times slower and says nothing of the product's speed
         EXPECT_LT(timer.elapsed(), 5000) << piece.toStdString();
+#endif
     }
 }
 
