@@ -35,6 +35,8 @@ TEST_F(RunControllerTest, HoldsNoScriptUpHoweverMuchItPrints)
     TextStorage small;
     small.plainBlocks = 4;
     small.packedBytes = 1024 * 1024;
+    small.diskReserve = 0; // however little this disk has free
+    small.diskReserveShare = 0;
     RunController little(limits, small);
     RunJob flood = job;
     flood.script = u"yes 'a line of some length' | head -c 40000000; base64 -w 76 /dev/urandom | head -c 10000000"_s;
