@@ -13,8 +13,8 @@ namespace
 {
 
 /// Seconds. Only a tool that hangs is waited for so long; one that works has to be quicker, also on a busy computer.
-constexpr double shortLimit = 0.5;
-constexpr double farLimit = 60;
+constexpr double shortLimit = 1;
+constexpr double farLimit = 120;
 
 class FaultSweep : public testing::TestWithParam<Fault>
 {
@@ -23,7 +23,7 @@ protected:
     QString told(const Operation &operation, AllControllers &all)
     {
         const std::function<bool()> isOver = operation.begin(all);
-        EXPECT_TRUE(waitUntil([&] { return isOver() || tools.wasAskedInVain(); }, std::chrono::seconds(30)));
+        EXPECT_TRUE(waitUntil([&] { return isOver() || tools.wasAskedInVain(); }));
         tools.release();
         EXPECT_TRUE(waitUntil(isOver));
         return operation.told(all);

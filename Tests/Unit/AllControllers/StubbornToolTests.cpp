@@ -73,7 +73,7 @@ TEST(StubbornTools, AreLeftBehindByPollingAndAwaitedByAnOperation)
             polled.begin(operation);
     }
 
-    EXPECT_TRUE(waitUntil([&] { return polled.names(false).empty(); }, std::chrono::seconds(30)));
+    EXPECT_TRUE(waitUntil([&] { return polled.names(false).empty(); }));
     EXPECT_EQ(polled.names(false), none);
     EXPECT_EQ(polled.names(true).size(), 4U);
     EXPECT_EQ(asked.names(true), none) << "though they were asked to terminate before the last of the others";
