@@ -12,9 +12,12 @@
 #include <memory>
 #include <optional>
 
+/// The watchdog's time. What waits so long hangs: a slow computer under a sanitizer takes a tenth of it. Limits of
+/// tools that stand for "far away" are no shorter.
+inline constexpr std::chrono::seconds watchdogTime(120);
+
 /// Turns the event loop until `condition` holds; false when `limit` passed first.
-inline bool waitUntil(const std::function<bool()> &condition,
-                      std::chrono::milliseconds limit = std::chrono::milliseconds(20000))
+inline bool waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds limit = watchdogTime)
 {
     return QTest::qWaitFor(condition, static_cast<int>(limit.count()));
 }
@@ -23,10 +26,8 @@ inline bool waitUntil(const std::function<bool()> &condition,
 /// for a task without a value, whether it ended. An object and not a function, so that the function of the same name in
 /// the task's own namespace, which has no limit, does not take part.
 struct TaskWaiter {
-    static constexpr std::chrono::milliseconds usualLimit{20000};
-
     template <typename Value>
-    std::optional<Value> operator()(QCoro::Task<Value> task, std::chrono::milliseconds limit = usualLimit) const
+    std::optional<Value> operator()(QCoro::Task<Value> task, std::chrono::milliseconds limit = watchdogTime) const
     {
         const auto value = std::make_shared<std::optional<Value>>();
         std::move(task).then([value](Value result) { *value = std::move(result); });
@@ -34,7 +35,7 @@ struct TaskWaiter {
         return std::move(*value);
     }
 
-    bool operator()(QCoro::Task<> task, std::chrono::milliseconds limit = usualLimit) const
+    bool operator()(QCoro::Task<> task, std::chrono::milliseconds limit = watchdogTime) const
     {
         const auto done = std::make_shared<bool>(false);
         std::move(task).then([done] { *done = true; });

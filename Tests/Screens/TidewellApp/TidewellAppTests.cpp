@@ -1,6 +1,7 @@
 #include "TidewellApp/TidewellApp.h"
 
 #include "Screens/TestWindow.h"
+#include "Support/Waiting.h"
 #include "TidewellApp/Files/ScriptFiles.h"
 #include "TidewellApp/IgnoredSignals.h"
 #include "TidewellApp/MainWindow.h"
@@ -111,7 +112,7 @@ TEST(TidewellApp, EndsInItsOwnTimeOnATerminationSignal)
         QTimer watchdog;
         watchdog.setSingleShot(true);
         QObject::connect(&watchdog, &QTimer::timeout, [] { QCoreApplication::exit(1); });
-        watchdog.start(std::chrono::seconds(20));
+        watchdog.start(watchdogTime);
         QTimer::singleShot(0, &watchdog, [signal] { std::raise(signal); });
         EXPECT_EQ(QApplication::exec(), 0) << signal;
     }

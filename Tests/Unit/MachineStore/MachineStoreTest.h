@@ -30,7 +30,7 @@ protected:
     QStringList calls() const { return tools.calls(QStringLiteral("orb")); }
 
     TestTools tools;
-    MachineStore store{MachineTimeLimits{.list = 20, .simple = 20, .deletion = 20, .creation = 20}};
+    MachineStore store{MachineTimeLimits{.list = 120, .simple = 120, .deletion = 120, .creation = 120}};
 };
 
 inline const QList<Machine> box{{QStringLiteral("box"), QStringLiteral("running"), QString(), QString()}};

@@ -97,7 +97,7 @@ TEST_F(CurrentToolTest, WaitsNoMoreForThePipesOfAToolThatHasEndedWhenAskedToStop
     auto running = tool->stream(path, {}, std::nullopt, std::nullopt, hear);
     // Nothing is delivered before the event loop runs, so most of it waits when the stop is requested.
     const ProcessHandlePointer handle = tool->handle();
-    const QDeadlineTimer watchdog(std::chrono::seconds(20));
+    const QDeadlineTimer watchdog(watchdogTime);
     while (handle->isRunning() && !watchdog.hasExpired())
         std::this_thread::yield();
     EXPECT_FALSE(running.isReady()) << "somebody holds its pipes";

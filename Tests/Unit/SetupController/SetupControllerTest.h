@@ -52,7 +52,7 @@ protected:
     QStringList calls() const { return tools.calls(QStringLiteral("orb")); }
 
     TestTools tools;
-    const SetupTimeLimits limits{.status = 20, .start = 20, .stop = 20, .install = 20, .pollInterval = 0.01};
+    const SetupTimeLimits limits{.status = 120, .start = 120, .stop = 120, .install = 120, .pollInterval = 0.01};
     SetupController setup{limits};
     QStringList order;
 };

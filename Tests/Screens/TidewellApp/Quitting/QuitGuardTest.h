@@ -3,6 +3,7 @@
 // What all tests of quitting share: a guarded window over fake tools, and the wish to quit.
 
 #include "Screens/TestWindow.h"
+#include "Support/Waiting.h"
 #include "TidewellApp/Files/OutputSaving.h"
 #include "TidewellApp/Quitting/QuitGuard.h"
 
@@ -61,6 +62,6 @@ inline bool endsByItself()
     QTimer watchdog;
     watchdog.setSingleShot(true);
     QObject::connect(&watchdog, &QTimer::timeout, [] { QCoreApplication::exit(1); });
-    watchdog.start(std::chrono::seconds(20));
+    watchdog.start(watchdogTime);
     return QApplication::exec() == 0;
 }
