@@ -96,10 +96,21 @@ QString TestTools::addFile(const QString &name, const QByteArray &content)
     return path(name);
 }
 
-QString TestTools::waitForFile(const QString &name) const
+QString TestTools::waitForFile(const QString &name, double pause) const
 {
     // Not beyond the test, which may leave a tool behind that will not be terminated.
-    return QStringLiteral("while [ ! -e '%1' ] && [ -d '%2' ]; do sleep 0.01; done\n").arg(path(name), m_folder.path());
+    return QStringLiteral("while [ ! -e '%1' ] && [ -d '%2' ]; do sleep %3; done\n")
+        .arg(path(name), m_folder.path(), QString::number(pause));
+}
+
+QString TestTools::tellByFile(const QString &name) const
+{
+    return QStringLiteral(": > '%1'\n").arg(path(name));
+}
+
+bool TestTools::hasFile(const QString &name) const
+{
+    return QFile::exists(path(name));
 }
 
 QString TestTools::untilTerminated(int status)

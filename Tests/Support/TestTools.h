@@ -35,8 +35,13 @@ public:
     /// Writes a file outside the tool directories, for tools to read or to wait for, and returns its path.
     QString addFile(const QString &name, const QByteArray &content = {});
 
-    /// Script text that goes on until the file `name` exists.
-    QString waitForFile(const QString &name) const;
+    /// Script text that goes on until the file `name` exists, and looks for it after each pause, in seconds.
+    QString waitForFile(const QString &name, double pause = 0.01) const;
+
+    /// Script text that tells `hasFile(name)`: a tool's call is recorded before its body begins, and so before its
+    /// traps are set.
+    QString tellByFile(const QString &name) const;
+    bool hasFile(const QString &name) const;
 
     /// Script text that goes on until the tool is asked to terminate, and then ends it with `status`.
     static QString untilTerminated(int status);

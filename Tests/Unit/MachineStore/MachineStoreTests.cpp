@@ -209,6 +209,7 @@ TEST_F(MachineStoreTest, MayGoAwayWhileItsToolsRun)
         else
             doomed->remove(u"b"_s);
     }
+    EXPECT_TRUE(waitUntil([this] { return calls().size() == 4; }));
     tools.addFile(u"go"_s);
     EXPECT_TRUE(waitUntil([&] { return ended == 1; }));
     EXPECT_TRUE(waitFor(store.refresh()));

@@ -56,8 +56,8 @@ TEST_F(CurrentToolTest, HasAHandleWhileAToolRunsAndNoneBetweenTwo)
 
 TEST_F(CurrentToolTest, AsksTheToolThatRunsToTerminate)
 {
-    auto running = step(TestTools::untilTerminated(5));
-    EXPECT_TRUE(waitForCalls(1));
+    auto running = step(u"trap 'exit 5' TERM\n"_s + tools.tellByFile(u"up"_s) + u"while :; do sleep 0.01; done"_s);
+    EXPECT_TRUE(waitUntil([this] { return tools.hasFile(u"up"_s); }));
     EXPECT_FALSE(tool->isStopRequested());
     tool->requestStop();
     EXPECT_TRUE(tool->isStopRequested());

@@ -239,7 +239,8 @@ TEST(Stream, RunsTwoHundredChildrenAtOnce)
 TEST(Stream, RunsAsManyChildrenAsThereAreDescriptors)
 {
     TestTools tools;
-    const QString tool = tools.addTool(u"talker"_s, u"echo up; "_s + tools.waitForFile(u"go"_s));
+    // A hundred that look a hundred times a second would leave others no processor.
+    const QString tool = tools.addTool(u"talker"_s, u"echo up; "_s + tools.waitForFile(u"go"_s, 0.2));
     ASSERT_TRUE(record(tools.addTool(u"silent"_s, u":"_s))->waitForEnd());
     std::vector<std::shared_ptr<StreamRecording>> recordings;
     const DescriptorRoom room(100 * 3 + 10); // each has two pipes and a notice
@@ -297,12 +298,14 @@ TEST(Stream, HearsOtherChildrenWhileAHandlerTurnsTheEventLoop)
     bool ended = false;
     QString order;
     OrbCLI::stream(
-        tools.addTool(u"outer"_s, u"echo 1; sleep 0.05; echo 2; exit 0"_s), {}, std::nullopt, std::nullopt,
+        tools.addTool(u"outer"_s, u"echo 1; "_s + tools.waitForFile(u"go"_s) + u"echo 2; exit 0"_s), {}, std::nullopt,
+        std::nullopt,
         [&](QUtf8StringView text, bool) {
             order += u'(';
             if (!other) {
                 other = record(tool);
                 otherEndedInside = other->waitForEnd();
+                tools.addFile(u"go"_s);
             }
             order += Utf8::toQString(text).trimmed() + u')';
         },

@@ -118,9 +118,9 @@ TEST_F(RunControllerTest, StopsDuringTheCreationWhateverItsStatusAndDeletesAllTh
 
 TEST_F(RunControllerTest, KeepsWhatTheCreationStillPrintsAfterAStop)
 {
-    addOrb(u"trap 'echo cleaning up; exit 1' TERM; while :; do sleep 0.01; done"_s);
+    addOrb(u"trap 'echo cleaning up; exit 1' TERM\n"_s + tools.tellByFile(u"up"_s) + u"while :; do sleep 0.01; done"_s);
     run.start(disposableJob, &history);
-    EXPECT_TRUE(waitForCall(1));
+    EXPECT_TRUE(waitUntil([this] { return tools.hasFile(u"up"_s); }));
     run.stop();
     EXPECT_TRUE(waitUntilIdle());
     EXPECT_EQ(told(run).first(), u"info: Creating disposable machine sbx-NNNNNN (debian)…\ncleaning up\n"_s);

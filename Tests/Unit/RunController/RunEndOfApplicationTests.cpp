@@ -66,10 +66,10 @@ TEST_F(RunControllerTest, AbandonsARunWithItsHistoryWrittenAndItsDeletionBegun)
     const DisposableMachines machines(tools.path(u"support"_s));
     RunController careful(limits, {}, machines);
     addOrb(u":"_s, u"echo to nobody; : > '%1'"_s.arg(tools.path(u"deleted"_s)),
-           u"trap ': > \"%1\"' TERM; while [ ! -e '%2' ]; do sleep 0.01; done"_s.arg(tools.path(u"asked"_s),
-                                                                                     tools.path(u"go"_s)));
+           u"trap ': > \"%1\"' TERM\n"_s.arg(tools.path(u"asked"_s)) + tools.tellByFile(u"up"_s) +
+               tools.waitForFile(u"go"_s));
     careful.start(disposableJob, &history);
-    EXPECT_TRUE(waitForCall(2));
+    EXPECT_TRUE(waitUntil([this] { return tools.hasFile(u"up"_s); }));
     careful.abandon();
     ASSERT_EQ(history.entries().size(), 1) << "at once";
     const HistoryEntry entry = history.entries().first();
@@ -112,6 +112,7 @@ TEST_F(RunControllerTest, AbandonsADeletionWithTheOutcomeThatTheScriptHad)
     ASSERT_EQ(history.entries().size(), 1);
     EXPECT_EQ(history.entries().first().exitCode, 7);
     EXPECT_EQ(history.entries().first().note, QString());
+    EXPECT_TRUE(waitForCall(4)) << "the deletion that outlives the application";
     tools.addFile(u"go"_s);
     EXPECT_TRUE(waitUntilIdle());
 

@@ -58,9 +58,10 @@ TEST_F(RunControllerTest, StopsBetweenTheCreationAndTheScriptAndDeletesAllTheSam
 
 TEST_F(RunControllerTest, WaitsForAToolThatIgnoresTheStop)
 {
-    addOrb(u":"_s, u":"_s, u"trap '' TERM\n"_s + tools.waitForFile(u"go"_s) + u"echo still here"_s);
+    addOrb(u":"_s, u":"_s,
+           u"trap '' TERM\n"_s + tools.tellByFile(u"up"_s) + tools.waitForFile(u"go"_s) + u"echo still here"_s);
     run.start(job, &history);
-    EXPECT_TRUE(waitForCall(1));
+    EXPECT_TRUE(waitUntil([this] { return tools.hasFile(u"up"_s); }));
     run.stop();
     run.stop();
     EXPECT_TRUE(run.isRunning());
