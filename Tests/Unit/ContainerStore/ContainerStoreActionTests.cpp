@@ -46,7 +46,7 @@ TEST_F(ContainerStoreAction, ClearsTheLastMessageWhenItSucceeds)
 
 TEST_F(ContainerStoreAction, TellsATimeOutEvenWhenDockerThenEndsWell)
 {
-    ContainerStore impatient({.action = 0.3});
+    ContainerStore impatient({.action = 1});
     tools.addTool(u"docker"_s, dockerWith(u"trap 'exit 0' TERM; echo waiting; while :; do sleep 0.05; done"_s));
     impatient.action(u"stop"_s, web);
     ASSERT_TRUE(waitUntil([&impatient] { return !impatient.busy(); }));

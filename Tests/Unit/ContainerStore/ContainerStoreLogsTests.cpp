@@ -30,7 +30,7 @@ TEST_F(ContainerStoreLogs, ShowsAFailureInTheSheet)
 
 TEST_F(ContainerStoreLogs, ShowsATimeOutInTheSheet)
 {
-    ContainerStore impatient({.logs = 0.3});
+    ContainerStore impatient({.logs = 1});
     tools.addTool(u"docker"_s, u"echo part; exec sleep 60"_s);
     impatient.logs(web);
     ASSERT_TRUE(waitUntil([&impatient] { return impatient.showLogs(); }));

@@ -119,7 +119,7 @@ TEST_F(ContainerStoreRefresh, KeepsTheListWhenDockerCannotBeStarted)
 
 TEST_F(ContainerStoreRefresh, KeepsTheListWhenTheListingTimesOut)
 {
-    ContainerStore impatient({.list = 0.3});
+    ContainerStore impatient({.list = 2});
     tools.addTool(u"docker"_s, dockerWith(QString()));
     ASSERT_TRUE(waitFor(impatient.refresh()));
     tools.addTool(u"docker"_s, u"exec sleep 60"_s);

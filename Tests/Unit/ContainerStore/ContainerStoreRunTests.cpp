@@ -106,7 +106,7 @@ TEST_F(ContainerStoreRun, TellsAFailureWithAllThatDockerPrinted)
 
 TEST_F(ContainerStoreRun, TellsATimeOutAsAFailure)
 {
-    ContainerStore impatient({.run = 0.3});
+    ContainerStore impatient({.run = 1});
     tools.addTool(u"docker"_s, dockerWith(u"echo pulling >&2; exec sleep 60"_s));
     impatient.runContainer(u"nginx"_s, QString(), QString());
     ASSERT_TRUE(waitUntil([&impatient] { return !impatient.busy(); }));

@@ -79,7 +79,7 @@ TEST_F(LeftBehindMachine, IsStruckOutWhenItIsGoneForLongerThanACreationTakes)
 {
     QFile file(tools.path(u"support"_s) + u"/Tidewell/Disposable machines/sbx-12ab34"_s);
     ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(-899), QFileDevice::FileModificationTime));
+    ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(-840), QFileDevice::FileModificationTime));
     addOrb();
     {
         MachineStore next({}, machines);

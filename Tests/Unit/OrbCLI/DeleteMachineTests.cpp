@@ -44,7 +44,7 @@ TEST(DeleteMachine, TriesAgainAfterATimeOutEvenOneWithStatusZero)
 {
     TestTools tools;
     const QString orb = tools.addTool(u"orb"_s, u"[ \"$2\" = -f ] || exit 0\n"_s + TestTools::untilTerminated(0));
-    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, 0.2));
+    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, 2));
     ASSERT_TRUE(result.has_value());
     EXPECT_TRUE(result->succeeded());
     EXPECT_EQ(tools.calls(u"orb"_s).size(), 2);
@@ -54,7 +54,7 @@ TEST(DeleteMachine, GivesEachAttemptItsOwnTimeLimit)
 {
     TestTools tools;
     const QString orb = tools.addTool(u"orb"_s, TestTools::untilTerminated(0));
-    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, 0.2));
+    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, 1));
     ASSERT_TRUE(result.has_value());
     EXPECT_TRUE(result->timedOut);
     EXPECT_EQ(tools.calls(u"orb"_s).size(), 2);

@@ -36,7 +36,7 @@ TEST(Run, ReturnsWhatWasPrintedBeforeTheTimeLimit)
 {
     TestTools tools;
     const QString tool = tools.addTool(u"slow"_s, u"echo begun; exec sleep 60"_s);
-    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 0.5));
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 1));
     ASSERT_TRUE(result);
     EXPECT_TRUE(result->timedOut);
     EXPECT_EQ(result->status, SIGTERM);

@@ -34,7 +34,7 @@ TEST(TimeLimit, ReportsTheStatusWithWhichTheChildAnswers)
 {
     TestTools tools;
     const QString body = u"trap 'echo bye; exit 21' TERM; echo up; while :; do sleep 0.01; done"_s;
-    const auto recording = record(tools.addTool(u"polite"_s, body), {}, std::nullopt, 0.3);
+    const auto recording = record(tools.addTool(u"polite"_s, body), {}, std::nullopt, 1);
     ASSERT_TRUE(recording->waitForEnd());
     EXPECT_TRUE(recording->handle->timedOut());
     EXPECT_EQ(recording->status, 21);
@@ -46,7 +46,7 @@ TEST(TimeLimit, AsksOnceAndNeverKillsAChildThatIgnoresIt)
     TestTools tools;
     const QString go = tools.path(u"go"_s);
     const QString body = u"trap 'echo asked' TERM; echo $$; while [ ! -e '%1' ]; do sleep 0.01; done; kill -KILL $$"_s;
-    const auto recording = record(tools.addTool(u"stubborn"_s, body.arg(go)), {}, std::nullopt, 0.5);
+    const auto recording = record(tools.addTool(u"stubborn"_s, body.arg(go)), {}, std::nullopt, 1);
     ASSERT_TRUE(waitUntil([&] { return recording->output.contains(u"asked"_s); }));
     EXPECT_TRUE(recording->handle->timedOut());
     EXPECT_FALSE(recording->hasEnded());
@@ -67,7 +67,7 @@ TEST(TimeLimit, WaitsForThePipesAfterTheChildsEnd)
 {
     TestTools tools;
     const QString body = u"sleep 60 & echo $!; exec sleep 60"_s;
-    const auto recording = record(tools.addTool(u"parent"_s, body), {}, std::nullopt, 0.3);
+    const auto recording = record(tools.addTool(u"parent"_s, body), {}, std::nullopt, 1);
     ASSERT_TRUE(waitUntil([&] { return recording->handle->timedOut() && !recording->output.isEmpty(); }));
     const pid_t grandchild = recording->output.trimmed().toInt();
     ASSERT_GT(grandchild, 0);

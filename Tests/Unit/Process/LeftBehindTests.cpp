@@ -54,7 +54,7 @@ TEST(LeftBehind, IsAChildThatIgnoresItsTimeLimitAndIsReapedWheneverItEnds)
     const qsizetype before = openDescriptors();
 
     const QString body = u"trap '' TERM PIPE; echo $$; "_s + tools.waitForFile(u"go"_s);
-    const auto recording = recordHasty(tools.addTool(u"stubborn"_s, body), 0.3, 0.3, QString(5'000'000, u'x'));
+    const auto recording = recordHasty(tools.addTool(u"stubborn"_s, body), 1, 0.3, QString(5'000'000, u'x'));
     ASSERT_TRUE(recording->waitForEnd());
     EXPECT_EQ(recording->status, -1);
     EXPECT_TRUE(recording->handle->timedOut());
@@ -74,7 +74,7 @@ TEST(LeftBehind, IsNoChildThatEndsInItsGraceTime)
 {
     TestTools tools;
     const auto recording = recordHasty(
-        tools.addTool(u"slow"_s, u"trap 'sleep 0.3; echo bye; exit 7' TERM; while :; do sleep 0.01; done"_s), 0.2, 20);
+        tools.addTool(u"slow"_s, u"trap 'sleep 0.3; echo bye; exit 7' TERM; while :; do sleep 0.01; done"_s), 1, 120);
     ASSERT_TRUE(recording->waitForEnd());
     EXPECT_EQ(recording->status, 7);
     EXPECT_EQ(recording->output, u"bye\n"_s);
@@ -112,8 +112,8 @@ TEST(LeftBehind, IsNoChildWithoutAGraceTime)
     TestTools tools;
     const QString body = u"trap 'echo asked' TERM; "_s + tools.waitForFile(u"go"_s) + u"exit 3"_s;
     const QString tool = tools.addTool(u"stubborn"_s, body);
-    const auto awaited = recordHasty(tool, 0.5, std::nullopt);
-    const auto leftBehind = recordHasty(tool, 0.5, 0.3);
+    const auto awaited = recordHasty(tool, 1, std::nullopt);
+    const auto leftBehind = recordHasty(tool, 1, 0.3);
     ASSERT_TRUE(leftBehind->waitForEnd());
     EXPECT_FALSE(awaited->hasEnded()) << "although it was asked before the other";
     tools.addFile(u"go"_s);

@@ -86,7 +86,7 @@ TEST_F(RunControllerTest, GivesUpWhenTheMachineCannotBeMade)
 
 TEST_F(RunControllerTest, LimitsTheCreationEvenWithoutATimeLimit)
 {
-    RunController hasty(RunTimeLimits{.creation = 0.2});
+    RunController hasty(RunTimeLimits{.creation = 1});
     addOrb(u"echo making\n"_s + TestTools::untilTerminated(15));
     hasty.start(disposableJob, &history);
     EXPECT_TRUE(waitUntil([&] { return !hasty.isRunning(); }));

@@ -249,7 +249,7 @@ TEST_F(RunControllerTest, ShowsHalfACharacterHarmlessly)
 TEST_F(RunControllerTest, TimesOutWhenTheLimitIsOn)
 {
     for (const int status : {0, 3}) {
-        RunController hasty(RunTimeLimits{.script = 0.2});
+        RunController hasty(RunTimeLimits{.script = 1});
         addOrb(u":"_s, u":"_s, u"echo before\n"_s + TestTools::untilTerminated(status));
         RunJob limited = job;
         limited.timeoutEnabled = true;
@@ -273,7 +273,7 @@ TEST_F(RunControllerTest, IsNeverStoppedByTimeWhenTheLimitIsOff)
 
 TEST_F(RunControllerTest, CallsARunTimedOutEvenWhenTheUserStopsItToo)
 {
-    RunController hasty(RunTimeLimits{.script = 0.2});
+    RunController hasty(RunTimeLimits{.script = 1});
     addOrb(u":"_s, u":"_s,
            u"trap ': > \"%1\"' TERM; while [ ! -e '%2' ]; do sleep 0.01; done"_s.arg(tools.path(u"asked"_s),
                                                                                      tools.path(u"go"_s)));

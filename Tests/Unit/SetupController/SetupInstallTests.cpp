@@ -86,7 +86,7 @@ TEST_F(SetupControllerTest, ReportsAnInstallThatTimesOut)
 
 TEST_F(SetupControllerTest, TakesAnInstallThatEndsWellAtItsTimeLimitAsFinished)
 {
-    SetupController hasty(SetupTimeLimits{.install = 0.2});
+    SetupController hasty(SetupTimeLimits{.install = 1});
     tools.addTool(u"brew"_s, TestTools::untilTerminated(0));
     addOrb(running);
     hasty.install();
@@ -126,7 +126,7 @@ TEST_F(SetupControllerTest, CancelsTheStartThatFollowsAnInstall)
 
 TEST_F(SetupControllerTest, GoesOnPollingPastAStatusThatHangsAndIgnoresItsTimeLimit)
 {
-    SetupController hasty(SetupTimeLimits{.status = 0.2});
+    SetupController hasty(SetupTimeLimits{.status = 2});
     addOrb(u"trap '' TERM\n"_s + tools.waitForFile(u"go"_s) + running);
     EXPECT_TRUE(waitFor(hasty.refresh()));
     EXPECT_EQ(hasty.state(), OrbState::stopped);

@@ -60,7 +60,7 @@ TEST_F(SetupControllerTest, SaysSoWhenOrbIsMissingAtTheStart)
 
 TEST_F(SetupControllerTest, GivesUpWhenTheTimeIsOver)
 {
-    SetupController hasty(SetupTimeLimits{.start = 0.3, .pollInterval = 0.05});
+    SetupController hasty(SetupTimeLimits{.start = 1.5, .pollInterval = 0.05});
     addOrb(stopped);
     hasty.start();
     EXPECT_TRUE(waitUntil([&] { return !hasty.busy(); }));
@@ -71,7 +71,7 @@ TEST_F(SetupControllerTest, GivesUpWhenTheTimeIsOver)
 
 TEST_F(SetupControllerTest, DoesNotPollWhenTheStartCommandUsedAllTheTime)
 {
-    SetupController hasty(SetupTimeLimits{.start = 0.2});
+    SetupController hasty(SetupTimeLimits{.start = 1});
     addOrb(running, TestTools::untilTerminated(0));
     hasty.start();
     EXPECT_TRUE(waitUntil([&] { return !hasty.busy(); }));

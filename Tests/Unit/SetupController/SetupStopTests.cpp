@@ -32,7 +32,7 @@ TEST_F(SetupControllerTest, ReportsAFailedStop)
 
 TEST_F(SetupControllerTest, ReportsAStopThatTimesOut)
 {
-    SetupController hasty(SetupTimeLimits{.stop = 0.2});
+    SetupController hasty(SetupTimeLimits{.stop = 1});
     addOrb(running, u":"_s, u"echo slow\n"_s + TestTools::untilTerminated(0));
     hasty.stop();
     EXPECT_TRUE(waitUntil([&] { return !hasty.busy(); }));
