@@ -30,6 +30,8 @@ namespace
 
 /// Until the transcript is at its bound, the history full, and as many blocks of text are laid out as ever are.
 constexpr int runsToWarmUp = 500;
+/// Until all that is kept between two rounds has been made.
+constexpr qsizetype roundsToWarmUp = 30;
 constexpr auto shortPause = std::chrono::milliseconds(6000 / 100);
 constexpr long mostKibibytes = 2048;
 
@@ -147,7 +149,7 @@ bool keepLevelWhilePolling(const QString &folder, int seconds)
     window.show(shortPause).setTab(AppTab::containers);
     const auto rounds = [&window] { return window.orbStack.calls(FakeOrbStack::statusCall); };
     Record record(folder);
-    QTest::qWait(3000);
+    expect(waitUntil([&] { return rounds() >= roundsToWarmUp; }), "rounds of polling");
     record.note("warm", window);
     const qsizetype before = rounds();
     QTest::qWait(seconds * 500);
