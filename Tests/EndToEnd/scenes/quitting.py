@@ -2,7 +2,7 @@
 
 import os
 
-from .staging import HANGING, RUNS, listing, open_tab, scene, staged
+from .staging import HANGING, RUNS, listing, open_tab, run_in_box, scene, staged, with_machines
 
 # Makes a machine, lists it, and cannot delete it.
 KEEPS = RUNS + """case "$1" in
@@ -62,6 +62,19 @@ def quitting_during_an_operation_again(tidewell):
     tidewell.wait_until_gone("Quit when it is done")
     tidewell.close_window()
     tidewell.button("Quit anyway")
+
+
+@scene(**with_machines("box"))
+def quitting_with_a_history_not_saved(tidewell):
+    tidewell.wait_for("OrbStack running")
+    folder = tidewell.path("home", "data", "Tidewell")
+    os.rename(folder, f"{folder} of before")
+    with open(folder, "wb"):
+        pass
+    run_in_box(tidewell, "true")
+    tidewell.wait_for_text("exit status 0")
+    tidewell.close_window()
+    tidewell.wait_for("The history could not be saved.")
 
 
 def write_a_name_down(tidewell):
