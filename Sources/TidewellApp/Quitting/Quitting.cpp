@@ -140,10 +140,14 @@ void Quitting::askWhetherToQuitAnyway(const QString &title, const QString &messa
     showWindow();
     m_question =
         Alert::open(&m_window, title, message, u"Quit anyway"_s, u"Keep open"_s, accepted, Alert::Kind::destructive);
-    connect(m_question, &QMessageBox::finished, this, [this] {
-        m_awaited = Awaited::nothing;
-        m_isMeant = false;
-    });
+    connect(m_question, &QMessageBox::finished, this, &Quitting::takeBack);
+}
+
+/// The application stays open.
+void Quitting::takeBack()
+{
+    m_awaited = Awaited::nothing;
+    m_isMeant = false;
 }
 
 void Quitting::stopAndQuit()
@@ -219,7 +223,7 @@ void Quitting::endSaving(bool isSaved)
     if (isAwaited && isSaved)
         quit();
     else if (isAwaited)
-        m_awaited = Awaited::nothing;
+        takeBack();
     goOn();
 }
 
@@ -250,10 +254,14 @@ void Quitting::askAboutMachine()
 {
     m_patience.stop();
     m_awaited = Awaited::nothing;
-    closeQuestion();
+    // The end of a question takes the wish back, and comes behind the answer.
+    const auto quitSoon = [this] {
+        m_isMeant = true;
+        quit();
+    };
     askWhetherToQuitAnyway(m_machine + u" could not be deleted."_s,
                            u"The output tells why. As long as it is there, the Machines tab lists it and deletes it."_s,
-                           [this] { quit(); });
+                           [this, quitSoon] { QMetaObject::invokeMethod(this, quitSoon, Qt::QueuedConnection); });
 }
 
 /// The question is of no use any more; what the user has answered before still holds.

@@ -69,6 +69,7 @@ private:
     void askAboutOperation();
     void awaitSaving();
     void askWhetherToQuitAnyway(const QString &title, const QString &message, const std::function<void()> &accepted);
+    void takeBack();
     void stopAndQuit();
     void quitWhenDone();
     /// The time for waiting is over.

@@ -108,7 +108,7 @@ TEST_F(QuittingTest, AsksNoMoreAboutAnOperationThatIsDoneAndStaysOpen)
 TEST_F(QuittingTest, StaysOpenWhenAnOperationIsDoneForWhoHadSaidKeepOpenAfterStoppingARun)
 {
     addOrbThatCannotDelete(true);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     ASSERT_NE(stopToQuit(), nullptr);
     press(u"Keep open"_s);
     tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
@@ -125,7 +125,7 @@ TEST_F(QuittingTest, StaysOpenWhenAnOperationIsDoneForWhoHadSaidKeepOpenAfterSto
 
 TEST_F(UnhurriedQuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterARunThatWasStoppedToQuit)
 {
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
     guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
     EXPECT_FALSE(quit());
@@ -147,6 +147,38 @@ TEST_F(QuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterARunThat
     ASSERT_NE(asked(u"The run has not ended yet."_s), nullptr);
     QTimer::singleShot(0, &guarded.window, [this] {
         tools().addFile(u"go"_s);
+        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+        tools().addFile(u"done"_s);
+    });
+    EXPECT_TRUE(endsByItself());
+}
+
+TEST_F(QuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterAMachineThatWasNeverMadeWasLookedFor)
+{
+    addOrbThatCannotDelete(false);
+    startIgnoringRun();
+    tools().addTool(u"docker"_s, tools().waitForFile(u"done"_s));
+    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    ASSERT_NE(asked(u"The run has not ended yet."_s), nullptr);
+    QTimer::singleShot(0, &guarded.window, [this] {
+        tools().addFile(u"go"_s);
+        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+        tools().addFile(u"done"_s);
+    });
+    EXPECT_TRUE(endsByItself());
+}
+
+TEST_F(UnhurriedQuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterAMachineWasLeftBehind)
+{
+    addOrbThatCannotDelete(true);
+    guarded.startRun(u"exec sleep 600"_s);
+    tools().addTool(u"docker"_s, tools().waitForFile(u"done"_s));
+    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    ASSERT_NE(stopToQuit(), nullptr);
+    QTimer::singleShot(0, &guarded.window, [this] {
+        press(u"Quit anyway"_s);
         EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
         tools().addFile(u"done"_s);
     });
@@ -192,7 +224,7 @@ TEST_F(QuittingTest, LeavesAnOperationWhoseToolIgnoresThatItIsCancelled)
 
 TEST_F(QuittingTest, AsksAboutTheOperationThatGoesOnAfterTheRun)
 {
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
     guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
     EXPECT_FALSE(quit());
@@ -215,7 +247,7 @@ TEST_F(QuittingTest, AsksAboutTheOperationThatGoesOnAfterTheRun)
 
 TEST_F(UnhurriedQuittingTest, StopsTheRunAndEndsWithoutAQuestionWhenToldTo)
 {
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     QTimer::singleShot(0, &guarded.guard, &QuitGuard::quitWithoutQuestion);
     EXPECT_TRUE(endsByItself());
     EXPECT_EQ(guarded.window.findChildren<QMessageBox *>().size(), 0);
@@ -255,7 +287,7 @@ TEST_F(QuittingTest, AbandonsWhatDoesNotEndInTimeWithoutAQuestion)
 TEST_F(PatientQuittingTest, EndsInTimeWithoutAQuestionThoughTheMachineStaysAndAnOperationGoesOn)
 {
     addOrbThatCannotDelete(true);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
     guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
     EXPECT_FALSE(quit());

@@ -110,6 +110,28 @@ TEST_F(QuittingSavingTest, StaysWhenAnotherSavingEndsAfterTheOneThatWasCancelled
     EXPECT_TRUE(QFile::exists(path));
 }
 
+TEST_F(QuittingSavingTest, StaysWhenAnOperationIsDoneForWhoHadCancelledItAfterStoppingARun)
+{
+    guarded.startRun(u"exec sleep 600"_s);
+    EXPECT_FALSE(quit());
+    press(u"Stop it and quit"_s);
+    QTimer::singleShot(0, &guarded.window, [this] {
+        ASSERT_TRUE(waitUntil([this] { return sheet() != nullptr && sheet()->isVisible(); }));
+        ByName::press(*sheet(), u"Cancel"_s);
+        EXPECT_TRUE(waitUntil([this] { return !guarded.saving.isSaving(); }));
+        QCoreApplication::processEvents();
+        tools().addTool(u"docker"_s, tools().waitForFile(u"done"_s));
+        guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+        EXPECT_FALSE(quit());
+        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+        tools().addFile(u"done"_s);
+        EXPECT_TRUE(waitUntil([this] { return guarded.question() == nullptr; }));
+        // Nothing ends it any more but the time that it is given.
+        QTimer::singleShot(100, qApp, [] { QCoreApplication::exit(5); });
+    });
+    EXPECT_EQ(QApplication::exec(), 5);
+}
+
 TEST_F(QuittingSavingTest, WithoutAQuestionCancelsItAtOnce)
 {
     ASSERT_TRUE(guarded.saving.isSaving());
@@ -141,7 +163,7 @@ protected:
 TEST_F(SlowerQuittingSavingTest, AsksNothingOfARunThatHasEndedAndWhoseMachineWasTold)
 {
     addOrbThatCannotDelete(true);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     ASSERT_NE(stopToQuit(), nullptr);
     press(u"Keep open"_s);
     EXPECT_FALSE(quit());
