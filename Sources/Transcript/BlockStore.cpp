@@ -32,9 +32,10 @@ std::shared_ptr<TextBlock> BlockStore::startBlock(const TextCount &before, QByte
     Lock lock(m_lock);
     m_entries.append({.before = before});
     m_plain.push_back(block);
+    const bool isDue = isPackingDue(0);
     if (isPackingDue(patientBlocks))
         packOne(lock, m_ownPacker);
-    if (isPackingDue(0))
+    if (isDue) // or was: a slab could not be filed before its last block was there
         wake(lock);
     return block;
 }
@@ -240,7 +241,7 @@ void BlockStore::packOne(Lock &lock, BlockPacker &packer)
     if (m_packed.memory() > m_storage.packedBytes + m_storage.waitingBytes) {
         const PackedBlocks::Numbers lost = m_packed.letGoWaiting(m_unused);
         if (lost.begin < lost.end) {
-            for (Number each = std::max(lost.begin, m_first); each < lost.end; ++each)
+            for (Number each = std::max({lost.begin, m_first, m_wanted}); each < lost.end; ++each)
                 m_loss.inside += lost.areAt(entry(each).place) ? textSize(each) : 0;
             m_loss.cause = m_loss.cause == Cause::none ? Cause::diskIsSlow : m_loss.cause;
             if (m_onLoss)

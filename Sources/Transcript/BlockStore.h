@@ -78,7 +78,8 @@ public:
     /// The block that holds a position; the last one for the end. There must be one.
     Number blockAt(std::int64_t position) const;
 
-    /// What comes from a block on stays readable until it is unpinned. Only a full disk takes of it.
+    /// What comes from a block on stays readable until it is unpinned. Only a disk that is full or too slow takes of
+    /// it.
     void pin(Number number);
     void unpin(Number number);
 

@@ -65,8 +65,8 @@ public:
         std::int64_t offset = 0;
         Place place = 0;
     };
-    /// Makes room for a packed block of that size, which is to be copied there; then it is there. Blocks come about in
-    /// the order of their numbers: two threads pack them. Throws std::bad_alloc.
+    /// Makes room for a packed block of that size, which is to be copied there; then it is there. Blocks come
+    /// nearly in the order of their numbers, for two threads pack them. Throws std::bad_alloc.
     Room makeRoom(qsizetype size, Number number);
     void fill(const Room &room);
     Location find(Place place) const;

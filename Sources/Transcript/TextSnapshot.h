@@ -2,7 +2,7 @@
 
 // What a view of the output held at one moment, for reading on another thread: to save it or to search it. Nothing is
 // copied. As long as the snapshot lives, its text stays readable, also when the store has forgotten it or is no more;
-// it takes memory and room on the disk meanwhile. Only a disk that is nearly full takes text away from it.
+// it takes memory and room on the disk meanwhile. Only a disk that is nearly full, or too slow, takes text away.
 
 #include "Transcript/BlockStore.h"
 

@@ -50,7 +50,7 @@ void Transcript::beginRecord()
     m_record.moveBegin(end());
     m_recordBegin = end();
     dropUnused();
-    // Of what was dropped nothing can be lost any more.
+    // What is lost of the dropped, which a snapshot may hold, does not count from here on.
     m_lostBefore = m_store.loss().inside;
 }
 

@@ -88,6 +88,26 @@ TEST(TranscriptLoss, IsToldWhereTheDiskIsTooSlowForOneRunAndNotForTheNext)
     EXPECT_EQ(transcript.loss(), QString());
 }
 
+TEST(TranscriptLoss, IsNotToldOfATextThatOnlyASnapshotHolds)
+{
+    TextStorage storage = smallStorage();
+    storage.plainBlocks = 100;
+    storage.packedBytes = 2 * mebibyte;
+    storage.waitingBytes = -mebibyte;
+    std::atomic<int> losses = 0;
+    Transcript transcript(storage, [&losses] { ++losses; });
+    RandomText random(54);
+    constexpr qsizetype size = 80 * TextStore::blockCapacity;
+    transcript.append(random.noise(size), OutputKind::out);
+    const TextSnapshot snapshot = transcript.text().snapshot();
+    transcript.clear();
+    ASSERT_EQ(losses, 0) << "nothing is packed as yet";
+    // Pushes the first text out of the plain blocks, and stays in them itself.
+    transcript.append(random.noise(size), OutputKind::out);
+    ASSERT_TRUE(waitUntil([&] { return losses >= 1; }));
+    EXPECT_EQ(transcript.loss(), QString());
+}
+
 TEST(TranscriptLoss, TakesTheSegmentsAlongThatAreLostAndNoOther)
 {
     constexpr qsizetype size = TextStore::blockCapacity;
