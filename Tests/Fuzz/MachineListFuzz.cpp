@@ -28,7 +28,8 @@ QList<Machine> readSlowly(const QString &text)
         field.clear();
         if (!endsLine)
             continue;
-        if (fields.size() >= 2 && fields[0].toUpper() != u"NAME"_s)
+        const bool isUnderline = !fields.isEmpty() && QString(fields[0]).remove(u'-').isEmpty();
+        if (fields.size() >= 2 && fields[0].toUpper() != u"NAME"_s && !isUnderline)
             machines << Machine{fields[0], fields[1], fields.value(2), fields.value(3)};
         fields.clear();
     }
