@@ -12,9 +12,11 @@
 #include <memory>
 #include <optional>
 
-/// The watchdog's time. What waits so long hangs: a slow computer under a sanitizer takes a tenth of it. Limits of
-/// tools that stand for "far away" are no shorter.
+/// The watchdog's time: what waits so long hangs. A tool that only a stop ends goes on for longer.
 inline constexpr std::chrono::seconds watchdogTime(120);
+
+/// A tool's time limit that is never reached, in seconds.
+inline constexpr double farLimit = watchdogTime.count();
 
 /// Turns the event loop until `condition` holds; false when `limit` passed first.
 inline bool waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds limit = watchdogTime)

@@ -74,7 +74,7 @@ TEST(ContentView, FitsItsSmallestSizeByScrollingTheScreen)
 {
     TestWindow window;
     TestTools &tools = window.orbStack.tools();
-    tools.addTool(u"orb"_s, u"[ $1 = start ] && seq 500 && exec sleep 60; echo Stopped"_s);
+    tools.addTool(u"orb"_s, u"[ $1 = start ] && seq 500 && exec sleep 600; echo Stopped"_s);
     ContentView &content = window.show();
     content.resize(820, 640);
     ASSERT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));

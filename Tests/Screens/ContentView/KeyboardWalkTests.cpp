@@ -18,7 +18,7 @@ TEST(KeyboardWalk, VisitsTheRunScreenWithOrbStackStopped)
 TEST(KeyboardWalk, VisitsTheNoteAndTheLogOfOrbStackInTheirPlaces)
 {
     TestWindow window;
-    window.orbStack.tools().addTool(u"orb"_s, u"[ \"$1\" = start ] && { seq 50; exec sleep 60; }; echo Stopped"_s);
+    window.orbStack.tools().addTool(u"orb"_s, u"[ \"$1\" = start ] && { seq 50; exec sleep 600; }; echo Stopped"_s);
     ContentView &content = window.show();
     EXPECT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
     press(content, u"Start"_s, u"Start OrbStack"_s);

@@ -44,7 +44,7 @@ TEST(SetupHeader, LeavesEightPointsBetweenItsElements)
     TestWindow window;
     TestTools &tools = window.orbStack.tools();
     tools.removeTool(u"orb"_s);
-    tools.addTool(u"brew"_s, u"echo first; exec sleep 60"_s);
+    tools.addTool(u"brew"_s, u"echo first; exec sleep 600"_s);
     const ContentView &content = window.show();
     const SetupHeader &header = *content.findChild<SetupHeader *>();
     ASSERT_TRUE(waitUntil([&] { return ByName::isOffered(header, u"Install OrbStack"_s); }));
@@ -98,7 +98,7 @@ TEST(SetupHeader, SetsItsWordsInTheColourAndTypeOfTheirRank)
     EXPECT_EQ(colourOf(withoutBrew), Colours::secondary(header.palette()));
     EXPECT_EQ(withoutBrew->font(), Typography::callout());
     EXPECT_EQ(descriptionOf(find<QPushButton>(header, u"Get OrbStack"_s)), u"Open orbstack.dev in the browser"_s);
-    window.orbStack.tools().addTool(u"brew"_s, u"exec sleep 60"_s);
+    window.orbStack.tools().addTool(u"brew"_s, u"exec sleep 600"_s);
     EXPECT_TRUE(waitFor(window.setup.refresh()));
     const PlainLabel *withBrew = labelOf(header, u"OrbStack runs"_s);
     EXPECT_EQ(colourOf(withBrew), Colours::secondary(header.palette()));

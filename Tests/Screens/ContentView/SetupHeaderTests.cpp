@@ -96,7 +96,7 @@ TEST(SetupHeader, ShowsAnInstallationWithItsGrowingLog)
     TestWindow window;
     TestTools &tools = window.orbStack.tools();
     tools.removeTool(u"orb"_s);
-    tools.addTool(u"brew"_s, u"echo first; while [ ! -e '%1' ]; do sleep 0.02; done; echo second; exec sleep 60"_s.arg(
+    tools.addTool(u"brew"_s, u"echo first; while [ ! -e '%1' ]; do sleep 0.02; done; echo second; exec sleep 600"_s.arg(
                                  tools.path(u"go"_s)));
     const SetupHeader &header = headerOf(window.show());
     ASSERT_TRUE(waitUntil([&] { return shows(header, what); }));
@@ -142,7 +142,7 @@ TEST(SetupHeader, ShowsAStartUntilItIsCancelled)
 {
     TestWindow window;
     TestTools &tools = window.orbStack.tools();
-    tools.addTool(u"orb"_s, u"[ \"$1\" = start ] && exec sleep 60; echo Stopped"_s);
+    tools.addTool(u"orb"_s, u"[ \"$1\" = start ] && exec sleep 600; echo Stopped"_s);
     const SetupHeader &header = headerOf(window.show());
     ASSERT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
     press(header, u"Start"_s, u"Start OrbStack"_s);
@@ -186,7 +186,7 @@ TEST(SetupHeader, WarnsOfAnOldSystemAndStillOffersTheButtons)
 TEST(SetupHeader, HandsTheKeyboardFromAButtonThatGoesToOneThatCanBePressed)
 {
     TestWindow window;
-    window.orbStack.tools().addTool(u"orb"_s, u"[ \"$1\" = start ] && exec sleep 60; echo Stopped"_s);
+    window.orbStack.tools().addTool(u"orb"_s, u"[ \"$1\" = start ] && exec sleep 600; echo Stopped"_s);
     ContentView &content = window.show();
     ASSERT_TRUE(waitUntil([&] { return window.setup.state() == OrbState::stopped; }));
     find<QAbstractButton>(content, u"Start"_s)->setFocus();
@@ -226,7 +226,7 @@ TEST(SetupHeader, SetsItsElementsOneBelowTheOther)
     TestWindow window;
     TestTools &tools = window.orbStack.tools();
     tools.removeTool(u"orb"_s);
-    tools.addTool(u"brew"_s, u"echo first; exec sleep 60"_s);
+    tools.addTool(u"brew"_s, u"echo first; exec sleep 600"_s);
     ContentView &content = window.show();
     content.resize(820, 640);
     const SetupHeader &header = headerOf(content);

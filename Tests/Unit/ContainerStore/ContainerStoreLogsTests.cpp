@@ -31,7 +31,7 @@ TEST_F(ContainerStoreLogs, ShowsAFailureInTheSheet)
 TEST_F(ContainerStoreLogs, ShowsATimeOutInTheSheet)
 {
     ContainerStore impatient({.logs = 1});
-    tools.addTool(u"docker"_s, u"echo part; exec sleep 60"_s);
+    tools.addTool(u"docker"_s, u"echo part; exec sleep 600"_s);
     impatient.logs(web);
     ASSERT_TRUE(waitUntil([&impatient] { return impatient.showLogs(); }));
     EXPECT_EQ(impatient.logText(), u"Could not read logs: part"_s);

@@ -122,7 +122,7 @@ TEST_F(ContainerStoreRefresh, KeepsTheListWhenTheListingTimesOut)
     ContainerStore impatient({.list = 2});
     tools.addTool(u"docker"_s, dockerWith(QString()));
     ASSERT_TRUE(waitFor(impatient.refresh()));
-    tools.addTool(u"docker"_s, u"exec sleep 60"_s);
+    tools.addTool(u"docker"_s, u"exec sleep 600"_s);
     ASSERT_TRUE(waitFor(impatient.refresh()));
     EXPECT_EQ(impatient.containers(), QList{web});
     EXPECT_EQ(impatient.error(), u"docker ps timed out. Is OrbStack running?"_s);

@@ -107,7 +107,7 @@ TEST_F(ContainerStoreRun, TellsAFailureWithAllThatDockerPrinted)
 TEST_F(ContainerStoreRun, TellsATimeOutAsAFailure)
 {
     ContainerStore impatient({.run = 1});
-    tools.addTool(u"docker"_s, dockerWith(u"echo pulling >&2; exec sleep 60"_s));
+    tools.addTool(u"docker"_s, dockerWith(u"echo pulling >&2; exec sleep 600"_s));
     impatient.runContainer(u"nginx"_s, QString(), QString());
     ASSERT_TRUE(waitUntil([&impatient] { return !impatient.busy(); }));
     EXPECT_EQ(impatient.message(), u"docker run failed: pulling"_s);

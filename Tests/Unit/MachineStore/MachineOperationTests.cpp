@@ -170,7 +170,7 @@ TEST_F(MachineStoreTest, ReportsTheSecondFailureOfADeletion)
 
 TEST_F(MachineStoreTest, EndsADeletionThatHangsByTheTimeLimitOfDeletions)
 {
-    MachineStore hasty(MachineTimeLimits{.list = 60, .simple = 60, .deletion = 1, .creation = 60});
+    MachineStore hasty(MachineTimeLimits{.list = farLimit, .simple = farLimit, .deletion = 1, .creation = farLimit});
     addOrb(u"echo hm\n"_s + TestTools::untilTerminated(0));
     hasty.remove(u"old"_s);
     EXPECT_TRUE(waitUntil([&] { return !hasty.busy(); }));

@@ -30,7 +30,8 @@ protected:
     QStringList calls() const { return tools.calls(QStringLiteral("orb")); }
 
     TestTools tools;
-    MachineStore store{MachineTimeLimits{.list = 120, .simple = 120, .deletion = 120, .creation = 120}};
+    MachineStore store{
+        MachineTimeLimits{.list = farLimit, .simple = farLimit, .deletion = farLimit, .creation = farLimit}};
 };
 
 inline const QList<Machine> box{{QStringLiteral("box"), QStringLiteral("running"), QString(), QString()}};

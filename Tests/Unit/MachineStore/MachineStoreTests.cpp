@@ -70,7 +70,7 @@ TEST_F(MachineStoreTest, KeepsTheOldListWhenListingTimesOut)
     MachineStore hasty(MachineTimeLimits{.list = 0.1});
     addOrb();
     MachineStore patient;
-    tools.addTool(u"orb"_s, u"[ -e '%1' ] && exec sleep 60; echo '[{\"name\":\"box\",\"state\":\"running\"}]'"_s.arg(
+    tools.addTool(u"orb"_s, u"[ -e '%1' ] && exec sleep 600; echo '[{\"name\":\"box\",\"state\":\"running\"}]'"_s.arg(
                                 tools.path(u"hang"_s)));
     EXPECT_TRUE(waitUntil([&] { return waitFor(hasty.refresh()) && hasty.machines() == box; }));
     tools.addFile(u"hang"_s);

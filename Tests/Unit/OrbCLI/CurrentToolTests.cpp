@@ -68,7 +68,7 @@ TEST_F(CurrentToolTest, AsksTheToolThatRunsToTerminate)
 TEST_F(CurrentToolTest, EndsAToolThatStartsAfterTheStop)
 {
     tool->requestStop();
-    EXPECT_EQ(waitFor(step(u"exec sleep 60"_s))->status, 15);
+    EXPECT_EQ(waitFor(step(u"exec sleep 600"_s))->status, 15);
 }
 
 TEST_F(CurrentToolTest, ForgetsAStopWhenAnOperationBegins)

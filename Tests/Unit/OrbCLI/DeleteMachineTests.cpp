@@ -11,7 +11,7 @@ TEST(DeleteMachine, IsDoneWhenTheForcedAttemptSucceeds)
 {
     TestTools tools;
     const QString orb = tools.addTool(u"orb"_s, u"echo gone; wc -c"_s);
-    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, 20));
+    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, farLimit));
     ASSERT_TRUE(result.has_value());
     EXPECT_TRUE(result->succeeded());
     EXPECT_EQ(result->combined(), u"gone\n0"_s) << "nothing on standard input";
@@ -22,7 +22,7 @@ TEST(DeleteMachine, AnswersTheQuestionInASecondAttempt)
 {
     TestTools tools;
     const QString orb = tools.addTool(u"orb"_s, u"[ \"$2\" = -f ] && { echo first; exit 1; }; od -c -An"_s);
-    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, 20));
+    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, farLimit));
     ASSERT_TRUE(result.has_value());
     EXPECT_TRUE(result->succeeded());
     EXPECT_EQ(result->combined().simplified(), u"y \\n"_s);
@@ -33,7 +33,7 @@ TEST(DeleteMachine, ReturnsTheSecondResultWhateverItIs)
 {
     TestTools tools;
     const QString orb = tools.addTool(u"orb"_s, u"[ \"$2\" = -f ] && { echo first; exit 1; }; echo second; exit 7"_s);
-    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, 20));
+    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, farLimit));
     ASSERT_TRUE(result.has_value());
     EXPECT_EQ(result->status, 7);
     EXPECT_EQ(result->combined(), u"second"_s);
@@ -64,7 +64,7 @@ TEST(DeleteMachine, TellsWhenTheToolCannotStart)
 {
     TestTools tools;
     const QString orb = tools.path(u"missing"_s);
-    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, 20));
+    const std::optional<CLIResult> result = waitFor(OrbCLI::deleteMachine(orb, u"box"_s, farLimit));
     ASSERT_TRUE(result.has_value());
     EXPECT_EQ(result->status, -1);
     EXPECT_TRUE(result->launchError.has_value());
@@ -74,6 +74,6 @@ TEST(DeleteMachine, PassesAHostileNameAsOneArgument)
 {
     TestTools tools;
     const QString orb = tools.addTool(u"orb"_s, {});
-    EXPECT_TRUE(waitFor(OrbCLI::deleteMachine(orb, u"$(touch x); * 'q'"_s, 20)).has_value());
+    EXPECT_TRUE(waitFor(OrbCLI::deleteMachine(orb, u"$(touch x); * 'q'"_s, farLimit)).has_value());
     EXPECT_EQ(tools.calls(u"orb"_s), QStringList{u"<delete><-f><$(touch x); * 'q'>"_s});
 }

@@ -66,7 +66,7 @@ TEST(Input, EndsQuietlyWhenTheChildReadsOnlySomeOfIt)
 TEST(Input, ThatIsNeverReadHoldsUpNothing)
 {
     TestTools tools;
-    const auto deaf = record(tools.addTool(u"deaf"_s, u"echo up; exec sleep 60"_s), {}, QString(20'000'000, u'x'));
+    const auto deaf = record(tools.addTool(u"deaf"_s, u"echo up; exec sleep 600"_s), {}, QString(20'000'000, u'x'));
     ASSERT_TRUE(waitUntil([&] { return !deaf->output.isEmpty(); }));
     const auto other = record(tools.addTool(u"reader"_s, u"exec cat"_s), {}, u"text"_s);
     ASSERT_TRUE(other->waitForEnd());

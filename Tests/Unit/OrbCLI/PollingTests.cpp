@@ -32,7 +32,7 @@ TEST(Polling, StartsNoFifthToolWhileFourHangOfTheSameQuestion)
         EXPECT_EQ(result->status, -1);
     }
     EXPECT_EQ(tools.calls(u"stubborn"_s).size(), most);
-    EXPECT_EQ(ask(tool, {u"other"_s}, 60)->status, 3) << "another question is still asked";
+    EXPECT_EQ(ask(tool, {u"other"_s}, farLimit)->status, 3) << "another question is still asked";
 
     tools.addFile(u"go"_s);
     std::optional<CLIResult> again;

@@ -35,7 +35,7 @@ TEST(Run, CollectsBothStreamsAndTheStatus)
 TEST(Run, ReturnsWhatWasPrintedBeforeTheTimeLimit)
 {
     TestTools tools;
-    const QString tool = tools.addTool(u"slow"_s, u"echo begun; exec sleep 60"_s);
+    const QString tool = tools.addTool(u"slow"_s, u"echo begun; exec sleep 600"_s);
     const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 1));
     ASSERT_TRUE(result);
     EXPECT_TRUE(result->timedOut);
@@ -48,7 +48,7 @@ TEST(Run, CollectsFarMoreThanPipeAndQueueHold)
 {
     TestTools tools;
     const QString tool = tools.addTool(u"flood"_s, u"head -c 12000000 /dev/zero | tr '\\0' x; echo end >&2"_s);
-    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 20));
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, farLimit));
     ASSERT_TRUE(result);
     EXPECT_EQ(result->status, 0);
     EXPECT_EQ(result->stdout.size(), 12'000'000);
@@ -63,7 +63,7 @@ TEST(Run, MayRunManyTimesAtOnce)
     std::vector<QCoro::Task<CLIResult>> tasks;
     tasks.reserve(10);
     for (int number = 0; number < 10; ++number)
-        tasks.push_back(OrbCLI::run(tool, {QString::number(number)}, std::nullopt, 20));
+        tasks.push_back(OrbCLI::run(tool, {QString::number(number)}, std::nullopt, farLimit));
     for (int number = 0; number < 10; ++number) {
         const auto result = waitFor(std::move(tasks[static_cast<std::size_t>(number)]));
         ASSERT_TRUE(result);
@@ -95,7 +95,7 @@ TEST(StreamAsync, HandsOverTheHandleBeforeAnyOutputAndReturnsTheEnd)
 TEST(StreamAsync, TellsATimeoutFromACancel)
 {
     TestTools tools;
-    const QString tool = tools.addTool(u"sleeper"_s, u"exec sleep 60"_s);
+    const QString tool = tools.addTool(u"sleeper"_s, u"exec sleep 600"_s);
     const auto timedOut = waitFor(OrbCLI::streamAsync(tool, {}, std::nullopt, 0.2, nullptr, nullptr));
     ASSERT_TRUE(timedOut);
     EXPECT_TRUE(timedOut->timedOut);
@@ -128,7 +128,7 @@ TEST(Run, StopsAToolThatPrintsMoreThanItsCallerCanUse)
     // The flood comes from a child of the tool, which nobody asks to terminate: its pipe goes.
     const QString tool = tools.addTool(u"flood"_s, u"yes; touch '%1'"_s.arg(tools.path(u"survived"_s)));
     constexpr OrbCLI::OutputNeed need{1024 * 1024, OrbCLI::OutputNeed::Beyond::stopTool};
-    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 60, need));
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, farLimit, need));
     ASSERT_TRUE(result);
     EXPECT_EQ(result->stoppedAfter, need.most);
     EXPECT_FALSE(result->succeeded());
@@ -142,7 +142,7 @@ TEST(Run, KeepsAllThatIsJustNotTooMuch)
     TestTools tools;
     const QString tool = tools.addTool(u"full"_s, u"head -c 1048576 /dev/zero | tr '\\0' x; echo error >&2"_s);
     constexpr OrbCLI::OutputNeed need{1024 * 1024, OrbCLI::OutputNeed::Beyond::stopTool};
-    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 60, need));
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, farLimit, need));
     ASSERT_TRUE(result);
     EXPECT_TRUE(result->succeeded());
     EXPECT_EQ(result->stdout.size(), 1024 * 1024);
@@ -154,7 +154,7 @@ TEST(Run, KeepsOfTheErrorsTheEndAndLetsTheToolGoOn)
     TestTools tools;
     const QString tool = tools.addTool(u"chatty"_s, u"head -c 10000000 /dev/zero | tr '\\0' x >&2; echo list"_s);
     constexpr OrbCLI::OutputNeed need{1024 * 1024, OrbCLI::OutputNeed::Beyond::stopTool};
-    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 60, need));
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, farLimit, need));
     ASSERT_TRUE(result);
     EXPECT_TRUE(result->succeeded());
     EXPECT_EQ(result->stdout, u"list\n"_s);
@@ -166,7 +166,7 @@ TEST(Run, KeepsTheEndOfALongLogAndSaysSo)
     TestTools tools;
     const QString tool =
         tools.addTool(u"logs"_s, u"head -c 20000000 /dev/zero | tr '\\0' x; echo the end; echo short >&2; exit 0"_s);
-    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, 60, OrbCLI::endOfLog));
+    const auto result = waitFor(OrbCLI::run(tool, {}, std::nullopt, farLimit, OrbCLI::endOfLog));
     ASSERT_TRUE(result);
     EXPECT_TRUE(result->succeeded()) << "it was let go on";
     EXPECT_TRUE(result->stdout.startsWith(u"(only the last 4 MiB are kept)\nxxx"_s));

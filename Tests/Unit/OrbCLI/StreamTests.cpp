@@ -143,7 +143,7 @@ TEST(Stream, PassesBytesOfEveryKindAsText)
 TEST(Stream, WaitsForAGrandchildThatHoldsThePipe)
 {
     TestTools tools;
-    const auto recording = record(tools.addTool(u"parent"_s, u"sleep 60 & echo $$ $!; exit 3"_s), {}, std::nullopt, 2);
+    const auto recording = record(tools.addTool(u"parent"_s, u"sleep 600 & echo $$ $!; exit 3"_s), {}, std::nullopt, 2);
     ASSERT_TRUE(waitUntil([&] { return recording->output.endsWith(u'\n'); }));
     const pid_t child = recording->output.section(u' ', 0, 0).toInt();
     const pid_t grandchild = recording->output.section(u' ', 1).trimmed().toInt();

@@ -13,7 +13,7 @@ TEST(TimeLimit, AsksTheChildToTerminateNotBeforeItsMoment)
     TestTools tools;
     QElapsedTimer elapsed;
     elapsed.start();
-    const auto recording = record(tools.addTool(u"sleeper"_s, u"exec sleep 60"_s), {}, std::nullopt, 0.25);
+    const auto recording = record(tools.addTool(u"sleeper"_s, u"exec sleep 600"_s), {}, std::nullopt, 0.25);
     ASSERT_TRUE(recording->waitForEnd());
     EXPECT_GE(elapsed.elapsed(), 250);
     EXPECT_TRUE(recording->handle->timedOut());
@@ -24,7 +24,7 @@ TEST(TimeLimit, AsksTheChildToTerminateNotBeforeItsMoment)
 TEST(TimeLimit, LeavesAToolInPeaceThatEndsInTime)
 {
     TestTools tools;
-    const auto recording = record(tools.addTool(u"quick"_s, u"exit 9"_s), {}, std::nullopt, 30);
+    const auto recording = record(tools.addTool(u"quick"_s, u"exit 9"_s), {}, std::nullopt, farLimit);
     ASSERT_TRUE(recording->waitForEnd());
     EXPECT_FALSE(recording->handle->timedOut());
     EXPECT_EQ(recording->status, 9);
@@ -66,7 +66,7 @@ TEST(TimeLimit, AsksOnceAndNeverKillsAChildThatIgnoresIt)
 TEST(TimeLimit, WaitsForThePipesAfterTheChildsEnd)
 {
     TestTools tools;
-    const QString body = u"sleep 60 & echo $!; exec sleep 60"_s;
+    const QString body = u"sleep 600 & echo $!; exec sleep 600"_s;
     const auto recording = record(tools.addTool(u"parent"_s, body), {}, std::nullopt, 1);
     ASSERT_TRUE(waitUntil([&] { return recording->handle->timedOut() && !recording->output.isEmpty(); }));
     const pid_t grandchild = recording->output.trimmed().toInt();
@@ -81,7 +81,7 @@ TEST(TimeLimit, WaitsForThePipesAfterTheChildsEnd)
 TEST(TimeLimit, OfNothingOrLessHasPassedAtOnce)
 {
     TestTools tools;
-    const QString tool = tools.addTool(u"sleeper"_s, u"exec sleep 60"_s);
+    const QString tool = tools.addTool(u"sleeper"_s, u"exec sleep 600"_s);
     for (const double limit : {0.0, -5.0, -std::numeric_limits<double>::infinity()}) {
         const auto recording = record(tool, {}, std::nullopt, limit);
         ASSERT_TRUE(recording->waitForEnd());
@@ -104,7 +104,8 @@ TEST(TimeLimit, MayBeLongerThanAnyClockCounts)
 TEST(Cancel, AsksARunningChildAndIsNoTimeout)
 {
     TestTools tools;
-    const auto recording = record(tools.addTool(u"sleeper"_s, u"echo up; exec sleep 60"_s), {}, std::nullopt, 50);
+    const auto recording =
+        record(tools.addTool(u"sleeper"_s, u"echo up; exec sleep 600"_s), {}, std::nullopt, farLimit);
     ASSERT_TRUE(waitUntil([&] { return !recording->output.isEmpty(); }));
     recording->handle->cancel();
     recording->handle->cancel();

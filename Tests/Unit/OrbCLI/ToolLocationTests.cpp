@@ -186,7 +186,7 @@ TEST(ToolLocation, GivesAChildTheseVariablesAndNoOther)
 {
     TestTools tools;
     const ScopedVariable lines("TIDEWELL_TEST_LINES", "one\ntwo=2\n");
-    const auto result = waitFor(OrbCLI::run(u"/usr/bin/env"_s, {u"-0"_s}, std::nullopt, 20));
+    const auto result = waitFor(OrbCLI::run(u"/usr/bin/env"_s, {u"-0"_s}, std::nullopt, farLimit));
     ASSERT_TRUE(result.has_value());
     EXPECT_TRUE(result->succeeded()) << result->stderr.toStdString();
     std::map<std::string, std::string> received;

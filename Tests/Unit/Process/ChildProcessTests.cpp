@@ -59,7 +59,7 @@ TEST(Quitting, WaitsForNoChildAndEndsNone)
 {
     TestTools tools;
     const QString pidFile = tools.path(u"pid"_s);
-    const QString body = u"echo $$ > '%1.new'; mv '%1.new' '%1'; exec sleep 60"_s.arg(pidFile);
+    const QString body = u"echo $$ > '%1.new'; mv '%1.new' '%1'; exec sleep 600"_s.arg(pidFile);
     const QString sleeper = tools.addTool(u"sleeper"_s, body);
     const QString flooder = tools.addTool(u"flooder"_s, u"exec yes"_s);
     for (const QString &mode : {u"quit-at-once"_s, u"quit-later"_s}) {

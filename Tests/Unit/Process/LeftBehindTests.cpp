@@ -74,7 +74,8 @@ TEST(LeftBehind, IsNoChildThatEndsInItsGraceTime)
 {
     TestTools tools;
     const auto recording = recordHasty(
-        tools.addTool(u"slow"_s, u"trap 'sleep 0.3; echo bye; exit 7' TERM; while :; do sleep 0.01; done"_s), 1, 120);
+        tools.addTool(u"slow"_s, u"trap 'sleep 0.3; echo bye; exit 7' TERM; while :; do sleep 0.01; done"_s), 1,
+        farLimit);
     ASSERT_TRUE(recording->waitForEnd());
     EXPECT_EQ(recording->status, 7);
     EXPECT_EQ(recording->output, u"bye\n"_s);
@@ -83,7 +84,7 @@ TEST(LeftBehind, IsNoChildThatEndsInItsGraceTime)
 TEST(LeftBehind, IsAGrandchildThatHoldsThePipesBeyondTheTimeLimit)
 {
     TestTools tools;
-    const auto recording = recordHasty(tools.addTool(u"parent"_s, u"sleep 60 & echo $!; exec sleep 60"_s), 3, 0.3);
+    const auto recording = recordHasty(tools.addTool(u"parent"_s, u"sleep 600 & echo $!; exec sleep 600"_s), 3, 0.3);
     ASSERT_TRUE(recording->waitForEnd());
     EXPECT_EQ(recording->status, SIGTERM) << "the child itself has ended";
     EXPECT_TRUE(recording->handle->timedOut());

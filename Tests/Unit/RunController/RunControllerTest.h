@@ -67,7 +67,7 @@ protected:
     QStringList calls() const { return tools.calls(QStringLiteral("orb")); }
 
     TestTools tools;
-    const RunTimeLimits limits{.creation = 120, .script = 120, .deletion = 120};
+    const RunTimeLimits limits{.creation = farLimit, .script = farLimit, .deletion = farLimit};
     HistoryStore history{std::nullopt};
     RunController run{limits};
     QStringList phases;

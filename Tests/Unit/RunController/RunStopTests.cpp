@@ -21,7 +21,7 @@ TEST_F(RunControllerTest, StopsTheScript)
 
 TEST_F(RunControllerTest, StopsAtOnceAfterTheStart)
 {
-    addOrb(u":"_s, u":"_s, u"exec sleep 60"_s);
+    addOrb(u":"_s, u":"_s, u"exec sleep 600"_s);
     run.start(job, &history);
     run.stop();
     EXPECT_TRUE(waitUntilIdle());
@@ -30,7 +30,7 @@ TEST_F(RunControllerTest, StopsAtOnceAfterTheStart)
 
 TEST_F(RunControllerTest, StopsAScriptWhoseChildWasNotThereYet)
 {
-    addOrb(u":"_s, u":"_s, u"exec sleep 60"_s);
+    addOrb(u":"_s, u":"_s, u"exec sleep 600"_s);
     // The echoed command line is told before the child is started.
     QObject::connect(&run, &RunController::phaseChanged, &run, &RunController::stop);
     run.start(job, &history);
@@ -40,7 +40,7 @@ TEST_F(RunControllerTest, StopsAScriptWhoseChildWasNotThereYet)
 
 TEST_F(RunControllerTest, StopsBetweenTheCreationAndTheScriptAndDeletesAllTheSame)
 {
-    addOrb(u":"_s, u":"_s, u"exec sleep 60"_s);
+    addOrb(u":"_s, u":"_s, u"exec sleep 600"_s);
     // The creation's tool has ended then, the script's is not there yet.
     QObject::connect(&run, &RunController::phaseChanged, &run, [this] {
         if (run.phase().startsWith(u"Running in "_s))

@@ -52,7 +52,8 @@ protected:
     QStringList calls() const { return tools.calls(QStringLiteral("orb")); }
 
     TestTools tools;
-    const SetupTimeLimits limits{.status = 120, .start = 120, .stop = 120, .install = 120, .pollInterval = 0.01};
+    const SetupTimeLimits limits{
+        .status = farLimit, .start = farLimit, .stop = farLimit, .install = farLimit, .pollInterval = 0.01};
     SetupController setup{limits};
     QStringList order;
 };

@@ -163,7 +163,7 @@ TEST_F(SetupControllerTest, CancelsDuringTheStartCommand)
 
 TEST_F(SetupControllerTest, CancelsAtOnceAfterTheRequestToStart)
 {
-    addOrb(running, u"exec sleep 60"_s);
+    addOrb(running, u"exec sleep 600"_s);
     setup.start();
     setup.cancel();
     EXPECT_TRUE(waitUntilFree());

@@ -23,7 +23,6 @@
 #include <QScrollBar>
 #include <QWindow>
 
-#include <cstdio>
 #include <tuple>
 
 using namespace Qt::StringLiterals;
@@ -83,16 +82,7 @@ protected:
         return texts;
     }
 
-    void write(const QString &name, const QByteArray &content)
-    {
-        // Replaced as a whole: the tool may be reading it.
-        QFile file(tools().path(name + u".new"_s));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(content);
-        file.close();
-        ASSERT_EQ(std::rename(qPrintable(file.fileName()), qPrintable(tools().path(name))), 0);
-    }
-
+    void write(const QString &name, const QByteArray &content) { tools().addFile(name, content); }
     void setContainers(const QByteArray &lines) { write(u"containers"_s, lines); }
     void hold() { write(u"hold"_s, {}); }
     void release() { QFile::remove(tools().path(u"hold"_s)); }

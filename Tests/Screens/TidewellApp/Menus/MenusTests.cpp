@@ -139,7 +139,7 @@ TEST(Menus, RunAndStopByShortcut)
     MainWindow window(tools.controllers());
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    tools.run.setScript(u"exec sleep 30"_s);
+    tools.run.setScript(u"exec sleep 600"_s);
     ASSERT_TRUE(waitUntil([&] { return action(window, u"Run"_s, u"Run"_s)->isEnabled(); }));
     QTest::keyClick(window.focusWidget(), Qt::Key_Return, Qt::ControlModifier);
     EXPECT_TRUE(tools.run.isRunning()) << "at once, without the press being shown first";

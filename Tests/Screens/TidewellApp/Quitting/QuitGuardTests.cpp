@@ -23,7 +23,7 @@ TEST(QuitGuard, LetsAnIdleWindowCloseWhichIsQuitting)
 TEST(QuitGuard, AsksOnceWhileARunIsGoing)
 {
     Guarded guarded(QuitGuard::Closing::quits);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     EXPECT_FALSE(quit());
     QMessageBox *question = guarded.question();
     ASSERT_NE(question, nullptr);
@@ -45,7 +45,7 @@ TEST(QuitGuard, AsksOnceWhileARunIsGoing)
 TEST(QuitGuard, StopsTheRunDeletesItsMachineWritesTheHistoryAndQuits)
 {
     Guarded guarded(QuitGuard::Closing::quits);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     EXPECT_FALSE(guarded.window.close());
     ASSERT_NE(guarded.question(), nullptr);
     ByName::press(*guarded.question(), u"Stop it and quit"_s);
@@ -80,14 +80,15 @@ TEST(QuitGuard, QuitsAfterARunThatWasStillMakingItsMachineOrAlreadyDeletingIt)
     for (const QString &step : {u"create"_s, u"delete"_s}) {
         Guarded guarded(QuitGuard::Closing::quits);
         TestTools &tools = guarded.tools.orbStack.tools();
-        tools.addTool(u"orb"_s, u"if [ $1 = %1 ] && [ ! -e '%2' ]; then\n: > '%2'\n%3fi"_s.arg(
-                                    step, tools.path(u"reached"_s), tools.waitForFile(u"go"_s)));
+        tools.addTool(u"orb"_s, u"if [ $1 = %1 ] && [ ! -e '%2' ]; then\n%3%4fi"_s.arg(step, tools.path(u"reached"_s),
+                                                                                       tools.tellByFile(u"reached"_s),
+                                                                                       tools.waitForFile(u"go"_s)));
         RunJob job;
         job.script = u"true"_s;
         job.distro = u"debian"_s;
         job.disposable = true;
         guarded.tools.run.start(job, &guarded.tools.history);
-        EXPECT_TRUE(waitUntil([&] { return QFile::exists(tools.path(u"reached"_s)); }));
+        EXPECT_TRUE(waitUntil([&] { return tools.hasFile(u"reached"_s); }));
         EXPECT_FALSE(quit());
         ASSERT_NE(guarded.question(), nullptr);
         ByName::press(*guarded.question(), u"Stop it and quit"_s);
@@ -116,7 +117,7 @@ TEST(QuitGuard, QuitsAtOnceWhenTheRunEndedWhileItAsked)
 TEST(QuitGuard, HidesTheWindowWhereClosingIsNotQuittingAndBringsItBack)
 {
     Guarded guarded(QuitGuard::Closing::hides);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     EXPECT_TRUE(guarded.window.close());
     EXPECT_FALSE(guarded.window.isVisible());
     EXPECT_TRUE(guarded.tools.run.isRunning());
@@ -142,7 +143,7 @@ TEST(QuitGuard, LeavesAHiddenWindowHiddenWhereClosingIsQuitting)
 TEST(QuitGuard, LetsAnyOtherWindowCloseWhileARunIsGoing)
 {
     Guarded guarded(QuitGuard::Closing::quits);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     QWidget other;
     other.show();
     EXPECT_TRUE(other.close());
@@ -157,7 +158,7 @@ TEST(QuitGuard, AsksNothingAtTheEndOfASessionThatWaitsForNoAnswer)
         GTEST_SKIP() << "there is no such session here";
     for (const bool isRunning : {false, true}) {
         if (isRunning)
-            guarded.startRun(u"exec sleep 60"_s);
+            guarded.startRun(u"exec sleep 600"_s);
         Q_EMIT qApp->commitDataRequest(*session);
         EXPECT_EQ(guarded.question(), nullptr);
     }
@@ -166,7 +167,7 @@ TEST(QuitGuard, AsksNothingAtTheEndOfASessionThatWaitsForNoAnswer)
 TEST(QuitGuard, ShowsAHiddenWindowToAskInIt)
 {
     Guarded guarded(QuitGuard::Closing::hides);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     guarded.window.close();
     EXPECT_FALSE(quit());
     EXPECT_TRUE(guarded.window.isVisible());

@@ -15,7 +15,7 @@ TEST(Quitting, WaitsFiveSecondsForARunAndTenInAll)
 
 TEST_F(QuittingTest, KeepsTheRunGoingOnReturnAndOnEscape)
 {
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
         EXPECT_FALSE(quit());
         QMessageBox *question = asked(u"A run is in progress."_s);
@@ -28,7 +28,7 @@ TEST_F(QuittingTest, KeepsTheRunGoingOnReturnAndOnEscape)
 
 TEST_F(QuittingTest, AsksOverAWindowThatWasMinimised)
 {
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     guarded.window.showMinimized();
     EXPECT_FALSE(quit());
     EXPECT_NE(asked(u"A run is in progress."_s), nullptr);
@@ -51,7 +51,7 @@ TEST_F(QuittingTest, AsksNoMoreAboutARunThatHasEndedAndStaysOpen)
 TEST_F(QuittingTest, StaysOpenAndSaysSoWhenTheMachineCouldNotBeDeleted)
 {
     addOrbThatCannotDelete(true);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     const QMessageBox *question = stopToQuit();
     ASSERT_NE(question, nullptr);
     EXPECT_EQ(question->informativeText(),
@@ -69,14 +69,14 @@ TEST_F(QuittingTest, StaysOpenAndSaysSoWhenTheMachineCouldNotBeDeleted)
 TEST_F(PatientQuittingTest, SaysSoAsSoonAsTheListOfMachinesTells)
 {
     addOrbThatCannotDelete(true);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     EXPECT_NE(stopToQuit(), nullptr);
 }
 
 TEST_F(PatientQuittingTest, NamesTheMachineThatStaysWhenARunWasStartedMeanwhileWhichIsAskedAboutThen)
 {
     addOrbThatCannotDelete(true, tools().waitForFile(u"go"_s) + u"exit 1"_s);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     EXPECT_FALSE(quit());
     press(u"Stop it and quit"_s);
     EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
@@ -84,7 +84,7 @@ TEST_F(PatientQuittingTest, NamesTheMachineThatStaysWhenARunWasStartedMeanwhileW
     EXPECT_FALSE(quit()) << "the machine that stays is still to be told";
     QCoreApplication::processEvents(); // it is looked for
     EXPECT_FALSE(quit());
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     tools().addFile(u"go"_s);
     ASSERT_NE(asked(name + u" could not be deleted."_s), nullptr);
     QTimer::singleShot(0, &guarded.window, [this] {
@@ -109,7 +109,7 @@ TEST_F(PatientQuittingTest, EndsInTimeAfterATerminationSignalWhateverIsAnsweredT
 TEST_F(PatientQuittingTest, EndsInTimeAfterATerminationSignalThatCameWhileAMachineWasTold)
 {
     addOrbThatCannotDelete(true);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     ASSERT_NE(stopToQuit(), nullptr);
     tools().addTool(u"orb"_s, ignoring + tools().waitForFile(u"go"_s));
     guarded.tools.machines.create(Distro::debian, u"box"_s);
@@ -122,7 +122,7 @@ TEST_F(PatientQuittingTest, EndsInTimeAfterATerminationSignalThatCameWhileAMachi
 TEST_F(QuittingTest, StaysOpenAlsoWhenNobodyKnowsWhetherTheMachineIsThere)
 {
     addOrbThatCannotDelete(true);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     tools().addTool(u"orb"_s, u"[ $1 != list ] || echo 'no list' >&2; exit 1"_s);
     EXPECT_NE(stopToQuit(), nullptr);
 }
@@ -130,7 +130,7 @@ TEST_F(QuittingTest, StaysOpenAlsoWhenNobodyKnowsWhetherTheMachineIsThere)
 TEST_F(QuittingTest, LeavesAMachineThatCouldNotBeDeletedWhenToldTo)
 {
     addOrbThatCannotDelete(true);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     EXPECT_FALSE(guarded.window.close());
     press(u"Stop it and quit"_s);
     EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
@@ -143,7 +143,7 @@ TEST_F(QuittingTest, LeavesAMachineThatCouldNotBeDeletedWhenToldTo)
 TEST_F(QuittingTest, SaysSoOnceWhenTheListOfMachinesTakesLong)
 {
     addOrbThatCannotDelete(true, tools().waitForFile(u"go"_s));
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     const QMessageBox *question = stopToQuit();
     ASSERT_NE(question, nullptr);
     tools().addFile(u"go"_s);
@@ -170,11 +170,11 @@ TEST_F(QuittingTest, TakesNoListThatWasAskedForAnotherMachine)
     addOrbThatCannotDelete(true, u"if mkdir '%1'; then\n"_s.arg(tools().path(u"asked"_s)) +
                                      tools().waitForFile(u"first"_s) + u"else\n"_s + tools().waitForFile(u"second"_s) +
                                      u"fi"_s);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     ASSERT_NE(stopToQuit(), nullptr);
     EXPECT_TRUE(waitUntil([this] { return QDir(tools().path(u"asked"_s)).exists(); })) << "it is the first to ask";
     press(u"Keep open"_s);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     EXPECT_FALSE(quit());
     press(u"Stop it and quit"_s);
     EXPECT_TRUE(waitUntil([&] { return !run.isRunning(); }));
@@ -189,7 +189,7 @@ TEST_F(QuittingTest, TakesNoListThatWasAskedForAnotherMachine)
 TEST_F(PatientQuittingTest, IsNotHeldUpByTheDeletionOfAMachineThatWasNeverMade)
 {
     addOrbThatCannotDelete(false);
-    guarded.startRun(u"exec sleep 60"_s);
+    guarded.startRun(u"exec sleep 600"_s);
     EXPECT_FALSE(quit());
     press(u"Stop it and quit"_s);
     EXPECT_TRUE(endsByItself());

@@ -7,7 +7,7 @@ TEST(RunStatus, CountsTheSecondsExactlyAndOnlyWhileARunGoes)
     TestWindow window;
     ContentView &content = window.showRunning({u"box"_s});
     const TimerWatch seconds(std::chrono::seconds(1));
-    window.run.setScript(u"exec sleep 60"_s);
+    window.run.setScript(u"exec sleep 600"_s);
     press(content, u"Run"_s);
     EXPECT_TRUE(shows(content, u"0s"_s));
     ASSERT_TRUE(waitUntil([&] { return seconds.timer() != nullptr; }));

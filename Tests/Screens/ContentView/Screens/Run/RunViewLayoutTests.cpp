@@ -130,7 +130,7 @@ TEST_F(RunViewLayout, ShowsARunWhereItsButtonStood)
     toggle(content, u"Disposable mode"_s)->click();
     QCoreApplication::processEvents();
     const QPoint before = place(the<QPushButton>(u"Run"_s)).topLeft();
-    window.run.setScript(u"exec sleep 60"_s);
+    window.run.setScript(u"exec sleep 600"_s);
     press(content, u"Run"_s);
     const auto *stop = the<QPushButton>(u"Stop"_s, u"Stop the run"_s);
     const auto *spinner = content.findChild<Spinner *>();

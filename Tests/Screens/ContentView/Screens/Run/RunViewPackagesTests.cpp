@@ -18,7 +18,7 @@ TEST(RunView, OffersPackagesOnlyForAMachineOfTheUsersOwn)
     toggle(content, u"Disposable mode"_s)->click();
     EXPECT_TRUE(offered());
 
-    window.run.setScript(u"exec sleep 60"_s);
+    window.run.setScript(u"exec sleep 600"_s);
     press(content, u"Run"_s);
     EXPECT_FALSE(offered());
     find<QPushButton>(content, u"Stop"_s, u"Stop the run"_s)->click();
@@ -41,7 +41,7 @@ TEST(RunView, InstallsPackagesUnderTheTimeLimitThatIsChosen)
     ContentView &content = window.showRunning({u"box"_s});
     // Once there is a file "go" it ends by itself, though not within the limit.
     TestTools &tools = window.orbStack.tools();
-    tools.addTool(u"orb"_s, u"case $1 in -m) sleep 0.6; [ -e '%1' ] || exec sleep 60;; list) cat '%2';; esac"_s.arg(
+    tools.addTool(u"orb"_s, u"case $1 in -m) sleep 0.6; [ -e '%1' ] || exec sleep 600;; list) cat '%2';; esac"_s.arg(
                                 tools.path(u"go"_s), tools.path(u"machines"_s)));
     find<QLineEdit>(content, packagesField)->setText(u"git"_s);
     const auto noteOfAnInstallation = [&] {

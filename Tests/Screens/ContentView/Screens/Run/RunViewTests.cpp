@@ -102,7 +102,7 @@ TEST(RunView, ShowsARunAndStopsIt)
 {
     TestWindow window;
     ContentView &content = window.showRunning({u"box"_s});
-    window.run.setScript(u"echo on; exec sleep 60"_s);
+    window.run.setScript(u"echo on; exec sleep 600"_s);
     EXPECT_EQ(find<QPushButton>(content, u"Stop"_s, u"Stop the run"_s), nullptr);
     const auto *spinner = content.findChild<Spinner *>();
     ASSERT_NE(spinner, nullptr);
@@ -134,7 +134,7 @@ TEST(RunView, FindsTheRunStillGoingAfterATabChange)
 {
     TestWindow window;
     ContentView &content = window.showRunning({u"box"_s});
-    window.run.setScript(u"exec sleep 60"_s);
+    window.run.setScript(u"exec sleep 600"_s);
     press(content, u"Run"_s);
     content.setTab(AppTab::history);
     content.setTab(AppTab::run);
@@ -209,7 +209,7 @@ TEST(RunView, LimitsTheTimeUnlessToldOtherwise)
     TestWindow window(true, RunTimeLimits{.script = 0.3});
     ContentView &content = window.showRunning({u"box"_s});
     EXPECT_TRUE(toggle(content, u"10 minute time limit"_s)->isChecked());
-    EXPECT_TRUE(runScript(window, u"exec sleep 60"_s).contains(u"\nTimed out after 10 minutes and was stopped.\n"_s));
+    EXPECT_TRUE(runScript(window, u"exec sleep 600"_s).contains(u"\nTimed out after 10 minutes and was stopped.\n"_s));
     toggle(content, u"10 minute time limit"_s)->click();
     window.run.clearTranscript();
     EXPECT_TRUE(runScript(window, u"sleep 0.6; echo through"_s).contains(u"through\n\nexit status 0"_s));
