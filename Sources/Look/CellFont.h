@@ -11,7 +11,10 @@
 #include <QTextLayout>
 
 #include <array>
+#include <bitset>
+#include <chrono>
 #include <memory>
+#include <utility>
 
 class CellFont
 {
@@ -36,13 +39,33 @@ public:
         double ascent = 0;
     };
 
-    /// The glyphs of one character that is not plain ASCII; valid until the next call.
-    const Shaped &shaped(QByteArrayView character);
+    /// The glyphs of one character that is not plain ASCII; valid until the next call. Null where its font could not be
+    /// opened in time.
+    const Shaped *shaped(QByteArrayView character);
 
-    /// Lays out a stretch of joined text in one line.
+    /// Lays out a stretch of joined text in one line; null as above.
     std::unique_ptr<QTextLayout> layout(const QString &text, Qt::LayoutDirection direction) const;
 
+    /// While it lives, no font is opened any more once that took so long in all. Each script has fonts of its own: to
+    /// open those of dozens at once, as bytes at random ask for, would hold the window up for a third of a second.
+    class OpeningLimit
+    {
+    public:
+        OpeningLimit(CellFont &font, std::chrono::nanoseconds most) : m_font(font) { font.m_openingTime = most; }
+        ~OpeningLimit() { m_font.m_openingTime = unlimited; }
+        Q_DISABLE_COPY_MOVE(OpeningLimit)
+
+    private:
+        CellFont &m_font;
+    };
+    /// Whether a font was wanted that could not be opened in time, since this was last asked.
+    bool takeMissed() { return std::exchange(m_hasMissed, false); }
+
 private:
+    bool areFontsOpen(const QString &text) const;
+    std::unique_ptr<QTextLayout> lineOf(const QString &text, Qt::LayoutDirection direction) const;
+
+    static constexpr std::chrono::nanoseconds unlimited = std::chrono::nanoseconds::max();
     static constexpr char16_t firstAscii = 0x20;
     static constexpr char16_t lastAscii = 0x7e;
 
@@ -53,4 +76,8 @@ private:
     int m_rowHeight;
     std::array<quint32, lastAscii - firstAscii + 1> m_glyphs{};
     QHash<QByteArray, Shaped> m_shaped;
+    mutable std::bitset<QChar::ScriptCount> m_openScripts;
+    /// What is left of it.
+    mutable std::chrono::nanoseconds m_openingTime = unlimited;
+    mutable bool m_hasMissed = false;
 };

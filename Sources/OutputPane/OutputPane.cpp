@@ -22,8 +22,10 @@ namespace
 constexpr int fontSize = 12;
 constexpr int lowest = 160;
 constexpr qint64 millisecondsPerFrame = 16;
-/// Also where painting took longer once, because fonts were loaded.
+/// Also where painting took longer once, because fonts were opened.
 constexpr qint64 mostMillisecondsPerFrame = 500;
+/// For the fonts of scripts that are shown for the first time.
+constexpr std::chrono::milliseconds mostOpeningPerFrame(4);
 
 } // namespace
 
@@ -80,13 +82,14 @@ QSize OutputPane::sizeHint() const
     return {400, lowest};
 }
 
-/// However many changes come, they are shown once a frame, the first of them at once. Rare characters take long to
-/// paint: then frames are longer, so that at least half of the time is left for what arrives.
+/// However many changes come, they are shown once a frame, the first of them at once. Rare characters take long to find
+/// their rows and to be painted: then frames are longer, so that three quarters of the time are left for what arrives.
 void OutputPane::requestFrame()
 {
     if (m_frame.isActive())
         return;
-    const qint64 frame = std::clamp(2 * m_paintMilliseconds, millisecondsPerFrame, mostMillisecondsPerFrame);
+    const qint64 busy = m_changeMilliseconds + m_paintMilliseconds;
+    const qint64 frame = std::clamp(4 * busy, millisecondsPerFrame, mostMillisecondsPerFrame);
     const qint64 elapsed = m_sinceFrame.isValid() ? m_sinceFrame.elapsed() : frame;
     m_frame.start(static_cast<int>(std::clamp<qint64>(frame - elapsed, 0, frame)));
 }
@@ -111,6 +114,7 @@ void OutputPane::showChanges()
     m_announcer.announceText();
     if (isVisible())
         updateView();
+    m_changeMilliseconds = m_sinceFrame.elapsed();
 }
 
 void OutputPane::updateView()
@@ -168,8 +172,12 @@ void OutputPane::paintEvent(QPaintEvent *event)
     if (!isBlank()) {
         QElapsedTimer timer;
         timer.start();
+        const CellFont::OpeningLimit limit(m_font, mostOpeningPerFrame);
         paintRows(painter, event->rect());
         m_paintMilliseconds = timer.elapsed();
+        // What was left out comes with the next frames.
+        if (m_font.takeMissed())
+            requestFrame();
         return;
     }
     painter.setFont(m_font.font());

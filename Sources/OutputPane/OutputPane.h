@@ -125,7 +125,8 @@ private:
 
     QTimer m_frame;
     QElapsedTimer m_sinceFrame;
-    /// What was painted last took so long.
+    /// What the last frame took to find its rows, and to be painted.
+    qint64 m_changeMilliseconds = 0;
     qint64 m_paintMilliseconds = 0;
     /// The end must come into view with the next frame in which no button is held.
     bool m_wantsEnd = true;

@@ -139,22 +139,24 @@ void OutputPanePainter::addSymbol(const DisplayCluster &cluster, Style style, QP
 /// Draws a character centred in its cells, pressed into them where the font is wider. `place` is on the baseline.
 void OutputPanePainter::drawAlone(const DisplayCluster &cluster, QByteArrayView text, QPointF place)
 {
-    const CellFont::Shaped &shaped = m_font.shaped(text.sliced(cluster.begin, cluster.size));
+    const CellFont::Shaped *const shaped = m_font.shaped(text.sliced(cluster.begin, cluster.size));
+    if (shaped == nullptr)
+        return;
     const double width = cluster.cells * m_font.cellWidth();
-    const double scale = shaped.width > width ? width / shaped.width : 1;
+    const double scale = shaped->width > width ? width / shaped->width : 1;
     // On a whole pixel of the screen, so that equal characters look equal.
     const double ratio = m_painter.device()->devicePixelRatioF();
-    const double x = std::round((place.x() + (width - scale * shaped.width) / 2) * ratio) / ratio;
-    const QPointF origin(x, place.y() - shaped.ascent);
+    const double x = std::round((place.x() + (width - scale * shaped->width) / 2) * ratio) / ratio;
+    const QPointF origin(x, place.y() - shaped->ascent);
     if (scale == 1) {
-        for (const QGlyphRun &run : shaped.glyphs)
+        for (const QGlyphRun &run : shaped->glyphs)
             m_painter.drawGlyphRun(origin, run);
         return;
     }
     m_painter.save();
     m_painter.translate(origin);
     m_painter.scale(scale, 1);
-    for (const QGlyphRun &run : shaped.glyphs)
+    for (const QGlyphRun &run : shaped->glyphs)
         m_painter.drawGlyphRun(QPointF(), run);
     m_painter.restore();
 }

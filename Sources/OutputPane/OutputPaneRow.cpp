@@ -139,6 +139,8 @@ void OutputPaneRow::addJoined(QByteArrayView text, std::size_t first, std::size_
     joined.x = m_clusters[first].column * m_font.cellWidth();
     joined.width = (last.column + last.cells) * m_font.cellWidth() - joined.x;
     joined.layout = m_font.layout(string, direction);
+    if (!joined.layout)
+        return;
     const double natural = joined.layout->lineAt(0).naturalTextWidth();
     joined.scale = natural > joined.width ? joined.width / natural : 1;
     m_joined.push_back(std::move(joined));

@@ -15,7 +15,8 @@
 class OutputPaneRow
 {
 public:
-    /// A stretch of clusters that is shaped as one text and pressed into its cells.
+    /// A stretch of clusters that is shaped as one text and pressed into its cells. There is none as long as its font
+    /// could not be opened in time.
     struct Joined {
         std::size_t first = 0;
         std::size_t end = 0;

@@ -127,7 +127,7 @@ TEST_F(OutputPanePainterTest, CentresACharacterInItsCells)
 {
     constexpr int ratio = 8;
     const QByteArray text("\u4e2d");
-    const CellFont::Shaped &shaped = font.shaped(text);
+    const CellFont::Shaped &shaped = *font.shaped(text);
     const double room = 2 * font.cellWidth() - shaped.width;
     ASSERT_GT(room, 1) << "the font leaves it some";
     QImage expected = paper(ratio);
@@ -154,7 +154,7 @@ TEST_F(OutputPanePainterTest, LeavesThePainterAsItWas)
                                    QByteArray("\U0001f469\u200d\U0001f52c"), QByteArray("\U0001f600")}) {
         const OutputPaneRow row(text, columnsOfPane, font);
         isAnyPressed = isAnyPressed || (row.joined().empty() &&
-                                        font.shaped(text).width > row.clusters().front().cells * font.cellWidth());
+                                        font.shaped(text)->width > row.clusters().front().cells * font.cellWidth());
         rows.draw(row, text, std::vector(row.clusters().size(), plain), {});
         EXPECT_EQ(painter.transform(), before) << text.toStdString();
     }
