@@ -219,11 +219,11 @@ void Quitting::goOn()
 
 void Quitting::endSaving(bool isSaved)
 {
-    const bool isAwaited = m_awaited == Awaited::saving && !m_asksNoMore;
-    if (isAwaited && isSaved)
-        quit();
-    else if (isAwaited)
+    // Whatever else is waited for: who wanted the output may want it still.
+    if (!isSaved)
         takeBack();
+    else if (m_awaited == Awaited::saving)
+        quit();
     goOn();
 }
 
