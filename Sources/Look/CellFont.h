@@ -46,8 +46,9 @@ public:
     /// Lays out a stretch of joined text in one line; null as above.
     std::unique_ptr<QTextLayout> layout(const QString &text, Qt::LayoutDirection direction) const;
 
-    /// While it lives, no font is opened any more once that took so long in all. Each script has fonts of its own: to
-    /// open those of dozens at once, as bytes at random ask for, would hold the window up for a third of a second.
+    /// While it lives, the fonts of no other script are opened any more once that took so long in all; a script's first
+    /// character opens them. Those of dozens at once, as bytes at random ask for, would hold the window up for a third
+    /// of a second.
     class OpeningLimit
     {
     public:

@@ -55,6 +55,11 @@ OutputPane::OutputPane(RunController &controller, const TextView &text, QWidget 
     m_frame.setSingleShot(true);
     m_frame.setTimerType(Qt::PreciseTimer);
     connect(&m_frame, &QTimer::timeout, this, &OutputPane::showChanges);
+    m_completion.setSingleShot(true);
+    connect(&m_completion, &QTimer::timeout, viewport(), [this] {
+        if (!m_frame.isActive())
+            viewport()->update();
+    });
     connect(&controller, &RunController::revisionChanged, this, [this] {
         m_wantsEnd = m_wantsEnd || m_following == Following::always;
         requestFrame();
@@ -175,9 +180,9 @@ void OutputPane::paintEvent(QPaintEvent *event)
         const CellFont::OpeningLimit limit(m_font, mostOpeningPerFrame);
         paintRows(painter, event->rect());
         m_paintMilliseconds = timer.elapsed();
-        // What was left out comes with the next frames.
+        // What was left out comes with what arrives, or else soon.
         if (m_font.takeMissed())
-            requestFrame();
+            m_completion.start(static_cast<int>(std::max(m_paintMilliseconds, millisecondsPerFrame)));
         return;
     }
     painter.setFont(m_font.font());

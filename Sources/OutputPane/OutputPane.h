@@ -125,7 +125,9 @@ private:
 
     QTimer m_frame;
     QElapsedTimer m_sinceFrame;
-    /// What the last frame took to find its rows, and to be painted.
+    /// Paints what had no font in time, unless a frame comes anyway.
+    QTimer m_completion;
+    /// What the last frame took to be brought up to date, and to be painted.
     qint64 m_changeMilliseconds = 0;
     qint64 m_paintMilliseconds = 0;
     /// The end must come into view with the next frame in which no button is held.

