@@ -78,7 +78,7 @@ private:
     std::array<quint32, lastAscii - firstAscii + 1> m_glyphs{};
     QHash<QByteArray, Shaped> m_shaped;
     mutable std::bitset<QChar::ScriptCount> m_openScripts;
-    /// What is left of it.
+    /// What is left for opening fonts.
     mutable std::chrono::nanoseconds m_openingTime = unlimited;
     mutable bool m_hasMissed = false;
 };

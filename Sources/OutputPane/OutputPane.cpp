@@ -12,6 +12,7 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 using namespace Qt::StringLiterals;

@@ -12,6 +12,26 @@ using namespace std::chrono_literals;
 namespace
 {
 
+class SlowRunQuittingTest : public QuittingTest
+{
+protected:
+    /// Stops a run to quit, which ends only when asked again, and before an operation beside it.
+    void expectEndAfterRunAndContainer()
+    {
+        startIgnoringRun();
+        startContainer(u"done"_s);
+        EXPECT_FALSE(quit());
+        press(u"Stop it and quit"_s);
+        ASSERT_NE(asked(u"The run has not ended yet."_s), nullptr);
+        QTimer::singleShot(0, &guarded.window, [this] {
+            tools().addFile(u"go"_s);
+            EXPECT_NE(askedAboutContainer(), nullptr);
+            tools().addFile(u"done"_s);
+        });
+        EXPECT_TRUE(endsByItself());
+    }
+};
+
 /// With more patience than a test has: what ends, ends by itself.
 class UnhurriedQuittingTest : public QuittingTest
 {
@@ -74,8 +94,7 @@ TEST_F(QuittingTest, AsksForEveryKindOfOperation)
 
 TEST_F(QuittingTest, StaysOpenForWhoKeepsARunGoingAfterAnEarlierWishToQuit)
 {
-    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
-    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    startContainer(u"go"_s);
     EXPECT_FALSE(quit());
     press(u"Quit when it is done"_s);
     guarded.startRun(tools().waitForFile(u"end"_s));
@@ -111,10 +130,9 @@ TEST_F(QuittingTest, StaysOpenWhenAnOperationIsDoneForWhoHadSaidKeepOpenAfterSto
     guarded.startRun(u"exec sleep 600"_s);
     ASSERT_NE(stopToQuit(), nullptr);
     press(u"Keep open"_s);
-    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
-    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    startContainer(u"go"_s);
     EXPECT_FALSE(quit());
-    ASSERT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+    ASSERT_NE(askedAboutContainer(), nullptr);
     QTimer::singleShot(0, &guarded.window, [this] {
         tools().addFile(u"go"_s);
         EXPECT_TRUE(waitUntil([this] { return guarded.question() == nullptr; }));
@@ -126,60 +144,36 @@ TEST_F(QuittingTest, StaysOpenWhenAnOperationIsDoneForWhoHadSaidKeepOpenAfterSto
 TEST_F(UnhurriedQuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterARunThatWasStoppedToQuit)
 {
     guarded.startRun(u"exec sleep 600"_s);
-    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
-    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    startContainer(u"go"_s);
     EXPECT_FALSE(quit());
     press(u"Stop it and quit"_s);
     QTimer::singleShot(0, &guarded.window, [this] {
-        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+        EXPECT_NE(askedAboutContainer(), nullptr);
         tools().addFile(u"go"_s);
     });
     EXPECT_TRUE(endsByItself());
 }
 
-TEST_F(QuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterARunThatEndedWhileItWasAskedAgain)
+TEST_F(SlowRunQuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterARunThatEndedWhileItWasAskedAgain)
 {
-    startIgnoringRun();
-    tools().addTool(u"docker"_s, tools().waitForFile(u"done"_s));
-    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
-    EXPECT_FALSE(quit());
-    press(u"Stop it and quit"_s);
-    ASSERT_NE(asked(u"The run has not ended yet."_s), nullptr);
-    QTimer::singleShot(0, &guarded.window, [this] {
-        tools().addFile(u"go"_s);
-        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
-        tools().addFile(u"done"_s);
-    });
-    EXPECT_TRUE(endsByItself());
+    expectEndAfterRunAndContainer();
 }
 
-TEST_F(QuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterAMachineThatWasNeverMadeWasLookedFor)
+TEST_F(SlowRunQuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterAMachineThatWasNeverMadeWasLookedFor)
 {
     addOrbThatCannotDelete(false);
-    startIgnoringRun();
-    tools().addTool(u"docker"_s, tools().waitForFile(u"done"_s));
-    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
-    EXPECT_FALSE(quit());
-    press(u"Stop it and quit"_s);
-    ASSERT_NE(asked(u"The run has not ended yet."_s), nullptr);
-    QTimer::singleShot(0, &guarded.window, [this] {
-        tools().addFile(u"go"_s);
-        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
-        tools().addFile(u"done"_s);
-    });
-    EXPECT_TRUE(endsByItself());
+    expectEndAfterRunAndContainer();
 }
 
 TEST_F(UnhurriedQuittingTest, QuitsUnansweredWhenAnOperationIsDoneThatWentOnAfterAMachineWasLeftBehind)
 {
     addOrbThatCannotDelete(true);
     guarded.startRun(u"exec sleep 600"_s);
-    tools().addTool(u"docker"_s, tools().waitForFile(u"done"_s));
-    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    startContainer(u"done"_s);
     ASSERT_NE(stopToQuit(), nullptr);
     QTimer::singleShot(0, &guarded.window, [this] {
         press(u"Quit anyway"_s);
-        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+        EXPECT_NE(askedAboutContainer(), nullptr);
         tools().addFile(u"done"_s);
     });
     EXPECT_TRUE(endsByItself());
@@ -225,8 +219,7 @@ TEST_F(QuittingTest, LeavesAnOperationWhoseToolIgnoresThatItIsCancelled)
 TEST_F(QuittingTest, AsksAboutTheOperationThatGoesOnAfterTheRun)
 {
     guarded.startRun(u"exec sleep 600"_s);
-    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
-    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    startContainer(u"go"_s);
     EXPECT_FALSE(quit());
     press(u"Stop it and quit"_s);
     bool wasAsked = false;
@@ -288,8 +281,7 @@ TEST_F(PatientQuittingTest, EndsInTimeWithoutAQuestionThoughTheMachineStaysAndAn
 {
     addOrbThatCannotDelete(true);
     guarded.startRun(u"exec sleep 600"_s);
-    tools().addTool(u"docker"_s, tools().waitForFile(u"go"_s));
-    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    startContainer(u"go"_s);
     EXPECT_FALSE(quit());
     press(u"Stop it and quit"_s);
     QTimer::singleShot(0, &guarded.guard, &QuitGuard::quitWithoutQuestion);

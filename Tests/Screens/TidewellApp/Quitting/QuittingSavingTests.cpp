@@ -122,10 +122,9 @@ TEST_F(QuittingSavingTest, StaysWhenAnOperationIsDoneForWhoHadCancelledItAfterSt
         ByName::press(*sheet(), u"Cancel"_s);
         EXPECT_TRUE(waitUntil([this] { return !guarded.saving.isSaving(); }));
         QCoreApplication::processEvents();
-        tools().addTool(u"docker"_s, tools().waitForFile(u"done"_s));
-        guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+        startContainer(u"done"_s);
         EXPECT_FALSE(quit());
-        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+        EXPECT_NE(askedAboutContainer(), nullptr);
         tools().addFile(u"done"_s);
         EXPECT_TRUE(waitUntil([this] { return guarded.question() == nullptr; }));
         // Nothing ends it any more but the time that it is given.
@@ -137,12 +136,11 @@ TEST_F(QuittingSavingTest, StaysWhenAnOperationIsDoneForWhoHadCancelledItAfterSt
 TEST_F(QuittingSavingTest, StaysWhenTheSavingFailsUnderAQuestionThatIsOverByItself)
 {
     guarded.startRun(u"exec sleep 600"_s);
-    tools().addTool(u"docker"_s, tools().waitForFile(u"done"_s));
-    guarded.tools.containers.runContainer(u"nginx"_s, QString(), QString());
+    startContainer(u"done"_s);
     EXPECT_FALSE(quit());
     press(u"Stop it and quit"_s);
     QTimer::singleShot(0, &guarded.window, [this] {
-        EXPECT_NE(asked(u"A container of nginx is being started."_s), nullptr);
+        EXPECT_NE(askedAboutContainer(), nullptr);
         failure = u"It cannot be written."_s;
         mayGoOn.release();
         EXPECT_TRUE(waitUntil([this] { return !guarded.saving.isSaving(); }));

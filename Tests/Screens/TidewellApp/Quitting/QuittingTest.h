@@ -48,6 +48,14 @@ protected:
         EXPECT_TRUE(waitUntil([this] { return guarded.tools.run.plainText().contains(QStringLiteral("\nup\n")); }));
     }
 
+    /// A container that is being started until `file` is there.
+    void startContainer(const QString &file)
+    {
+        tools().addTool(QStringLiteral("docker"), tools().waitForFile(file));
+        guarded.tools.containers.runContainer(QStringLiteral("nginx"), QString(), QString());
+    }
+    QMessageBox *askedAboutContainer() { return asked(QStringLiteral("A container of nginx is being started.")); }
+
     /// An `orb` that makes machines and lists them (or not), and whose deletions fail.
     void addOrbThatCannotDelete(bool lists, const QString &beforeItLists = QStringLiteral(":"))
     {
