@@ -42,13 +42,14 @@ class MachineMissing(EngineError):
         super().__init__(f"[-32602] no machine found: '{name}'")
 
 
+def _chosen_folder():
+    home = os.environ.get("XDG_STATE_HOME") or os.path.join(os.path.expanduser("~"), ".local", "state")
+    return os.environ.get("TIDEWELL_ENGINE_STATE") or os.path.join(home, "tidewell-engine")
+
+
 def state_folder():
     """Private to the user. Tests name their own by TIDEWELL_ENGINE_STATE."""
-    chosen = os.environ.get("TIDEWELL_ENGINE_STATE")
-    if not chosen:
-        home = os.environ.get("XDG_STATE_HOME") or os.path.join(os.path.expanduser("~"), ".local", "state")
-        chosen = os.path.join(home, "tidewell-engine")
-    return os.path.realpath(chosen)
+    return os.path.realpath(_chosen_folder())
 
 
 def machines_folder():
@@ -56,8 +57,14 @@ def machines_folder():
 
 
 def prepare():
-    os.makedirs(machines_folder(), mode=0o700, exist_ok=True)
+    """Raises EngineError where the folder, or a link in its place, is somebody else's: in /dev/shm anybody may make one,
+    and whoever owns it could put other files into the machines."""
+    os.makedirs(state_folder(), mode=0o700, exist_ok=True)
+    for path in (_chosen_folder(), state_folder()):
+        if os.lstat(path).st_uid != os.geteuid():
+            raise EngineError(f"{path} belongs to another user. TIDEWELL_ENGINE_STATE names a folder to use instead.")
     os.chmod(state_folder(), 0o700)
+    os.makedirs(machines_folder(), mode=0o700, exist_ok=True)
 
 
 def _boot_identity():

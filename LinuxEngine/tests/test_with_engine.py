@@ -5,6 +5,7 @@ import fcntl
 import os
 import signal
 import subprocess
+import unittest
 
 from harness.engine_case import ORB, EngineCase, main
 
@@ -79,6 +80,25 @@ class Programs(EngineCase):
         self.assertEqual(self.states()["c"], "stopped")
         self.assertEqual(self.orb("status").stdout, "Stopped\n")
         os.rename(folder + "-away", folder)
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can give a folder away")
+    def test_a_state_folder_of_another_user_is_refused_and_so_is_a_link(self):
+        os.mkdir(self.state)
+        os.chown(self.state, 65534, -1)
+        self.assert_refused()
+        os.chown(self.state, 0, -1)
+        folder = self.state + "-elsewhere"
+        os.rename(self.state, folder)
+        os.symlink(folder, self.state)
+        os.lchown(self.state, 65534, -1)
+        self.assert_refused()
+        self.assertEqual(os.listdir(folder), [])
+
+    def assert_refused(self):
+        program = subprocess.run([WITH_ENGINE, "echo", "ready"], env=self.environment, capture_output=True, text=True)
+        sentence = f"{self.state} belongs to another user. TIDEWELL_ENGINE_STATE names a folder to use instead."
+        self.assert_fails(program, sentence)
+        self.assert_fails(self.orb("start"), sentence)
 
 
 if __name__ == "__main__":
