@@ -47,6 +47,8 @@ _KEYS = ("Tab", "shift+Tab", "Escape", "space", "Return", "ctrl+Return", "Down",
          "ctrl+a", "ctrl+c", "ctrl+z", "ctrl+1", "ctrl+2", "ctrl+3", "ctrl+4", "x")  # fmt: skip
 # The program is to stay, and files outside the test's own folder as they are.
 _NEVER_PRESSED = ("Stop it and quit", "Quit anyway", "Quit when it is done", "Create New Folder")
+# The first of them that is there closes what asks.
+_CLOSING = ("Cancel", "Keep running", "Keep open", "OK")
 _PRESSED_ROLES = ("push button", "button", "check box", "page tab", "toggle button")
 
 
@@ -93,16 +95,8 @@ class Monkey:
     def _did(self, what):
         self._last.append(what)
 
-    def _shown(self):
-        for node in self._tidewell.root.walk():
-            try:
-                if node.is_shown:
-                    yield node
-            except Gone:
-                pass
-
     def _press(self):
-        nodes = [node for node in self._shown()
+        nodes = [node for node in self._tidewell.root.walk_shown()
                  if node.role in _PRESSED_ROLES and node.is_enabled and node.name not in _NEVER_PRESSED]  # fmt: skip
         if not nodes:
             return
@@ -114,7 +108,8 @@ class Monkey:
             pass  # It changed since.
 
     def _fill(self):
-        nodes = [node for node in self._shown() if {"editable", "enabled"} <= node.states and node.role == "text"]
+        nodes = [node for node in self._tidewell.root.walk_shown()
+                 if {"editable", "enabled"} <= node.states and node.role == "text"]  # fmt: skip
         if not nodes:
             return
         node = self._random.choice(nodes)
@@ -163,16 +158,17 @@ class Monkey:
         def at_rest():
             self._expect_an_answer()
             try:
-                for label in ("Cancel", "Keep running", "Keep open", "OK"):
-                    for node in self._tidewell.root.find_all(label):
-                        if node.role in _PRESSED_ROLES and node.is_enabled:
+                shown = [(node, node.name, node.role) for node in self._tidewell.root.walk_shown()]
+                for label in _CLOSING:
+                    for node, name, role in shown:
+                        if name == label and role in _PRESSED_ROLES and node.is_enabled:
                             node.press()
                             return False
-                stops = self._tidewell.root.find_all("Stop", description="Stop the run")
+                stops = [node for node, name, _ in shown if name == "Stop" and node.description == "Stop the run"]
                 if stops and stops[0].is_enabled:
                     stops[0].press()
                     return False
-                bars = self._tidewell.root.find_all(role="progress bar")
+                bars = [node for node, _, role in shown if role == "progress bar"]
             except (Gone, AssertionError):
                 return False
             return not bars and not stops

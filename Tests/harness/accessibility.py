@@ -104,6 +104,21 @@ class Node:
         for child in children:
             yield from child.walk()
 
+    def walk_shown(self):
+        """As `walk`, without what is hidden: below that may be a list of thousands."""
+        try:
+            children = self.children
+        except Gone:
+            return
+        for child in children:
+            try:
+                if not child.is_shown:
+                    continue
+            except Gone:
+                continue
+            yield child
+            yield from child.walk_shown()
+
     def find_all(self, name=None, role=None, description=None):
         """The shown nodes below this one that have all that is given."""
         found = []
